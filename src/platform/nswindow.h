@@ -1,0 +1,88 @@
+#pragma once
+
+#include "platform/nsalert.h"
+#include "platform/nsvalues.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace quorvane {
+
+/// What an ended sheet answers where nothing else is said (the platform's NSModalResponseStop).
+constexpr int modalResponseStop = 1000;
+
+/// A dialog that can be attached to a window.
+class NSSheet
+{
+public:
+    virtual ~NSSheet() = default;
+    /// Shows the sheet on its window. \a ended is called exactly once, with the code of what ended
+    /// it: a button, Escape, the window manager, or endSheet.
+    virtual void beginSheet(std::function<void(int code)> ended) = 0;
+    virtual void endSheet(int code) = 0;
+    /// Brings the sheet that is up before its window again, with the keyboard.
+    virtual void putForward() = 0;
+};
+
+/// Something that can hold the keyboard focus.
+class NSResponder
+{
+public:
+    virtual ~NSResponder() = default;
+    virtual void becomeFirstResponder() = 0;
+};
+
+/// A window of a document. Sheets and alerts share one queue: one is up at a time, the next one
+/// begins on a later turn of the main loop.
+class NSWindow
+{
+public:
+    virtual ~NSWindow() = default;
+
+    virtual NSRect frame() const = 0;
+    virtual NSSize minSize() const = 0; ///< Of the frame, decorations included.
+    virtual void setFrame(const NSRect &frame, bool animate) = 0;
+    virtual void setMaxSize(const NSSize &size) = 0;
+    virtual void setShowsResizeIndicator(bool shows) = 0;
+    virtual void center() = 0;
+
+    virtual void makeKeyAndOrderFront() = 0;
+    virtual void makeFirstResponder(NSResponder &responder) = 0;
+    virtual void close() = 0;
+    virtual void setTitle(const QString &title) = 0;
+    virtual void setDocumentEdited(bool edited) = 0;
+
+    virtual void beginSheet(NSSheet &sheet, std::function<void(int code)> completion) = 0;
+    virtual void endSheet(NSSheet &sheet, int returnCode = modalResponseStop) = 0;
+    virtual void beginAlert(const NSAlert &alert, AlertCompletion completion) = 0;
+    virtual NSSheet *attachedSheet() const = 0; ///< Null while none is up.
+};
+
+class NSToolbar
+{
+public:
+    virtual ~NSToolbar() = default;
+    virtual bool isVisible() const = 0;
+    virtual void setVisible(bool visible) = 0;
+    virtual void setAutosavesConfiguration(bool autosaves) = 0;
+};
+
+class NSProgressIndicator
+{
+public:
+    virtual ~NSProgressIndicator() = default;
+    virtual void setHidden(bool hidden) = 0;
+    virtual void startAnimation() = 0;
+    virtual void stopAnimation() = 0;
+};
+
+class NSSecureTextField
+{
+public:
+    virtual ~NSSecureTextField() = default;
+    virtual QString stringValue() const = 0;
+    virtual void setStringValue(const QString &text) = 0;
+};
+
+} // namespace quorvane
