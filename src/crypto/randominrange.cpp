@@ -1,0 +1,24 @@
+#include "crypto/randominrange.h"
+
+#include <cstdlib>
+#include <ctime>
+
+namespace quorvane {
+
+qint64 randomInRange(qint64 low, qint64 high)
+{
+    static bool isSeeded = false;
+    if (!isSeeded) {
+        srandom(static_cast<unsigned int>(time(nullptr)));
+        isSeeded = true;
+    }
+    if (high < low) {
+        return low;
+    }
+    const quint64 drawn = static_cast<quint64>(random());
+    const quint64 count = static_cast<quint64>(high) - static_cast<quint64>(low) + 1;
+    const quint64 offset = count == 0 ? drawn : drawn % count; // 0: all there are
+    return static_cast<qint64>(static_cast<quint64>(low) + offset);
+}
+
+} // namespace quorvane
