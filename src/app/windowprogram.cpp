@@ -1,0 +1,119 @@
+#include "app/windowprogram.h"
+
+#include "document/mydocument.h"
+#include "editor/documentwindow.h"
+#include "editor/documentwindowcontroller.h"
+#include "platform/nsdocumentcontroller.h"
+#include "platform/posixfilestore.h"
+#include "platform_qt/qtfontmanager.h"
+#include "platform_qt/qtmodalalerts.h"
+#include "platform_qt/qtoperationqueue.h"
+#include "platform_qt/qtpanels.h"
+#include "platform_qt/qttimers.h"
+#include "platform_qt/qtwindow.h"
+#include "platform_qt/qtworkspace.h"
+#include "platform_qt/settingsdefaults.h"
+#include "product/release.h"
+#include "product/qvappsupportutility.h"
+#include "shell/mainmenu.h"
+#include "shell/myappdelegate.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+namespace quorvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The one copy of everything that lives as long as the program.
+class Program final
+{
+public:
+    Program();
+
+    void start(const QStringList &files);
+
+private:
+    std::unique_ptr<NSDocument> makeDocument();
+    std::unique_ptr<NSWindowController> loadNib(MyDocument &document);
+
+    QtOperationQueue m_mainQueue;
+    QtTimers m_timers;
+    SettingsDefaults m_defaults;
+    PosixFileStore m_files;
+    QtPanels m_panels;
+    QtModalAlerts m_alerts;
+    QtFontManager m_fontManager;
+    QtWorkspace m_workspace;
+    NSDocumentController m_documents;
+    MyAppDelegate m_delegate;
+};
+
+Program::Program()
+    : m_documents({m_mainQueue, m_files, m_panels}, m_alerts, documentExtension, [this] { return makeDocument(); })
+    , m_delegate(m_defaults, m_documents, m_timers)
+{
+    MyAppDelegate::initialize(m_defaults);
+}
+
+std::unique_ptr<NSDocument> Program::makeDocument()
+{
+    const MyDocumentSurroundings surroundings {
+        {m_mainQueue, m_files, m_panels},
+        m_defaults,
+        m_fontManager,
+        m_alerts,
+        m_workspace,
+        [this](MyDocument &document) { return loadNib(document); },
+    };
+    return std::make_unique<MyDocument>(surroundings);
+}
+
+std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
+{
+    auto controller = std::make_unique<DocumentWindowController>(
+        document, m_defaults, [this](QWidget &window) { return std::make_unique<QtWindow>(window, m_mainQueue); });
+    new MainMenu(controller->window(), document, m_documents); // owned by the window
+    return controller;
+}
+
+void Program::start(const QStringList &files)
+{
+    for (const QString &file : files) {
+        m_documents.openDocumentWithContentsOfURL(file);
+    }
+    if (files.isEmpty() && m_delegate.applicationShouldOpenUntitledFile()) {
+        m_documents.newDocument();
+    }
+    m_delegate.applicationDidFinishLaunching();
+}
+
+QStringList filesOfCommandLine(const QCoreApplication &application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"A rich-text editor whose documents exist on disk only in encrypted form."_s);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(u"FILE"_s, u"Documents to open."_s, u"[FILE…]"_s);
+    parser.process(application);
+    return parser.positionalArguments();
+}
+
+} // namespace
+
+int runWindowProgram(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"quorvane"_s);
+    QApplication::setApplicationDisplayName(productName);
+    QApplication::setApplicationVersion(QVAppSupportUtility::calcReleaseString(releaseNumber));
+    QApplication::setDesktopFileName(u"quorvane"_s);
+    const QStringList files = filesOfCommandLine(application);
+    Program program;
+    program.start(files);
+    return QApplication::exec();
+}
+
+} // namespace quorvane

@@ -1,0 +1,171 @@
+#include "editor/documentwindowcontroller.h"
+
+#include "document/mydocument.h"
+#include "editor/documentwindow.h"
+#include "editor/editorview.h"
+#include "editor/formattoolbar.h"
+#include "editor/lockedpage.h"
+#include "editor/passwordsheet.h"
+#include "editor/texteditor.h"
+#include "product/settings.h"
+
+namespace quorvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int acceptingTag = 1000;
+constexpr int decliningTag = 1001;
+
+} // namespace
+
+DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
+                                                   const WindowAdapter &adapt)
+    : m_document(document)
+    , m_defaults(defaults)
+    , m_window(std::make_unique<DocumentWindow>())
+    , m_adapter(adapt(*m_window))
+    , m_view(std::make_unique<EditorView>(m_window->textEditor()))
+    , m_mandatorySheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Mandatory, m_window.get()))
+    , m_changeSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Change, m_window.get()))
+    , m_insertSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Insert, m_window.get()))
+{
+    connectOutlets();
+    bindAppearance();
+    bindEditor();
+    bindPublicNote();
+    bindSheets();
+}
+
+DocumentWindowController::~DocumentWindowController() = default;
+
+void DocumentWindowController::setShouldCascadeWindows(bool cascades)
+{
+    m_cascades = cascades;
+}
+
+void DocumentWindowController::connectOutlets()
+{
+    m_document.myWindow = m_adapter.get();
+    m_document.myTextView = m_view.get();
+    m_document.myScrollView = m_view.get(); // the editor is its own scroll view
+    m_document.modernToolbar = &m_window->modernToolbar();
+    m_document.passwordToDecryptField = &m_window->lockedPage().passwordField();
+    m_document.decryptProgressIndicator = &m_window->lockedPage().progressIndicator();
+    m_document.mandatoryPasswordSheet = m_mandatorySheet.get();
+    m_document.changePasswordSheet = m_changeSheet.get();
+    m_document.insertPasswordSheet = m_insertSheet.get();
+}
+
+void DocumentWindowController::bindAppearance()
+{
+    const auto follow = [this] {
+        if (m_document.isEncrypted()) {
+            m_window->showLockedAppearance();
+        } else {
+            m_window->showEditorAppearance();
+        }
+    };
+    connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this, follow);
+    follow();
+    connect(&m_document, &NSDocument::displayNameChanged, this,
+            [this] { m_window->lockedPage().setDocumentName(m_document.displayName()); });
+    m_window->lockedPage().setDocumentName(m_document.displayName());
+    connect(m_window.get(), &DocumentWindow::becameKey, &m_document,
+            [this] { m_document.windowDidBecomeKey(*m_adapter); });
+    connect(m_window.get(), &DocumentWindow::closeRequested, &m_document, &NSDocument::performClose);
+    connect(&m_window->lockedPage(), &LockedPage::passwordSubmitted, &m_document,
+            [this](const QString &password) { m_document.submitPasswordToDecrypt(password); });
+}
+
+void DocumentWindowController::bindEditor()
+{
+    connect(&m_window->textEditor(), &QTextEdit::textChanged, &m_document, &MyDocument::textDidChange);
+    connect(&m_document, &MyDocument::myIsEditableChanged, this, &DocumentWindowController::applyEditable);
+    connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this, &DocumentWindowController::applyEditable);
+    connect(&m_document, &MyDocument::bodyIsTooTall, this, &DocumentWindowController::tellBodyIsTooTall);
+    connect(&m_window->textEditor(), &TextEditor::tooTall, this, [this] {
+        const NSAlert alert {
+            u"That would make the document longer than it can be shown."_s,
+            u"Nothing was changed. Divide the text among several documents."_s,
+            {u"OK"_s},
+        };
+        m_adapter->beginAlert(alert, [](AlertAnswer) { });
+    });
+    applyEditable();
+}
+
+void DocumentWindowController::applyEditable()
+{
+    m_window->setReadOnly(!m_document.myIsEditable() || m_view->isTooTall());
+}
+
+void DocumentWindowController::tellBodyIsTooTall()
+{
+    applyEditable();
+    const NSAlert alert {
+        u"This document is too long to be shown."_s,
+        u"Its text is kept as it is, and the window stays empty and read-only. The program quorvane-decrypt.py, "
+        "which comes with the source, writes the text to a file."_s,
+        {u"OK"_s},
+    };
+    m_adapter->beginAlert(alert, [](AlertAnswer) { });
+}
+
+void DocumentWindowController::bindPublicNote()
+{
+    const auto show = [this] {
+        m_window->lockedPage().setNote(m_document.myPublicTextData().value_or(QString()));
+    };
+    connect(&m_document, &MyDocument::myPublicTextDataChanged, this, show);
+    show();
+    connect(&m_defaults, &NSUserDefaults::changed, this, &DocumentWindowController::applyNoteFont);
+    applyNoteFont();
+}
+
+void DocumentWindowController::applyNoteFont()
+{
+    QFont font(m_defaults.value(settings::publicNoteFontFamily));
+    if (const double size = m_defaults.value(settings::publicNoteFontSize); size > 0) {
+        font.setPointSizeF(size);
+    }
+    font.setBold(m_defaults.value(settings::publicNoteFontBold));
+    font.setItalic(m_defaults.value(settings::publicNoteFontItalic));
+    m_window->lockedPage().setNoteFont(font);
+}
+
+void DocumentWindowController::bindSheets()
+{
+    bindFields(*m_mandatorySheet);
+    connect(m_mandatorySheet.get(), &PasswordSheet::confirmed, &m_document,
+            [this] { m_document.confirmMandatoryPasswordSheet(acceptingTag); });
+    connect(m_mandatorySheet.get(), &PasswordSheet::declined, &m_document,
+            [this] { m_document.confirmMandatoryPasswordSheet(decliningTag); });
+    bindFields(*m_changeSheet);
+    connect(m_changeSheet.get(), &PasswordSheet::confirmed, &m_document, &QVCryptoDoc::confirmChangePasswordSheet);
+    connect(m_changeSheet.get(), &PasswordSheet::declined, &m_document, &QVCryptoDoc::cancelChangePasswordSheet);
+    bindFields(*m_insertSheet);
+    connect(m_insertSheet.get(), &PasswordSheet::confirmed, &m_document, &QVCryptoDoc::confirmInsertPasswordSheet);
+    connect(m_insertSheet.get(), &PasswordSheet::declined, &m_document, &QVCryptoDoc::cancelInsertPasswordSheet);
+}
+
+void DocumentWindowController::bindFields(PasswordSheet &sheet)
+{
+    connect(&sheet, &PasswordSheet::previousEdited, &m_document,
+            [this](const QString &text) { m_document.setPlainPasswordPrevious(text); });
+    connect(&sheet, &PasswordSheet::insertedEdited, &m_document,
+            [this](const QString &text) { m_document.setPlainPasswordInserted(text); });
+    connect(&sheet, &PasswordSheet::retypeEdited, &m_document,
+            [this](const QString &text) { m_document.setPlainPasswordInsertedRetype(text); });
+    const auto show = [this, &sheet] {
+        sheet.setFields(m_document.plainPasswordPrevious().value_or(QString()),
+                        m_document.plainPasswordInserted().value_or(QString()),
+                        m_document.plainPasswordInsertedRetype().value_or(QString()));
+    };
+    connect(&m_document, &QVCryptoDoc::plainPasswordPreviousChanged, &sheet, show);
+    connect(&m_document, &QVCryptoDoc::plainPasswordInsertedChanged, &sheet, show);
+    connect(&m_document, &QVCryptoDoc::plainPasswordInsertedRetypeChanged, &sheet, show);
+}
+
+} // namespace quorvane

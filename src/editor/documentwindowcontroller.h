@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/nsuserdefaults.h"
+#include "platform/nswindow.h"
+#include "platform/nswindowcontroller.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace quorvane {
+
+class DocumentWindow;
+class EditorView;
+class MyDocument;
+class PasswordSheet;
+
+/// Builds a document's window and joins its widgets to the document: outlets, actions, and each
+/// property with the field that shows it, in both directions.
+class DocumentWindowController final : public QObject, public NSWindowController
+{
+    Q_OBJECT
+
+public:
+    using WindowAdapter = std::function<std::unique_ptr<NSWindow>(QWidget &window)>;
+
+    DocumentWindowController(MyDocument &document, NSUserDefaults &defaults, const WindowAdapter &adapt);
+    ~DocumentWindowController() override;
+
+    DocumentWindow &window() const { return *m_window; }
+    void setShouldCascadeWindows(bool cascades) override;
+
+private:
+    void connectOutlets();
+    void bindAppearance();
+    void bindEditor();
+    void bindPublicNote();
+    void bindSheets();
+    void bindFields(PasswordSheet &sheet);
+    void tellBodyIsTooTall();
+    void applyEditable();
+    void applyNoteFont();
+
+    MyDocument &m_document;
+    NSUserDefaults &m_defaults;
+    std::unique_ptr<DocumentWindow> m_window;
+    std::unique_ptr<NSWindow> m_adapter;
+    std::unique_ptr<EditorView> m_view;
+    std::unique_ptr<PasswordSheet> m_mandatorySheet;
+    std::unique_ptr<PasswordSheet> m_changeSheet;
+    std::unique_ptr<PasswordSheet> m_insertSheet;
+    bool m_cascades = true;
+};
+
+} // namespace quorvane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/nstextview.h"
+
+namespace quorvane {
+
+class TextEditor;
+
+/// The editor as its document sees it: bytes in, bytes out. What nobody edited goes out as the very
+/// bytes that came in, and a text is serialised once for each state that is asked for.
+class EditorView final : public NSTextView
+{
+public:
+    explicit EditorView(TextEditor &editor);
+
+    void becomeFirstResponder() override;
+    bool setBody(const std::optional<QByteArray> &body) override;
+    std::optional<QByteArray> body() const override;
+    bool isEdited() const override;
+    void markUnedited() override;
+    void setTypingAttributes(const std::optional<NSFont> &font) override;
+    void setRulerVisible(bool visible) override;
+    void setContinuousSpellCheckingEnabled(bool enabled) override;
+    void setUsesAdaptiveColorMappingForDarkAppearance(bool adapts) override;
+
+    /// The body is longer than the editor can show: it is kept, and the editor stands empty.
+    bool isTooTall() const { return m_isTooTall; }
+
+private:
+    TextEditor &m_editor;
+    // The bytes that stand for the editor's content at m_revision; filled when they are asked for.
+    mutable std::optional<QByteArray> m_body;
+    mutable int m_revision = -1;
+    bool m_isTooTall = false;
+};
+
+} // namespace quorvane

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/nsdocument.h"
+
+#include <memory>
+#include <vector>
+
+namespace quorvane {
+
+/// The open documents of the program, in the order in which they were opened.
+class NSDocumentController : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Factory = std::function<std::unique_ptr<NSDocument>()>;
+    /// \a document is null where the file did not open.
+    using OpenCompletion = std::function<void(NSDocument *document, bool wasAlreadyOpen)>;
+
+    NSDocumentController(const DocumentSurroundings &surroundings, ModalAlerts &alerts, QString extension,
+                         Factory factory);
+    ~NSDocumentController() override;
+
+    std::vector<NSDocument *> documents() const;
+
+    void newDocument();
+    /// Asks for files and opens them.
+    void openDocument();
+    /// Opens a file, or brings forward the document that has it open, by whatever path. A file that
+    /// does not open is told of.
+    void openDocumentWithContentsOfURL(const QString &path, const OpenCompletion &completion = {});
+    /// Reviews the edited documents one by one, then closes all. \a done learns whether all agreed.
+    void closeAllDocuments(std::function<void(bool closed)> done);
+
+Q_SIGNALS:
+    void documentsChanged();
+
+private:
+    void add(std::unique_ptr<NSDocument> document);
+    void remove(const NSDocument *document);
+    NSDocument *documentForPath(const QString &path) const;
+    void tellNotOpened(const QString &path, const QString &reason);
+    void reviewNext(std::function<void(bool closed)> done);
+
+    DocumentSurroundings m_surroundings;
+    ModalAlerts &m_alerts;
+    QString m_extension;
+    Factory m_factory;
+    std::vector<std::unique_ptr<NSDocument>> m_documents;
+    int m_untitledCount = 0;
+};
+
+} // namespace quorvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/nsalert.h"
+#include "platform/nsworkspace.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace quorvane {
+
+/// What the shell and the documents both tell the user about releases and the vendor's pages.
+class QVAppSupportUtility final
+{
+public:
+    /// The display form of a Release Number: "2.6.1" for 20601, "" for fewer than four digits.
+    static QString calcReleaseString(qint64 release);
+
+    /// Opens the vendor's home page.
+    static void visitUs(NSWorkspace &workspace);
+    static void visitArdelis(NSWorkspace &workspace); ///< The same as visitUs.
+
+    /// Tells that a document is newer than the program; its first button opens the home page.
+    /// \a answered, if there is one, learns whether the first button was pressed.
+    static void sayFilecreatedWithANewerVersion(ModalAlerts &alerts, NSWorkspace &workspace,
+                                                const std::function<void(bool)> &answered = {});
+};
+
+} // namespace quorvane
