@@ -19,7 +19,7 @@ class NSNumber final
 public:
     static NSNumber numberWithBool(bool value) { return NSNumber(value); }
     static NSNumber numberWithLong(qint64 value) { return NSNumber(value); }
-    static NSNumber numberWithUnsignedLong(quint64 value) { return NSNumber(value); }
+    static NSNumber numberWithUnsignedLong(quint64 value);
     static NSNumber numberWithDouble(double value) { return NSNumber(value); }
 
     bool isBool() const { return std::holds_alternative<bool>(m_value); }
