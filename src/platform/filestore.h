@@ -7,14 +7,33 @@
 
 namespace quorvane {
 
+/// The steps of reading and replacing a file, each so that it reads on behind "while".
+namespace filestep {
+inline constexpr QLatin1StringView lookingAtFile("looking at the file");
+inline constexpr QLatin1StringView followingLink("following the symbolic link");
+inline constexpr QLatin1StringView openingFile("opening the file");
+inline constexpr QLatin1StringView reading("reading the file");
+inline constexpr QLatin1StringView openingFolder("opening the folder");
+inline constexpr QLatin1StringView makingNewFile("making a new file in the folder");
+inline constexpr QLatin1StringView writing("writing the new file");
+inline constexpr QLatin1StringView settingPermissions("setting the permissions of the new file");
+inline constexpr QLatin1StringView flushing("bringing the new file to the disk");
+inline constexpr QLatin1StringView readingBack("reading the new file back");
+inline constexpr QLatin1StringView puttingInPlace("putting the new file in place");
+inline constexpr QLatin1StringView flushingFolder("bringing the folder to the disk");
+} // namespace filestep
+
 /// Why a file could not be read or written.
 struct FileError
 {
-    int code = 0;      ///< errno; 0 where the system gave none (bytes read back differ).
-    QString step;      ///< What was being done, for a sentence: "writing the new file".
-    QString path;      ///< The file or folder it was done to.
+    int code = 0; ///< errno; 0 where the system gave none (bytes read back differ).
+    QString step; ///< What was being done, one of filestep.
+    QString path; ///< The file or folder it was done to.
 
-    QString reason() const; ///< A plain sentence for the user, with the path.
+    QString reason() const; ///< Plain sentences for the user, with the path.
+    /// Whether the new content stands under the name all the same: only the last step failed, and
+    /// a power cut might bring the old file back, whole as it was.
+    bool isInPlace() const;
 };
 
 /// The files of documents.
@@ -30,8 +49,10 @@ public:
     virtual ~FileStore() = default;
     [[nodiscard]] virtual ReadResult read(const QString &path) = 0;
     /// Puts \a data in place of the file: on success all of it is on the disk under the name, on
-    /// failure the file that was there is whole and untouched. \return nothing on success.
-    [[nodiscard]] virtual std::optional<FileError> replace(const QString &path, const QByteArray &data) = 0;
+    /// failure the file that was there is whole and untouched, but for FileError::isInPlace.
+    /// \return nothing on success.
+    [[nodiscard]] virtual std::optional<FileError> replace(const QString &path,
+                                                           const QByteArray &data) = 0;
 };
 
 } // namespace quorvane
