@@ -8,8 +8,7 @@
 namespace quorvane {
 
 /// A setting's key, type and registered value.
-template<typename T>
-struct Key
+template <typename T> struct Key
 {
     QLatin1StringView name;
     T registered;
@@ -28,11 +27,15 @@ public:
     qint64 integerForKey(QLatin1StringView key) const; ///< 0 where it is absent or no number.
     double doubleForKey(QLatin1StringView key) const;
     QString stringForKey(QLatin1StringView key) const;
+    /// An invalid value takes the stored one away. Tells \a changed only where the answer differs.
     void setObject(QLatin1StringView key, const QVariant &value);
 
     bool value(const Key<bool> &key) const { return boolForKey(key.name); }
+
     qint64 value(const Key<qint64> &key) const { return integerForKey(key.name); }
+
     double value(const Key<double> &key) const { return doubleForKey(key.name); }
+
     QString value(const Key<QLatin1StringView> &key) const { return stringForKey(key.name); }
 
 Q_SIGNALS:
@@ -40,7 +43,7 @@ Q_SIGNALS:
 
 protected:
     virtual QVariant stored(QLatin1StringView key) const = 0; ///< Invalid where nothing is stored.
-    virtual void store(QLatin1StringView key, const QVariant &value) = 0;
+    virtual void store(QLatin1StringView key, const QVariant &value) = 0; ///< Invalid: remove.
 
 private:
     QVariantMap m_registered;

@@ -6,16 +6,20 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 namespace quorvane {
 
 /// What an ended sheet answers where nothing else is said (the platform's NSModalResponseStop).
 constexpr int modalResponseStop = 1000;
 
-/// A dialog that can be attached to a window.
+/// A dialog that can be attached to a window. One that dies while it is up tells \a ended first.
 class NSSheet
 {
 public:
+    NSSheet() = default;
+    NSSheet(const NSSheet &) = delete;
+    NSSheet &operator=(const NSSheet &) = delete;
     virtual ~NSSheet() = default;
     /// Shows the sheet on its window. \a ended is called exactly once, with the code of what ended
     /// it: a button, Escape, the window manager, or endSheet.
@@ -23,6 +27,11 @@ public:
     virtual void endSheet(int code) = 0;
     /// Brings the sheet that is up before its window again, with the keyboard.
     virtual void putForward() = 0;
+
+    std::weak_ptr<const void> life() const { return m_life; } ///< Expires with the sheet.
+
+private:
+    std::shared_ptr<const int> m_life = std::make_shared<const int>(); // shared with none: watched
 };
 
 /// Something that can hold the keyboard focus.
