@@ -265,6 +265,7 @@ void TestDocumentState::lockingAsksAndLocksOnALaterTurn()
              u"Before locking the document you need to save it on disk.\nTo browse the document data again you will "
              "need to re-insert the master password"_s);
     window.currentFrame = {10, 20, 800, 500.7};
+    windowed.outlets->toolbar.visible = true;
     window.answer(AlertAnswer::First);
     QVERIFY(!document.isEncrypted());
     world.queue.runAll();
