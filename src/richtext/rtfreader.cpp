@@ -1,0 +1,384 @@
+#include "richtext/rtfreader.h"
+
+#include <algorithm>
+
+namespace quorvane {
+
+namespace {
+
+constexpr std::size_t deepest = 65536; // Real files reach a few thousand.
+constexpr int utf8Page = 65001;
+constexpr uchar placeholder = 0xac;
+constexpr qsizetype longestRun = 1 << 20; // Keeps the buffer small where no format changes.
+
+bool isAscii(QByteArrayView bytes)
+{
+    uchar all = 0;
+    for (const char c : bytes) {
+        all |= uchar(c);
+    }
+    return all < 0x80;
+}
+
+} // namespace
+
+RtfReader::RtfReader(QByteArrayView rtf, RtfSink &sink)
+    : m_rtf(rtf)
+    , m_tokenizer(rtf)
+    , m_sink(sink)
+{ }
+
+void RtfReader::read()
+{
+    m_sink.begin(m_tables);
+    run();
+    readAsides();
+    const Ending ending = m_pendingEnding.value_or(Ending {m_state.paragraph, m_state.character});
+    m_sink.end(ending.paragraph, ending.character);
+}
+
+void RtfReader::run()
+{
+    while (!m_isEnded) {
+        const RtfToken token = m_tokenizer.next();
+        if (token.kind == RtfToken::Kind::End) {
+            break;
+        }
+        if (m_skippedGroups > 0) {
+            skip(token);
+        } else {
+            handle(token);
+        }
+    }
+    m_skippedGroups = 0;
+    flushBytes();
+    flushText();
+    if (m_state.destination == Destination::Graphic) {
+        endGraphic();
+    }
+}
+
+void RtfReader::readAsides()
+{
+    if (m_asides.empty()) {
+        return;
+    }
+    const State main = m_state;
+    if (!m_paragraphIsEmpty) {
+        m_pendingEnding = Ending {m_state.paragraph, m_state.character};
+    }
+    m_isInAside = true;
+    for (const Aside &aside : m_asides) {
+        m_stack.clear();
+        m_unsavedGroups = 0;
+        m_pendingCells = 0;
+        m_state = aside.state;
+        m_isEnded = false;
+        m_rewoundUntil = 0;
+        m_tokenizer.setPosition(aside.start);
+        run();
+        if (!m_pendingEnding && !m_paragraphIsEmpty) {
+            m_pendingEnding = Ending {m_state.paragraph, m_state.character};
+        }
+    }
+    m_state = main;
+}
+
+void RtfReader::handle(const RtfToken &token)
+{
+    switch (token.kind) {
+    case RtfToken::Kind::GroupStart:
+        startGroup();
+        return;
+    case RtfToken::Kind::GroupEnd:
+        endGroup();
+        return;
+    case RtfToken::Kind::Word:
+        word(token);
+        break;
+    case RtfToken::Kind::Symbol:
+        symbol(token.byte);
+        break;
+    case RtfToken::Kind::Hex:
+        hex(token.byte);
+        break;
+    case RtfToken::Kind::Text:
+        text(token.text);
+        break;
+    case RtfToken::Kind::End:
+        break;
+    }
+    m_isFirstInGroup = m_isFirstInGroup && m_starred;
+}
+
+void RtfReader::skip(const RtfToken &token)
+{
+    if (token.kind == RtfToken::Kind::GroupStart) {
+        ++m_skippedGroups;
+    } else if (token.kind == RtfToken::Kind::GroupEnd && --m_skippedGroups == 0) {
+        endGroup();
+    }
+}
+
+void RtfReader::skipGroup()
+{
+    m_skippedGroups = 1;
+}
+
+void RtfReader::startGroup()
+{
+    flushBytes();
+    m_fallbackLeft = 0;
+    m_expectsPlaceholder = false;
+    m_isFirstInGroup = true;
+    m_starred = false;
+    if (m_stack.size() >= deepest) {
+        ++m_unsavedGroups;
+        return;
+    }
+    const qsizetype start = m_tokenizer.position() - 1;
+    const bool isOld = m_state.alternative == Alternative::Expected;
+    if (isOld) {
+        m_state.alternative = Alternative::Skipped;
+        m_state.alternativeStart = start;
+    }
+    m_stack.push_back(m_state);
+    m_state.alternative = Alternative::None;
+    if (isOld) {
+        skipGroup();
+    }
+}
+
+void RtfReader::endGroup()
+{
+    flushBytes();
+    m_fallbackLeft = 0;
+    m_isFirstInGroup = false;
+    m_starred = false;
+    m_expectsPlaceholder = false;
+    if (m_unsavedGroups > 0) {
+        --m_unsavedGroups;
+        return;
+    }
+    if (m_state.alternative == Alternative::Skipped) {
+        // The text in Unicode did not come: the one for old readers is all there is.
+        m_state.alternative = Alternative::None;
+        m_rewoundUntil = m_tokenizer.position();
+        m_tokenizer.setPosition(m_state.alternativeStart);
+        return;
+    }
+    if (m_stack.size() <= 1 && !m_isInAside) {
+        endRoot();
+        return;
+    }
+    if (m_stack.empty()) {
+        m_isEnded = true;
+        return;
+    }
+    flushText();
+    const Destination left = m_state.destination;
+    m_state = std::move(m_stack.back());
+    m_stack.pop_back();
+    if (left == Destination::Fonts) {
+        m_tableReader.endFont();
+    }
+    if (left == m_state.destination) {
+        return;
+    }
+    if (left == Destination::Graphic) {
+        endGraphic();
+    } else {
+        m_state.codePage = m_tables.codePageOfFont(m_state.character.font);
+        m_sink.tablesChanged();
+    }
+}
+
+/// The outermost group keeps its state: braces that do not match are no reason to lose the rest.
+void RtfReader::endRoot()
+{
+    if (m_rootIsClosed) {
+        return;
+    }
+    m_rootIsClosed = true;
+    const QByteArrayView rest = m_rtf.sliced(m_tokenizer.position());
+    m_isEnded = !rest.contains('\\') && !rest.contains('}');
+}
+
+void RtfReader::endGraphic()
+{
+    if (m_attachment.name.endsWith(u' ')) {
+        m_attachment.name.chop(1);
+    }
+    m_state.destination = Destination::Body;
+    if (takesText()) {
+        flushText();
+        m_sink.attachment(m_attachment, m_state.character);
+    }
+    m_expectsPlaceholder = true;
+}
+
+void RtfReader::symbol(uchar byte)
+{
+    m_expectsPlaceholder = false;
+    const bool startsGroup = m_isFirstInGroup;
+    if (byte == '*') {
+        m_starred = startsGroup && !m_stack.empty();
+        return;
+    }
+    if (byte == '\n') {
+        m_fallbackLeft = 0;
+        paragraphEnd();
+        return;
+    }
+    if (byte == '\'' || byte == '|' || byte == ':') {
+        return;
+    }
+    if (m_fallbackLeft > 0) {
+        --m_fallbackLeft;
+        return;
+    }
+    if (byte == '~') {
+        unit(QChar::Nbsp);
+    } else if (byte == '-') {
+        unit(QChar::SoftHyphen);
+    } else if (byte == '_') {
+        unit(0x2011);
+    } else {
+        const char c = char(byte);
+        bytes(QByteArrayView(&c, 1));
+    }
+}
+
+void RtfReader::hex(uchar byte)
+{
+    if (m_expectsPlaceholder && byte == placeholder) {
+        m_expectsPlaceholder = false;
+        return;
+    }
+    m_expectsPlaceholder = false;
+    if (m_fallbackLeft > 0) {
+        --m_fallbackLeft;
+        return;
+    }
+    if (m_state.destination == Destination::Fonts && byte == ';') {
+        unit(byte);
+    } else if (takesText()) {
+        m_bytes.append(char(byte));
+    }
+}
+
+void RtfReader::text(QByteArrayView bytes)
+{
+    if (m_expectsPlaceholder && uchar(bytes[0]) == placeholder) {
+        bytes = bytes.sliced(1);
+    }
+    m_expectsPlaceholder = false;
+    const qsizetype skipped = std::min<qsizetype>(m_fallbackLeft, bytes.size());
+    m_fallbackLeft -= int(skipped);
+    this->bytes(bytes.sliced(skipped));
+}
+
+void RtfReader::bytes(QByteArrayView bytes)
+{
+    if (bytes.isEmpty() || !takesText()) {
+        return;
+    }
+    // Behind a byte that waits even ASCII may be the second half of a character.
+    if (m_bytes.isEmpty() && isAscii(bytes)) {
+        m_text.append(QLatin1StringView(bytes.data(), bytes.size()));
+    } else {
+        m_bytes.append(bytes.data(), bytes.size());
+    }
+    if (m_text.size() > longestRun) {
+        flushText();
+    }
+}
+
+void RtfReader::unicode(int number)
+{
+    const int code = number < 0 ? number + 0x10000 : number;
+    if (code >= 0 && code <= 0xffff) {
+        unit(char16_t(code));
+    } else if (code > 0xffff && code <= 0x10ffff) {
+        unit(QChar::highSurrogate(char32_t(code)));
+        unit(QChar::lowSurrogate(char32_t(code)));
+    } else {
+        unit(QChar::ReplacementCharacter);
+    }
+    m_fallbackLeft = m_state.fallbackLength;
+}
+
+void RtfReader::unit(char16_t unit)
+{
+    flushBytes();
+    if (m_state.destination == Destination::Fonts) {
+        flushText();
+        m_tableReader.fontNameUnit(unit);
+    } else if (takesText()) {
+        m_text.append(QChar(unit));
+    }
+}
+
+/// To be asked before each piece of text; makes true what was waiting for it.
+bool RtfReader::takesText()
+{
+    if (m_state.destination != Destination::Body) {
+        return m_state.destination != Destination::Graphic || !m_attachmentIsNamed;
+    }
+    if (m_state.deleted) {
+        return false;
+    }
+    if (m_pendingEnding) {
+        m_sink.paragraphEnd(m_pendingEnding->paragraph, m_pendingEnding->character);
+        m_pendingEnding.reset();
+    }
+    if (m_pendingCells > 0) {
+        flushBytes();
+        m_text.append(QString(m_pendingCells, u'\t'));
+        m_pendingCells = 0;
+    }
+    m_paragraphIsEmpty = false;
+    return true;
+}
+
+void RtfReader::flushBytes()
+{
+    if (m_bytes.isEmpty()) {
+        return;
+    }
+    int codePage = m_state.codePage;
+    if (m_state.destination == Destination::Fonts) {
+        codePage = m_tableReader.fontCodePage();
+    } else if (m_state.destination == Destination::Graphic) {
+        codePage = utf8Page;
+    }
+    m_codePages.decode(codePage, m_bytes, m_text);
+    m_bytes.resize(0);
+}
+
+void RtfReader::flushText()
+{
+    if (m_text.isEmpty()) {
+        return;
+    }
+    switch (m_state.destination) {
+    case Destination::Body:
+        m_sink.text(m_text, m_state.paragraph, m_state.character);
+        break;
+    case Destination::Fonts:
+        m_tableReader.fontText(m_text);
+        break;
+    case Destination::Colours:
+        m_tableReader.colourText(m_text);
+        break;
+    case Destination::ExpandedColours:
+        m_tableReader.expandedColourText(m_text);
+        break;
+    case Destination::Graphic:
+        m_attachment.name.append(m_text);
+        break;
+    }
+    m_text.resize(0);
+}
+
+} // namespace quorvane
