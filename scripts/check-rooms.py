@@ -18,7 +18,7 @@ BELOW = {"util", "platform"}
 ROOMS = {
     "util": (set(), CORE, set()),
     "platform": ({"util"}, CORE, set()),
-    "platform_qt": (BELOW, WIDGETS | {"QtNetwork", "QtDBus"}, set()),
+    "platform_qt": (BELOW, WIDGETS | {"QtNetwork", "QtDBus"}, {"fontconfig"}),
     "product": (BELOW, CORE, set()),
     "crypto": (BELOW, CORE, {"openssl"}),
     "document": (BELOW | {"product", "crypto"}, CORE, set()),
@@ -137,6 +137,8 @@ class Check:
             number = text[: match.start()].count("\n") + 1
             uses, modules, libraries = self.rooms.get(room, (set(), set(), set()))
             for link in links:
+                link = link.split(":", 1)[1] if link.startswith("$<") else link
+                link = link.rstrip(">")
                 if link.startswith("quorvane_"):
                     known = link.removeprefix("quorvane_") in uses
                 elif link.startswith("Qt6::"):
@@ -227,6 +229,9 @@ SNIPPETS = [
      "quorvane_room(crypto LINK quorvane_document Qt6::Core)", "may not link quorvane_document"),
     ("a link list with widgets", "crypto/CMakeLists.txt",
      "quorvane_room(crypto LINK\n  Qt6::Widgets)", "may not link Qt6::Widgets"),
+    ("a link list upwards, where there is such a room", "crypto/CMakeLists.txt",
+     "quorvane_room(crypto LINK $<TARGET_NAME_IF_EXISTS:quorvane_shell>)",
+     "may not link quorvane_shell"),
     ("a paper outside", "editor/a.cpp", "// As spec" ".md has it", "paper outside"),
     ("a chapter of it", "editor/a.cpp", "// See Part " "3.2.", "paper outside"),
     ("a published standard is welcome", "editor/a.cpp", "// RFC 8018, 5.2", None),

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of the groups named (run, tour, test, fuzz, bench) that are missing,
+# Installs the Debian packages of the groups named (run, tour, test...) that are missing,
 # as scripts/packages lists them. Says what it does, and nothing where nothing is to be done.
 #
 #   scripts/packages.sh run tour          installs
