@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Builds the benchmarks and runs every one; arguments go to each of them:
+#   scripts/bench.sh --benchmark_filter=archive
+set -euo pipefail
+
+root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
+"$root/scripts/packages.sh" run bench
+"$root/scripts/build.sh" bench
+export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 TZ=UTC
+shopt -s nullglob
+programs=("$root"/build/bench/bin/bench_*)
+if [ ${#programs[@]} -eq 0 ]; then
+    echo "There is no benchmark in build/bench/bin" >&2
+    exit 1
+fi
+for program in "${programs[@]}"; do
+    echo "== $(basename "$program")"
+    "$program" "$@"
+done
