@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QTextCharFormat>
+
+#include <memory>
+#include <unordered_map>
+
+class QFont;
+class QPaintDevice;
+class QTextBlock;
+class QTextDocument;
+class QTextFrame;
+class QTextTable;
+
+namespace quorvane {
+
+/// The tallest document that is laid out in one piece, in pixels. The toolkit's layout loops for
+/// ever above 2^23 - 1; the distance between the two covers what an estimate may miss.
+constexpr double tallestDocument = 8'000'000;
+
+/// Images that do not say their height are shown no taller than this, in pixels.
+constexpr double tallestImage = 4096;
+
+/// Tells how tall a text becomes without laying it out: linear in its length, and rather too tall
+/// than too low. It never touches the document's layout, so it may judge any document.
+class HeightEstimate final
+{
+public:
+    /// \a width is what the text is wrapped at, in pixels. \a device gives the resolution, the
+    /// screen's where it is null.
+    explicit HeightEstimate(double width, const QPaintDevice *device = nullptr);
+    ~HeightEstimate();
+
+    /// Judges the characters from \a from to \a to as if \a format had been merged into theirs.
+    void restyle(int from, int to, const QTextCharFormat &format);
+
+    /// Height of the whole in pixels. It stops counting well above tallestDocument.
+    double of(const QTextDocument &document);
+    /// Height of the blocks that the characters from \a from to \a to touch.
+    double ofBlocks(const QTextDocument &document, int from, int to);
+
+private:
+    struct Measure; // of one font
+    struct Lines; // of one block, while it is filled
+
+    double ofFrame(const QTextFrame &frame, double width, int depth);
+    double ofTable(const QTextTable &table, double width, int depth);
+    double ofBlock(const QTextBlock &block, double width);
+    void addText(Lines &lines, const QString &text, const QTextCharFormat &format);
+    void addObjects(Lines &lines, qsizetype count, const QTextCharFormat &format) const;
+    QTextCharFormat styled(const QTextCharFormat &format, int from, int to) const;
+    Measure &measureOf(const QTextCharFormat &format);
+    std::unique_ptr<Measure> newMeasure(const QFont &font) const;
+
+    double m_width;
+    const QPaintDevice *m_device;
+    double m_dotsPerInch;
+    const QTextDocument *m_document = nullptr;
+    int m_restyledFrom = 0;
+    int m_restyledTo = 0;
+    QTextCharFormat m_restyling;
+    std::unordered_map<size_t, std::unique_ptr<Measure>> m_measures;
+};
+
+} // namespace quorvane

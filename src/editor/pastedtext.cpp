@@ -1,0 +1,129 @@
+#include "editor/pastedtext.h"
+
+#include "editor/heightestimate.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QUrl>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+
+constexpr int largestExtent = static_cast<int>(tallestImage);
+
+bool isData(const QUrl &url)
+{
+    return url.scheme().compare("data"_L1, Qt::CaseInsensitive) == 0;
+}
+
+/// While HTML is read, nothing that it names is looked for.
+class ClosedDocument final : public QTextDocument
+{
+protected:
+    QVariant loadResource(int type, const QUrl &name) override
+    {
+        return type == ImageResource ? QVariant(imageOf(name)) : QVariant(u" "_s);
+    }
+};
+
+struct Run
+{
+    int position;
+    int length;
+    QTextCharFormat format;
+};
+
+std::vector<Run> runsOf(const QTextDocument &document)
+{
+    std::vector<Run> runs;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+            const QTextFragment fragment = part.fragment();
+            runs.push_back({fragment.position(), fragment.length(), fragment.charFormat()});
+        }
+    }
+    return runs;
+}
+
+bool isOutside(const QTextCharFormat &format)
+{
+    return format.isImageFormat() && !isData(QUrl(format.toImageFormat().name()));
+}
+
+bool isPlain(const QTextCharFormat &format, QTextFormat::Property property, Qt::GlobalColor color)
+{
+    return format.hasProperty(property) && format.brushProperty(property).color() == QColor(color);
+}
+
+void withoutDefaultColors(QTextCursor &cursor, QTextCharFormat format)
+{
+    const bool black = isPlain(format, QTextFormat::ForegroundBrush, Qt::black);
+    const bool white = isPlain(format, QTextFormat::BackgroundBrush, Qt::white);
+    if (!black && !white) {
+        return;
+    }
+    if (black) {
+        format.clearForeground();
+    }
+    if (white) {
+        format.clearBackground();
+    }
+    cursor.setCharFormat(format);
+}
+
+} // namespace
+
+std::unique_ptr<QTextDocument> pastedHtml(const QString &html)
+{
+    std::unique_ptr<QTextDocument> document = std::make_unique<ClosedDocument>();
+    document->setUndoRedoEnabled(false);
+    document->setHtml(html);
+    std::vector<Run> runs = runsOf(*document);
+    QTextCursor cursor(document.get());
+    cursor.beginEditBlock();
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) { // from the end: places stay true
+        cursor.setPosition(run->position);
+        cursor.setPosition(run->position + run->length, QTextCursor::KeepAnchor);
+        if (isOutside(run->format)) {
+            cursor.removeSelectedText();
+        } else {
+            withoutDefaultColors(cursor, run->format);
+        }
+    }
+    cursor.endEditBlock();
+    return document;
+}
+
+QImage imageOf(const QUrl &name)
+{
+    QImage nothing(1, 1, QImage::Format_ARGB32);
+    nothing.fill(Qt::transparent);
+    const QByteArray address = name.toEncoded();
+    const qsizetype comma = address.indexOf(',');
+    if (!isData(name) || comma < 0) {
+        return nothing;
+    }
+    const bool isBase64 = address.first(comma).endsWith(";base64");
+    QByteArray bytes = QByteArray::fromPercentEncoding(address.sliced(comma + 1));
+    if (isBase64) {
+        bytes = QByteArray::fromBase64(bytes);
+    }
+    QBuffer buffer(&bytes);
+    QImageReader reader(&buffer);
+    const QSize size = reader.size();
+    if (size.width() > largestExtent || size.height() > largestExtent) {
+        reader.setScaledSize(size.scaled(largestExtent, largestExtent, Qt::KeepAspectRatio));
+    }
+    const QImage image = reader.read();
+    return image.width() > 0 ? image : nothing;
+}
+
+} // namespace quorvane

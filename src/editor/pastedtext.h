@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QImage>
+
+#include <memory>
+
+class QString;
+class QTextDocument;
+class QUrl;
+
+namespace quorvane {
+
+/// A document of what HTML says, without what would reach outside: images that are not part of the
+/// HTML itself are left out. Black text and white ground are the author's defaults, not a wish:
+/// they are left out too, so that the text can be read on a dark ground.
+std::unique_ptr<QTextDocument> pastedHtml(const QString &html);
+
+/// The image that a data: address holds, scaled down where it is very large. A transparent pixel
+/// for anything else: no image is fetched, neither from the network nor from a file.
+QImage imageOf(const QUrl &name);
+
+} // namespace quorvane

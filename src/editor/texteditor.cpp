@@ -1,0 +1,428 @@
+#include "editor/texteditor.h"
+
+#include "editor/heightestimate.h"
+#include "editor/pastedtext.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextDocumentFragment>
+#include <QUrl>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+
+constexpr int settlingMilliseconds = 80; // longer than a step of an animated resize
+constexpr double pageHeight = tallestDocument / 2;
+constexpr double margin = 8;
+// A text lower than this cannot become too tall by wrapping in any window.
+constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
+
+QFont fontOf(const NSFont &font)
+{
+    QFont result(font.family);
+    result.setPointSizeF(font.pointSize);
+    return result;
+}
+
+bool insertsText(const QString &text)
+{
+    return !text.isEmpty() && (text.at(0).isPrint() || text.at(0) == u'\r' || text.at(0) == u'\t');
+}
+
+} // namespace
+
+TextEditor::TextEditor(QWidget *parent)
+    : QTextEdit(parent)
+{
+    setAccessibleName(u"Document text"_s);
+    setAcceptRichText(true);
+    setTabChangesFocus(false);
+    setFrameShape(QFrame::NoFrame);
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(settlingMilliseconds);
+    connect(&m_settling, &QTimer::timeout, this, [this] {
+        if (const auto place = std::exchange(m_unsettled, std::nullopt)) {
+            restoreScroll(*place);
+        }
+    });
+    static_cast<void>(showDocument(std::make_unique<QTextDocument>()));
+}
+
+TextEditor::~TextEditor()
+{
+    detach();
+    setDocument(nullptr);
+}
+
+TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> document)
+{
+    HeightEstimate estimate(referenceWidth, viewport());
+    if (document->isEmpty() && m_typingFont) {
+        document->setDefaultFont(fontOf(*m_typingFont));
+    }
+    document->setDocumentMargin(margin);
+    const double height = estimate.of(*document);
+    if (height > tallestDocument) {
+        return ShowResult::TooTall;
+    }
+    document->setUndoRedoEnabled(false); // drops what filling has recorded
+    document->setUndoRedoEnabled(true);
+    document->setModified(false);
+    detach();
+    const auto former = std::exchange(m_content, std::move(document));
+    m_bound = {referenceWidth, height};
+    m_narrow = m_bound;
+    m_paginated = false;
+    m_place = {};
+    m_unsettled.reset();
+    if (!isContentHidden()) {
+        attach(m_content.get());
+        setTypingFont(m_typingFont);
+    }
+    connect(m_content.get(), &QTextDocument::contentsChange, this, &TextEditor::followHeight);
+    emit contentReplaced();
+    return ShowResult::Shown;
+}
+
+// Documents stay ours: the editor would delete a child of its own when it is given another one, and
+// a document that is no child of an editor would read files to find its images.
+void TextEditor::attach(QTextDocument *document)
+{
+    if (lineWrapMode() != WidgetWidth) {
+        setLineWrapMode(WidgetWidth);
+    }
+    const bool pins = document == m_content.get() && (m_paginated || !fitsAt(viewport()->width()));
+    if (pins) {
+        pinWrap();
+    }
+    document->setParent(this);
+    setDocument(document);
+    if (pins && m_paginated) {
+        paginate();
+    }
+    m_layoutGuard.watch(document);
+}
+
+void TextEditor::detach()
+{
+    m_layoutGuard.watch(nullptr);
+    if (document()->parent() == this) {
+        document()->setParent(nullptr);
+    }
+}
+
+void TextEditor::setContentHidden(bool hidden)
+{
+    if (hidden == isContentHidden()) {
+        return;
+    }
+    if (hidden) {
+        m_place = place();
+        m_settling.stop();
+        detach();
+        m_standIn = std::make_unique<QTextDocument>();
+        attach(m_standIn.get());
+        return;
+    }
+    detach();
+    const auto standIn = std::move(m_standIn);
+    attach(m_content.get());
+    setTypingFont(m_typingFont);
+    restore(m_place);
+}
+
+void TextEditor::setTypingFont(const std::optional<NSFont> &font)
+{
+    m_typingFont = font;
+    if (!font || !m_content->isEmpty()) {
+        return;
+    }
+    m_content->setDefaultFont(fontOf(*font));
+    if (!isContentHidden()) {
+        QTextCharFormat format;
+        format.setFontFamilies({font->family});
+        format.setFontPointSize(font->pointSize);
+        mergeCurrentCharFormat(format);
+    }
+}
+
+// --- Height ---------------------------------------------------------------------------------
+
+double TextEditor::heightAt(double width) const
+{
+    return HeightEstimate(width, viewport()).of(*m_content);
+}
+
+bool TextEditor::hasRoomFor(double height)
+{
+    if (m_bound.height + height <= tallestDocument) {
+        return true;
+    }
+    m_bound.height = heightAt(referenceWidth);
+    return m_bound.height + height <= tallestDocument;
+}
+
+bool TextEditor::applyCharFormat(const QTextCharFormat &format)
+{
+    const QTextCursor cursor = textCursor();
+    if (!cursor.hasSelection()) {
+        mergeCurrentCharFormat(format);
+        return true;
+    }
+    HeightEstimate estimate(referenceWidth, viewport());
+    estimate.restyle(cursor.selectionStart(), cursor.selectionEnd(), format);
+    if (estimate.of(*m_content) > tallestDocument) {
+        refuse();
+        return false;
+    }
+    mergeCurrentCharFormat(format);
+    return true;
+}
+
+bool TextEditor::insertDocument(const QTextDocument &inserted)
+{
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(inserted))) {
+        refuse();
+        return false;
+    }
+    textCursor().insertFragment(QTextDocumentFragment(&inserted));
+    ensureCursorVisible();
+    return true;
+}
+
+void TextEditor::refuse()
+{
+    emit tooTall();
+}
+
+// Comes before the layout learns of the edit, so that even here nothing has been lost yet.
+void TextEditor::followHeight(int position, int removed, int added)
+{
+    for (Bound *bound : {&m_bound, &m_narrow}) {
+        bound->height += HeightEstimate(bound->width, viewport())
+                             .ofBlocks(*m_content, position, position + added);
+        if (bound->height > tallestDocument) {
+            bound->height = heightAt(bound->width);
+        }
+    }
+    if (m_bound.height > tallestDocument) {
+        m_paginated = true;
+        if (!isContentHidden()) {
+            pinWrap();
+            paginate();
+        }
+        QMetaObject::invokeMethod(this, &TextEditor::refuse, Qt::QueuedConnection);
+    } else if (m_narrow.height > tallestDocument && !isContentHidden()) {
+        fitWrap();
+    } else if (lineWrapMode() != WidgetWidth && removed > added && !isContentHidden()) {
+        // Lines may wrap with the window again, once the edit is over.
+        QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
+    }
+}
+
+bool TextEditor::fitsAt(double width)
+{
+    if (m_bound.height < heightSafeAtAnyWidth) {
+        return true;
+    }
+    if (width >= m_narrow.width && m_narrow.height <= tallestDocument) {
+        return true;
+    }
+    // Half as narrow at first, so that not each step of a resize has to ask.
+    for (const double candidate : {width / 2, width}) {
+        const double height = heightAt(candidate);
+        if (height <= tallestDocument) {
+            m_narrow = {candidate, height};
+            return true;
+        }
+    }
+    m_narrow = m_bound;
+    return width >= m_bound.width && m_bound.height <= tallestDocument;
+}
+
+void TextEditor::fitWrap()
+{
+    if (isContentHidden()) {
+        return;
+    }
+    if (m_paginated && hasRoomFor(0)) {
+        m_paginated = false;
+    }
+    const bool fits = !m_paginated && fitsAt(viewport()->width());
+    if (fits && lineWrapMode() != WidgetWidth) {
+        setLineWrapMode(WidgetWidth);
+    } else if (!fits && lineWrapMode() == WidgetWidth) {
+        pinWrap();
+    }
+}
+
+void TextEditor::pinWrap()
+{
+    setLineWrapColumnOrWidth(referenceWidth);
+    setLineWrapMode(FixedPixelWidth);
+}
+
+// With pages the layout has an end to reach at any height. They are taller than a screen by far:
+// all one sees of them is a gap between two lines.
+void TextEditor::paginate()
+{
+    document()->setPageSize(QSizeF(referenceWidth, pageHeight));
+}
+
+void TextEditor::resizeEvent(QResizeEvent *event)
+{
+    fitWrap();
+    QTextEdit::resizeEvent(event);
+    if (m_unsettled) {
+        m_settling.start();
+    }
+}
+
+// --- Place ----------------------------------------------------------------------------------
+
+TextEditor::Place TextEditor::place() const
+{
+    const QTextCursor cursor = textCursor();
+    return {cursor.anchor(), cursor.position(), cursorForPosition(QPoint(0, 0)).position(),
+            verticalScrollBar()->value(), viewport()->width()};
+}
+
+void TextEditor::restore(const Place &place)
+{
+    const int last = m_content->characterCount() - 1;
+    QTextCursor cursor(m_content.get());
+    cursor.setPosition(std::min(place.anchor, last));
+    cursor.setPosition(std::min(place.caret, last), QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+    restoreScroll(place);
+    m_unsettled = place;
+}
+
+void TextEditor::restoreScroll(const Place &place)
+{
+    if (place.width == viewport()->width()) {
+        const double bottom = place.scroll + viewport()->height();
+        m_content->documentLayout()->hitTest(QPointF(0, bottom),
+                                             Qt::FuzzyHit); // lays out up to there
+        verticalScrollBar()->setValue(place.scroll);
+        return;
+    }
+    QTextCursor top(m_content.get());
+    top.setPosition(std::min(place.top, m_content->characterCount() - 1));
+    m_content->documentLayout()->blockBoundingRect(top.block()); // lays out up to there
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(top).top());
+}
+
+// --- Input ----------------------------------------------------------------------------------
+
+void TextEditor::keyPressEvent(QKeyEvent *event)
+{
+    m_unsettled.reset();
+    if (!isReadOnly() && insertsText(event->text()) && !hasRoomFor(2 * cursorRect().height())) {
+        refuse();
+        return;
+    }
+    QTextEdit::keyPressEvent(event);
+}
+
+void TextEditor::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (!isReadOnly() && insertsText(event->commitString())
+        && !hasRoomFor(2 * cursorRect().height())) {
+        refuse();
+        return;
+    }
+    QTextEdit::inputMethodEvent(event);
+}
+
+void TextEditor::mousePressEvent(QMouseEvent *event)
+{
+    m_unsettled.reset();
+    QTextEdit::mousePressEvent(event);
+}
+
+// A read-only editor would zoom, which changes the fonts of the document itself.
+void TextEditor::wheelEvent(QWheelEvent *event)
+{
+    m_unsettled.reset();
+    if (event->modifiers().testFlag(Qt::ControlModifier)) {
+        event->ignore();
+        return;
+    }
+    QTextEdit::wheelEvent(event);
+}
+
+// A change of the program's font would become the document's.
+void TextEditor::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
+        QAbstractScrollArea::changeEvent(event);
+        return;
+    }
+    QTextEdit::changeEvent(event);
+}
+
+// Another program deletes what it has moved here, even if it was refused: it may only copy.
+void TextEditor::dropEvent(QDropEvent *event)
+{
+    if (event->source() != viewport() && event->source() != this) {
+        event->setDropAction(Qt::CopyAction);
+    }
+    QTextEdit::dropEvent(event);
+}
+
+bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
+{
+    return source && (m_pasteReader || source->hasHtml() || source->hasFormat(u"text/plain"_s));
+}
+
+void TextEditor::insertFromMimeData(const QMimeData *source)
+{
+    if (!source || isReadOnly()) {
+        return;
+    }
+    const std::unique_ptr<QTextDocument> pasted = m_pasteReader ? m_pasteReader(*source) : nullptr;
+    if (pasted) {
+        insertDocument(*pasted);
+    } else if (source->hasHtml()) {
+        insertDocument(*pastedHtml(source->html()));
+    } else if (source->hasFormat(u"text/plain"_s)) {
+        insertPlain(source->text());
+    }
+}
+
+void TextEditor::insertPlain(const QString &text)
+{
+    QTextDocument probe;
+    probe.setUndoRedoEnabled(false);
+    probe.setDefaultFont(m_content->defaultFont());
+    QTextCursor(&probe).insertText(text, currentCharFormat());
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe))) {
+        refuse();
+        return;
+    }
+    textCursor().insertText(text);
+    ensureCursorVisible();
+}
+
+QVariant TextEditor::loadResource(int type, const QUrl &name)
+{
+    if (type == QTextDocument::ImageResource) {
+        const QImage image = imageOf(name);
+        document()->addResource(type, name, image);
+        return image;
+    }
+    return u" "_s; // an empty answer would make the document look for a file
+}
+
+} // namespace quorvane

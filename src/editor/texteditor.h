@@ -1,0 +1,127 @@
+#pragma once
+
+#include "editor/layoutguard.h"
+#include "platform/nsfont.h"
+
+#include <QTextEdit>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace quorvane {
+
+/// The view and editor of a styled text.
+///
+/// It promises that no text makes it hang and that no line of a text is ever left out: it refuses
+/// what would become too tall for the toolkit's layout. Whether a text fits is judged at
+/// referenceWidth, whatever size the window has, so that a document which could be written can be
+/// shown again in every window. Where a narrower window would break the lines into too many, they
+/// stay wrapped at referenceWidth and the view scrolls sideways.
+class TextEditor final : public QTextEdit
+{
+    Q_OBJECT
+
+public:
+    enum class ShowResult { Shown, TooTall };
+    using PasteReader = std::function<std::unique_ptr<QTextDocument>(const QMimeData &)>;
+
+    static constexpr int referenceWidth = 760;
+
+    explicit TextEditor(QWidget *parent = nullptr);
+    ~TextEditor() override;
+
+    /// The only way to have a document shown. It was filled before it came here; it starts
+    /// unmodified, with nothing to undo and the caret at its beginning. What was shown stays as it
+    /// is where the answer is TooTall. While the content is hidden it stays hidden.
+    [[nodiscard]] ShowResult showDocument(std::unique_ptr<QTextDocument> document);
+
+    /// The document, also while it is hidden and document() is an empty stand-in.
+    QTextDocument *content() const { return m_content.get(); }
+
+    /// Puts an empty document in the place of the content, since assistive programs read widgets
+    /// that cannot be seen. The content keeps its undo stack; caret, selection and place come back.
+    void setContentHidden(bool hidden);
+
+    bool isContentHidden() const { return m_standIn != nullptr; }
+
+    /// The font of an empty document and of what is typed next; nothing leaves the fonts alone.
+    void setTypingFont(const std::optional<NSFont> &font);
+
+    /// Merges \a format into the selection, in one step of undo, or into what is typed next.
+    /// \return false, with tooTall() sent and nothing changed, where the text would not fit.
+    bool applyCharFormat(const QTextCharFormat &format);
+    /// Inserts a text in the place of the selection, in one step of undo. \return as above.
+    bool insertDocument(const QTextDocument &inserted);
+    /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
+    bool hasRoomFor(double height);
+
+    /// Asked first when something is pasted or dropped; where it answers null, HTML or plain text
+    /// is taken.
+    void setPasteReader(PasteReader reader) { m_pasteReader = std::move(reader); }
+
+    QVariant loadResource(int type, const QUrl &name) override;
+
+signals:
+    /// An edit was refused, or an undo or a program has made the text taller than it should be.
+    void tooTall();
+    /// content() is another one.
+    void contentReplaced();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    bool canInsertFromMimeData(const QMimeData *source) const override;
+    void insertFromMimeData(const QMimeData *source) override;
+
+private:
+    /// The narrowest wrap that is known to be safe, and a height that is not exceeded there.
+    struct Bound
+    {
+        double width = referenceWidth;
+        double height = 0;
+    };
+
+    struct Place
+    {
+        int anchor = 0;
+        int caret = 0;
+        int top = 0; // the first character in view
+        int scroll = 0;
+        int width = 0;
+    };
+
+    void attach(QTextDocument *document);
+    void detach();
+    double heightAt(double width) const;
+    void followHeight(int position, int removed, int added);
+    bool fitsAt(double width);
+    void fitWrap();
+    void pinWrap();
+    void paginate();
+    void refuse();
+    Place place() const;
+    void restore(const Place &place);
+    void restoreScroll(const Place &place);
+    void insertPlain(const QString &text);
+
+    std::unique_ptr<QTextDocument> m_content;
+    std::unique_ptr<QTextDocument> m_standIn;
+    LayoutGuard m_layoutGuard {*this};
+    std::optional<NSFont> m_typingFont;
+    PasteReader m_pasteReader;
+    Bound m_bound; // at the reference width
+    Bound m_narrow; // at most as wide
+    bool m_paginated = false;
+    Place m_place; // of the hidden content
+    std::optional<Place> m_unsettled; // to be found again when the window has its size
+    QTimer m_settling;
+};
+
+} // namespace quorvane

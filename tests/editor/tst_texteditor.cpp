@@ -1,0 +1,404 @@
+#include "editor/heightestimate.h"
+#include "editor/texteditor.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
+
+using namespace Qt::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+QFont testFont(double size = 12)
+{
+    QFont font(u"DejaVu Sans"_s);
+    font.setPointSizeF(size);
+    return font;
+}
+
+std::unique_ptr<QTextDocument> documentOf(const QString &paragraph, int count, double size = 12)
+{
+    auto document = std::make_unique<QTextDocument>();
+    document->setUndoRedoEnabled(false);
+    document->setDefaultFont(testFont(size));
+    QString text;
+    text.reserve((paragraph.size() + 1) * count);
+    for (int index = 1; index < count; ++index) {
+        text += paragraph + u'\n';
+    }
+    QTextCursor(document.get()).insertText(text + paragraph);
+    return document;
+}
+
+int blocksWithoutLines(const QTextDocument &document)
+{
+    int count = 0;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        count += block.layout()->lineCount() == 0 ? 1 : 0;
+    }
+    return count;
+}
+
+std::unique_ptr<QMimeData> text(const QString &text)
+{
+    auto data = std::make_unique<QMimeData>();
+    data->setText(text);
+    return data;
+}
+
+void paste(TextEditor &editor, std::unique_ptr<QMimeData> data)
+{
+    QGuiApplication::clipboard()->setMimeData(data.release());
+    editor.paste();
+}
+
+void drop(TextEditor &editor, std::unique_ptr<QMimeData> data)
+{
+    const QPoint place = editor.viewport()->rect().center();
+    QDragEnterEvent enter(place, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(editor.viewport(), &enter);
+    QDropEvent event(place, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(editor.viewport(), &event);
+}
+
+const QString longParagraph = QString(u"lorem ipsum dolor "_s).repeated(17);
+
+} // namespace
+
+class TestTextEditor : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TextEditor> m_editor;
+
+    void typeAt(int position, const QString &text)
+    {
+        QTextCursor cursor = m_editor->textCursor();
+        cursor.setPosition(position);
+        m_editor->setTextCursor(cursor);
+        QTest::keyClicks(m_editor.get(), text);
+    }
+
+    /// Has a document of so many paragraphs shown, and goes on before its layout is finished.
+    void beginShowing(int paragraphs)
+    {
+        QCOMPARE(m_editor->showDocument(documentOf(longParagraph, paragraphs)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_editor.get()));
+        QVERIFY2(blocksWithoutLines(*m_editor->content()) > 0, "the layout was finished too early to test anything");
+    }
+
+private slots:
+    void init()
+    {
+        m_editor = std::make_unique<TextEditor>();
+        m_editor->resize(800, 600);
+    }
+
+    void anEditDuringTheLayoutHidesNothing_data()
+    {
+        QTest::addColumn<int>("paragraphs");
+        QTest::addColumn<std::function<void(TextEditor &)>>("edit");
+        const auto cursorEdit = [](int blockNumber) {
+            return [blockNumber](TextEditor &editor) {
+                const int count = editor.content()->blockCount();
+                QTextCursor(editor.content()->findBlockByNumber((blockNumber + count) % count)).insertText(u"x"_s);
+            };
+        };
+        for (const int paragraphs : { 1200, 4001 }) {
+            const auto row = [paragraphs](const char *name) -> QTestData & {
+                return QTest::addRow("%s of %d paragraphs", name, paragraphs) << paragraphs;
+            };
+            using Edit = std::function<void(TextEditor &)>;
+            row("a key at the top") << Edit([](TextEditor &editor) { QTest::keyClicks(&editor, u"x"_s); });
+            row("an edit by program at the top") << Edit(cursorEdit(0));
+            row("an edit by program in the middle") << Edit(cursorEdit(paragraphs / 2));
+            row("an edit by program in the last paragraph") << Edit(cursorEdit(-1));
+            row("a paste") << Edit([](TextEditor &editor) {
+                editor.insertDocument(*documentOf(u"pasted"_s, 3));
+            });
+            row("an edit and its undo") << Edit([](TextEditor &editor) {
+                QTest::keyClicks(&editor, u"x"_s);
+                editor.undo();
+            });
+            row("everything bold") << Edit([](TextEditor &editor) {
+                editor.selectAll();
+                QTextCharFormat bold;
+                bold.setFontWeight(QFont::Bold);
+                editor.applyCharFormat(bold);
+            });
+        }
+    }
+
+    void anEditDuringTheLayoutHidesNothing()
+    {
+        QFETCH(int, paragraphs);
+        QFETCH(std::function<void(TextEditor &)>, edit);
+        beginShowing(paragraphs);
+        edit(*m_editor);
+        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 60000);
+    }
+
+    void typingFarDownKeepsThePlaceInView()
+    {
+        beginShowing(4001);
+        QTextCursor cursor = m_editor->textCursor();
+        cursor.setPosition(m_editor->content()->findBlockByNumber(2000).position());
+        m_editor->setTextCursor(cursor);
+        QTest::keyClicks(m_editor.get(), u"x"_s);
+        QVERIFY(m_editor->viewport()->rect().contains(m_editor->cursorRect()));
+        QVERIFY(m_editor->verticalScrollBar()->value() > 10000);
+    }
+
+    void aDocumentTooTallIsRefused_data()
+    {
+        QTest::addColumn<QString>("paragraph");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<double>("size");
+        QTest::addColumn<TextEditor::ShowResult>("result");
+        const auto shown = TextEditor::ShowResult::Shown;
+        const auto refused = TextEditor::ShowResult::TooTall;
+        QTest::newRow("nothing") << QString() << 1 << 12.0 << shown;
+        QTest::newRow("many short lines") << u"line"_s << 200000 << 12.0 << shown;
+        QTest::newRow("more short lines than the layout can bear") << u"line"_s << 460000 << 12.0 << refused;
+        QTest::newRow("few lines of 400 points") << u"l"_s << 5000 << 400.0 << shown;
+        QTest::newRow("many lines of 400 points") << u"l"_s << 20000 << 400.0 << refused;
+        QTest::newRow("long paragraphs of 400 points") << longParagraph << 500 << 400.0 << refused;
+        QTest::newRow("lines of 100000 points") << u"l"_s << 200 << 100000.0 << refused;
+        QTest::newRow("one paragraph of millions of characters") << longParagraph.repeated(200) << 1 << 200.0 << refused;
+    }
+
+    void aDocumentTooTallIsRefused()
+    {
+        QFETCH(QString, paragraph);
+        QFETCH(int, count);
+        QFETCH(double, size);
+        QFETCH(TextEditor::ShowResult, result);
+        QCOMPARE(m_editor->showDocument(documentOf(u"kept"_s, 1)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        QTest::keyClicks(m_editor.get(), u"x"_s);
+        const QTextDocument *before = m_editor->content();
+        QCOMPARE(m_editor->showDocument(documentOf(paragraph, count, size)), result);
+        if (result == TextEditor::ShowResult::TooTall) {
+            QCOMPARE(m_editor->content(), before);
+            QCOMPARE(m_editor->toPlainText(), u"xkept"_s);
+            QVERIFY(before->isUndoAvailable());
+        } else {
+            QVERIFY(m_editor->content() != before);
+            QVERIFY(!m_editor->content()->isModified());
+            QVERIFY(!m_editor->content()->isUndoAvailable());
+            QCOMPARE(m_editor->textCursor().position(), 0);
+        }
+    }
+
+    void editsThatWouldBeTooTallAreRefused_data()
+    {
+        QTest::addColumn<std::function<void(TextEditor &)>>("edit");
+        using Edit = std::function<void(TextEditor &)>;
+        QTest::newRow("everything in 400 points") << Edit([](TextEditor &editor) {
+            editor.selectAll();
+            QTextCharFormat format;
+            format.setFontPointSize(400);
+            QVERIFY(!editor.applyCharFormat(format));
+        });
+        QTest::newRow("a paste of very many lines") << Edit([](TextEditor &editor) {
+            paste(editor, text(u"line\n"_s.repeated(460000)));
+        });
+        QTest::newRow("a paste in a huge font") << Edit([](TextEditor &editor) {
+            editor.setFontPointSize(300);
+            paste(editor, text(u"line\n"_s.repeated(20000)));
+        });
+        QTest::newRow("a drop of very many lines") << Edit([](TextEditor &editor) {
+            drop(editor, text(u"line\n"_s.repeated(460000)));
+        });
+        QTest::newRow("HTML with a huge font") << Edit([](TextEditor &editor) {
+            auto data = std::make_unique<QMimeData>();
+            data->setHtml(u"<p style='font-size:3000pt'>long words</p>"_s.repeated(500));
+            paste(editor, std::move(data));
+        });
+    }
+
+    void editsThatWouldBeTooTallAreRefused()
+    {
+        QFETCH(std::function<void(TextEditor &)>, edit);
+        QCOMPARE(m_editor->showDocument(documentOf(u"line"_s, 20000)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        const QString before = m_editor->toPlainText();
+        const QSignalSpy told(m_editor.get(), &TextEditor::tooTall);
+        edit(*m_editor);
+        QCOMPARE(told.count(), 1);
+        QVERIFY(m_editor->toPlainText() == before);
+        QVERIFY(!m_editor->content()->isUndoAvailable());
+    }
+
+    // Nobody asked the editor here: it must come through all the same, and show every line.
+    void anUnguardedEditThatIsTooTallNeitherHangsNorHides_data()
+    {
+        QTest::addColumn<double>("size");
+        QTest::newRow("three times as tall as the layout can bear") << 400.0;
+        QTest::newRow("beyond the range of its numbers") << 1600.0;
+    }
+
+    void anUnguardedEditThatIsTooTallNeitherHangsNorHides()
+    {
+        QFETCH(double, size);
+        QCOMPARE(m_editor->showDocument(documentOf(u"line"_s, 20000)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        const QSignalSpy told(m_editor.get(), &TextEditor::tooTall);
+        QTextCursor cursor(m_editor->content());
+        cursor.select(QTextCursor::Document);
+        QTextCharFormat format;
+        format.setFontPointSize(size);
+        cursor.mergeCharFormat(format);
+        m_editor->resize(500, 400);
+        QTRY_COMPARE(told.count(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 60000);
+        m_editor->undo();
+        QTRY_COMPARE(m_editor->lineWrapMode(), QTextEdit::WidgetWidth);
+        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 60000);
+    }
+
+    void aWindowTooNarrowForTheTextScrollsSideways()
+    {
+        QCOMPARE(m_editor->showDocument(documentOf(longParagraph, 30000, 20)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        QCOMPARE(m_editor->lineWrapMode(), QTextEdit::WidgetWidth);
+        m_editor->resize(220, 400);
+        QTRY_COMPARE(m_editor->lineWrapMode(), QTextEdit::FixedPixelWidth);
+        m_editor->resize(800, 400);
+        QTRY_COMPARE(m_editor->lineWrapMode(), QTextEdit::WidgetWidth);
+    }
+
+    void hiddenContentComesBackAsItWas_data()
+    {
+        QTest::addColumn<QSize>("meanwhile");
+        QTest::newRow("in a window of the same size") << QSize(800, 600);
+        QTest::newRow("in a window that was small and grows again") << QSize(480, 320);
+    }
+
+    void hiddenContentComesBackAsItWas()
+    {
+        QFETCH(QSize, meanwhile);
+        QCOMPARE(m_editor->showDocument(documentOf(longParagraph, 500)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        const int caret = m_editor->content()->findBlockByNumber(200).position() + 20;
+        typeAt(caret, u"typed"_s);
+        QTextCursor cursor = m_editor->textCursor();
+        cursor.setPosition(caret);
+        cursor.setPosition(caret + 5, QTextCursor::KeepAnchor);
+        m_editor->setTextCursor(cursor);
+        const int scroll = m_editor->verticalScrollBar()->value() + 120;
+        m_editor->verticalScrollBar()->setValue(scroll);
+        const int top = m_editor->cursorForPosition(QPoint(0, 0)).blockNumber();
+
+        m_editor->setContentHidden(true);
+        QCOMPARE(m_editor->toPlainText(), QString());
+        QVERIFY(m_editor->content()->toPlainText().contains(u"typed"_s));
+        m_editor->resize(meanwhile);
+        m_editor->setContentHidden(false);
+        m_editor->resize(800, 600);
+
+        QCOMPARE(m_editor->document(), m_editor->content());
+        QCOMPARE(m_editor->textCursor().selectedText(), u"typed"_s);
+        QTRY_COMPARE(m_editor->cursorForPosition(QPoint(0, 0)).blockNumber(), top);
+        QTRY_COMPARE(m_editor->verticalScrollBar()->value(), scroll);
+        m_editor->undo();
+        QVERIFY(!m_editor->toPlainText().contains(u"typed"_s));
+        QCOMPARE(blocksWithoutLines(*m_editor->content()), 0);
+    }
+
+    void aDocumentThatComesWhileHiddenStaysHidden()
+    {
+        m_editor->setContentHidden(true);
+        QCOMPARE(m_editor->showDocument(documentOf(u"secret"_s, 3)), TextEditor::ShowResult::Shown);
+        QCOMPARE(m_editor->toPlainText(), QString());
+        m_editor->setContentHidden(false);
+        QVERIFY(m_editor->toPlainText().startsWith(u"secret"_s));
+    }
+
+    void anEmptyDocumentTakesTheTypingFont()
+    {
+        m_editor->setTypingFont(NSFont { u"DejaVu Serif"_s, 17.5 });
+        QCOMPARE(m_editor->showDocument(std::make_unique<QTextDocument>()), TextEditor::ShowResult::Shown);
+        m_editor->setContentHidden(true);
+        m_editor->setContentHidden(false);
+        QTest::keyClicks(m_editor.get(), u"a\tb"_s);
+        const QTextCharFormat format = m_editor->content()->begin().begin().fragment().charFormat();
+        QCOMPARE(format.font().family(), u"DejaVu Serif"_s);
+        QCOMPARE(format.fontPointSize(), 17.5);
+        QVERIFY(!format.hasProperty(QTextFormat::ForegroundBrush));
+        QCOMPARE(m_editor->toPlainText(), u"a\tb"_s);
+    }
+
+    void aDocumentWithTextKeepsItsFonts()
+    {
+        m_editor->setTypingFont(NSFont { u"DejaVu Serif"_s, 17.5 });
+        QCOMPARE(m_editor->showDocument(documentOf(u"text"_s, 1, 9)), TextEditor::ShowResult::Shown);
+        QApplication::setFont(testFont(33));
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(m_editor->content()->defaultFont().pointSizeF(), 9.0);
+    }
+
+    void pastedHtmlReachesForNothingOutside_data()
+    {
+        QTest::addColumn<QString>("html");
+        QTest::addColumn<QString>("left");
+        const QString pixel = u"data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg=="_s;
+        const QString image = u"a<img src=\"%1\">b"_s;
+        QTest::newRow("an image of the web") << image.arg(u"https://example.invalid/x.png"_s) << u"ab"_s;
+        QTest::newRow("an image in a file") << image.arg(u"file:///etc/hostname"_s) << u"ab"_s;
+        QTest::newRow("an image with a bare path") << image.arg(u"/etc/hostname"_s) << u"ab"_s;
+        QTest::newRow("an image of the program's resources") << image.arg(u"qrc:/x.png"_s) << u"ab"_s;
+        QTest::newRow("an image within the text") << image.arg(pixel) << u"a\ufffcb"_s;
+    }
+
+    void pastedHtmlReachesForNothingOutside()
+    {
+        QFETCH(QString, html);
+        QFETCH(QString, left);
+        auto data = std::make_unique<QMimeData>();
+        data->setHtml(html);
+        paste(*m_editor, std::move(data));
+        QCOMPARE(m_editor->content()->toRawText(), left);
+    }
+
+    void noResourceIsReadFromAFile()
+    {
+        for (const auto type : { QTextDocument::ImageResource, QTextDocument::StyleSheetResource, QTextDocument::HtmlResource }) {
+            const QVariant found = m_editor->content()->resource(type, QUrl::fromLocalFile(QStringLiteral(__FILE__)));
+            QVERIFY(found.toByteArray().trimmed().isEmpty());
+            QVERIFY(found.value<QImage>().width() <= 1);
+        }
+    }
+
+    void pastedBlackOnWhiteFollowsThePalette()
+    {
+        auto data = std::make_unique<QMimeData>();
+        data->setHtml(u"<span style='color:#000000;background-color:#ffffff'>a</span><span style='color:#ff0000'>b</span>"_s);
+        paste(*m_editor, std::move(data));
+        auto part = m_editor->content()->begin().begin();
+        QVERIFY(!part.fragment().charFormat().hasProperty(QTextFormat::ForegroundBrush));
+        QVERIFY(!part.fragment().charFormat().hasProperty(QTextFormat::BackgroundBrush));
+        QCOMPARE((++part).fragment().charFormat().foreground().color(), QColor(Qt::red));
+    }
+
+    void droppedFilesLeaveNothing()
+    {
+        auto data = std::make_unique<QMimeData>();
+        data->setUrls({ QUrl::fromLocalFile(u"/etc/hostname"_s) });
+        drop(*m_editor, std::move(data));
+        QCOMPARE(m_editor->content()->toRawText(), QString());
+    }
+};
+
+QTEST_MAIN(TestTextEditor)
+#include "tst_texteditor.moc"
