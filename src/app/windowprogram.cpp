@@ -43,8 +43,8 @@ private:
     QtTimers m_timers;
     SettingsDefaults m_defaults;
     PosixFileStore m_files;
-    QtPanels m_panels;
-    QtModalAlerts m_alerts;
+    QtPanels m_panels {m_mainQueue};
+    QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
     NSDocumentController m_documents;
@@ -73,8 +73,13 @@ std::unique_ptr<NSDocument> Program::makeDocument()
 
 std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
 {
-    auto controller = std::make_unique<DocumentWindowController>(
-        document, m_defaults, [this](QWidget &window) { return std::make_unique<QtWindow>(window, m_mainQueue); });
+    const auto adapt = [this](QWidget &widget, const WindowEvents &events) {
+        auto window = std::make_unique<QtWindow>(widget, m_mainQueue);
+        window->setCloseRequested(events.closeRequested);
+        QObject::connect(window.get(), &QtWindow::becameKey, events.becameKey);
+        return window;
+    };
+    auto controller = std::make_unique<DocumentWindowController>(document, m_defaults, adapt);
     new MainMenu(controller->window(), document, m_documents); // owned by the window
     return controller;
 }

@@ -13,20 +13,13 @@ namespace quorvane {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr int acceptingTag = 1000;
-constexpr int decliningTag = 1001;
-
-} // namespace
-
 DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
                                                    const WindowAdapter &adapt)
     : m_document(document)
     , m_defaults(defaults)
     , m_window(std::make_unique<DocumentWindow>())
-    , m_adapter(adapt(*m_window))
-    , m_view(std::make_unique<EditorView>(m_window->textEditor()))
+    , m_adapter(adapt(*m_window, windowEvents()))
+    , m_view(std::make_unique<EditorView>(m_window->editor()))
     , m_mandatorySheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Mandatory, m_window.get()))
     , m_changeSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Change, m_window.get()))
     , m_insertSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Insert, m_window.get()))
@@ -39,6 +32,11 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
 }
 
 DocumentWindowController::~DocumentWindowController() = default;
+
+WindowEvents DocumentWindowController::windowEvents()
+{
+    return {[this] { m_document.windowDidBecomeKey(*m_adapter); }, [this] { m_document.performClose(); }};
+}
 
 void DocumentWindowController::setShouldCascadeWindows(bool cascades)
 {
@@ -69,23 +67,20 @@ void DocumentWindowController::bindAppearance()
     };
     connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this, follow);
     follow();
-    connect(&m_document, &NSDocument::displayNameChanged, this,
-            [this] { m_window->lockedPage().setDocumentName(m_document.displayName()); });
-    m_window->lockedPage().setDocumentName(m_document.displayName());
-    connect(m_window.get(), &DocumentWindow::becameKey, &m_document,
-            [this] { m_document.windowDidBecomeKey(*m_adapter); });
-    connect(m_window.get(), &DocumentWindow::closeRequested, &m_document, &NSDocument::performClose);
+    const auto showName = [this] { m_window->lockedPage().setDocumentName(m_document.displayName()); };
+    connect(&m_document, &NSDocument::displayNameChanged, this, showName);
+    showName();
     connect(&m_window->lockedPage(), &LockedPage::passwordSubmitted, &m_document,
             [this](const QString &password) { m_document.submitPasswordToDecrypt(password); });
 }
 
 void DocumentWindowController::bindEditor()
 {
-    connect(&m_window->textEditor(), &QTextEdit::textChanged, &m_document, &MyDocument::textDidChange);
+    connect(&m_window->editor(), &QTextEdit::textChanged, &m_document, &MyDocument::textDidChange);
     connect(&m_document, &MyDocument::myIsEditableChanged, this, &DocumentWindowController::applyEditable);
     connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this, &DocumentWindowController::applyEditable);
     connect(&m_document, &MyDocument::bodyIsTooTall, this, &DocumentWindowController::tellBodyIsTooTall);
-    connect(&m_window->textEditor(), &TextEditor::tooTall, this, [this] {
+    connect(&m_window->editor(), &TextEditor::tooTall, this, [this] {
         const NSAlert alert {
             u"That would make the document longer than it can be shown."_s,
             u"Nothing was changed. Divide the text among several documents."_s,
@@ -116,7 +111,7 @@ void DocumentWindowController::tellBodyIsTooTall()
 void DocumentWindowController::bindPublicNote()
 {
     const auto show = [this] {
-        m_window->lockedPage().setNote(m_document.myPublicTextData().value_or(QString()));
+        m_window->lockedPage().setPublicNote(m_document.myPublicTextData().value_or(QString()));
     };
     connect(&m_document, &MyDocument::myPublicTextDataChanged, this, show);
     show();
@@ -139,9 +134,9 @@ void DocumentWindowController::bindSheets()
 {
     bindFields(*m_mandatorySheet);
     connect(m_mandatorySheet.get(), &PasswordSheet::confirmed, &m_document,
-            [this] { m_document.confirmMandatoryPasswordSheet(acceptingTag); });
+            [this] { m_document.confirmMandatoryPasswordSheet(PasswordSheet::acceptTag); });
     connect(m_mandatorySheet.get(), &PasswordSheet::declined, &m_document,
-            [this] { m_document.confirmMandatoryPasswordSheet(decliningTag); });
+            [this] { m_document.confirmMandatoryPasswordSheet(PasswordSheet::declineTag); });
     bindFields(*m_changeSheet);
     connect(m_changeSheet.get(), &PasswordSheet::confirmed, &m_document, &QVCryptoDoc::confirmChangePasswordSheet);
     connect(m_changeSheet.get(), &PasswordSheet::declined, &m_document, &QVCryptoDoc::cancelChangePasswordSheet);
@@ -159,9 +154,9 @@ void DocumentWindowController::bindFields(PasswordSheet &sheet)
     connect(&sheet, &PasswordSheet::retypeEdited, &m_document,
             [this](const QString &text) { m_document.setPlainPasswordInsertedRetype(text); });
     const auto show = [this, &sheet] {
-        sheet.setFields(m_document.plainPasswordPrevious().value_or(QString()),
-                        m_document.plainPasswordInserted().value_or(QString()),
-                        m_document.plainPasswordInsertedRetype().value_or(QString()));
+        sheet.setPrevious(m_document.plainPasswordPrevious().value_or(QString()));
+        sheet.setInserted(m_document.plainPasswordInserted().value_or(QString()));
+        sheet.setRetype(m_document.plainPasswordInsertedRetype().value_or(QString()));
     };
     connect(&m_document, &QVCryptoDoc::plainPasswordPreviousChanged, &sheet, show);
     connect(&m_document, &QVCryptoDoc::plainPasswordInsertedChanged, &sheet, show);

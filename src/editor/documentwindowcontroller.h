@@ -25,7 +25,7 @@ class DocumentWindowController final : public QObject, public NSWindowController
     Q_OBJECT
 
 public:
-    using WindowAdapter = std::function<std::unique_ptr<NSWindow>(QWidget &window)>;
+    using WindowAdapter = std::function<std::unique_ptr<NSWindow>(QWidget &window, const WindowEvents &events)>;
 
     DocumentWindowController(MyDocument &document, NSUserDefaults &defaults, const WindowAdapter &adapt);
     ~DocumentWindowController() override;
@@ -34,6 +34,7 @@ public:
     void setShouldCascadeWindows(bool cascades) override;
 
 private:
+    WindowEvents windowEvents();
     void connectOutlets();
     void bindAppearance();
     void bindEditor();

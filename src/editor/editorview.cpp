@@ -5,6 +5,8 @@
 
 #include <QTextDocument>
 
+#include <tuple>
+
 namespace quorvane {
 
 EditorView::EditorView(TextEditor &editor)
@@ -27,7 +29,7 @@ bool EditorView::setBody(const std::optional<QByteArray> &body)
     readBody(body.value_or(QByteArray()), *document);
     m_isTooTall = m_editor.showDocument(std::move(document)) == TextEditor::ShowResult::TooTall;
     if (m_isTooTall) {
-        m_editor.showDocument(std::make_unique<QTextDocument>());
+        std::ignore = m_editor.showDocument(std::make_unique<QTextDocument>());
     }
     m_body = body;
     m_revision = m_editor.content()->revision();

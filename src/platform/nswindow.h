@@ -68,6 +68,13 @@ public:
     virtual NSSheet *attachedSheet() const = 0; ///< Null while none is up.
 };
 
+/// What a window tells its document.
+struct WindowEvents
+{
+    std::function<void()> becameKey;      ///< It has the keyboard, and no sheet has it in its place.
+    std::function<void()> closeRequested; ///< The user wants it closed; it stays until it is.
+};
+
 class NSToolbar
 {
 public:

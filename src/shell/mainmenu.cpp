@@ -103,7 +103,7 @@ void MainMenu::addEditorItem(QMenu &menu, QAction *action, const std::function<b
 void MainMenu::buildEditMenu()
 {
     QMenu *menu = addMenu(u"&Edit"_s);
-    TextEditor *editor = &m_window.textEditor();
+    TextEditor *editor = &m_window.editor();
     const auto add = [this, menu, editor](const QString &title, QKeySequence::StandardKey key,
                                           void (QTextEdit::*operation)(), const std::function<bool()> &isEnabled) {
         auto *action = new QAction(title, this);
@@ -133,11 +133,8 @@ void MainMenu::buildEditMenu()
 void MainMenu::buildFormatMenu()
 {
     QMenu *menu = addMenu(u"F&ormat"_s);
-    const TextEditor *editor = &m_window.textEditor();
     const FormatToolbar &toolbar = m_window.formatToolbar();
-    for (QAction *action : {toolbar.boldAction(), toolbar.italicAction(), toolbar.underlineAction()}) {
-        addEditorItem(*menu, action, [editor] { return !editor->isReadOnly(); });
-    }
+    menu->addActions({toolbar.boldAction(), toolbar.italicAction(), toolbar.underlineAction()});
 }
 
 void MainMenu::validate()
