@@ -1,0 +1,151 @@
+#pragma once
+
+#include "document/mydocument.h"
+#include "editor/documentwindow.h"
+#include "editor/documentwindowcontroller.h"
+#include "editor/lockedpage.h"
+#include "editor/texteditor.h"
+#include "platform/nsdocumentcontroller.h"
+#include "platform_qt/qtfontmanager.h"
+#include "platform_qt/qtmodalalerts.h"
+#include "platform_qt/qtoperationqueue.h"
+#include "platform_qt/qtwindow.h"
+#include "product/release.h"
+#include "product/settings.h"
+#include "shell/mainmenu.h"
+#include "support/failingfilestore.h"
+#include "support/inmemorydefaults.h"
+#include "support/recordingworkspace.h"
+#include "support/scriptedpanels.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+
+namespace quorvane {
+
+/// The program with its real windows, menus, sheets and alerts, over files in memory.
+class RealProgram final
+{
+public:
+    RealProgram() { m_defaults.registerDefaults(settings::registeredDefaults()); }
+    ~RealProgram() { documents.closeAllDocuments([](bool) { }); }
+
+    /// The newest document's parts; null while there is no document.
+    MyDocument *document() const
+    {
+        const std::vector<NSDocument *> open = documents.documents();
+        return open.empty() ? nullptr : static_cast<MyDocument *>(open.back());
+    }
+    DocumentWindow &window() const { return *m_windows.last(); }
+    TextEditor &editor() const { return window().editor(); }
+
+    /// The dialog that is up: a sheet, an alert, or null.
+    static QDialog *dialog()
+    {
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        for (QWidget *widget : widgets) {
+            if (auto *dialog = qobject_cast<QDialog *>(widget); dialog && dialog->isVisible()) {
+                return dialog;
+            }
+        }
+        return nullptr;
+    }
+    /// All words of the dialog that is up.
+    static QString dialogText()
+    {
+        QStringList texts;
+        if (const QDialog *up = dialog()) {
+            const auto labels = up->findChildren<QLabel *>();
+            for (const QLabel *label : labels) {
+                texts << label->text();
+            }
+        }
+        return texts.join(u'\n');
+    }
+    /// Types into the field of that name, in place of what it holds.
+    static bool type(QWidget &root, const QString &field, const QString &text)
+    {
+        const auto fields = root.findChildren<QLineEdit *>();
+        for (QLineEdit *each : fields) {
+            if (each->accessibleName() == field && each->isVisible()) {
+                each->selectAll();
+                QTest::keyClick(each, Qt::Key_Delete);
+                QTest::keyClicks(each, text);
+                return true;
+            }
+        }
+        return false;
+    }
+    /// Presses the button of the dialog that is up.
+    static bool press(const QString &button)
+    {
+        QDialog *up = dialog();
+        const auto buttons = up ? up->findChildren<QPushButton *>() : QList<QPushButton *>();
+        for (QPushButton *each : buttons) {
+            if (each->text().remove(u'&') == button && each->isVisible()) {
+                each->click();
+                return true;
+            }
+        }
+        return false;
+    }
+    /// The menu item of that title, whatever its menu.
+    QAction *menuItem(const QString &title) const
+    {
+        const auto actions = window().findChildren<QAction *>();
+        for (QAction *action : actions) {
+            if (action->text().remove(u'&') == title) {
+                return action;
+            }
+        }
+        return nullptr;
+    }
+
+private:
+    std::unique_ptr<NSDocument> makeDocument()
+    {
+        return std::make_unique<MyDocument>(MyDocumentSurroundings {
+            {m_queue, files, panels},
+            m_defaults,
+            m_fontManager,
+            m_alerts,
+            m_workspace,
+            [this](MyDocument &made) { return loadNib(made); },
+        });
+    }
+    std::unique_ptr<NSWindowController> loadNib(MyDocument &made)
+    {
+        const auto adapt = [this](QWidget &widget, const WindowEvents &events) {
+            auto window = std::make_unique<QtWindow>(widget, m_queue);
+            window->setCloseRequested(events.closeRequested);
+            QObject::connect(window.get(), &QtWindow::becameKey, events.becameKey);
+            return window;
+        };
+        auto controller = std::make_unique<DocumentWindowController>(made, m_defaults, adapt);
+        m_windows << &controller->window();
+        new MainMenu(controller->window(), made, documents); // owned by the window
+        return controller;
+    }
+
+    QtOperationQueue m_queue;
+    InMemoryDefaults m_defaults;
+    QtFontManager m_fontManager;
+    QtModalAlerts m_alerts {m_queue};
+    RecordingWorkspace m_workspace;
+    QList<QPointer<DocumentWindow>> m_windows;
+
+public:
+    FailingFileStore files;
+    ScriptedPanels panels;
+    NSDocumentController documents {
+        {m_queue, files, panels}, m_alerts, documentExtension, [this] { return makeDocument(); }};
+};
+
+} // namespace quorvane
