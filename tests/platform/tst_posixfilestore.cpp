@@ -352,6 +352,7 @@ void TestPosixFileStore::whereTheOwnerCannotBeKeptNobodyGains_data()
     QTest::newRow("others keep no more than the group had") << 0646 << 0644;
     QTest::newRow("a new group gets no more than others had") << 0676 << 0666;
     QTest::newRow("a former owner gets no more than before") << 0266 << 0222;
+    QTest::newRow("what cannot be looked at is nobody else's") << 0662 << 0600;
 }
 
 void TestPosixFileStore::whereTheOwnerCannotBeKeptNobodyGains()

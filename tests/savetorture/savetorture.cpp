@@ -46,6 +46,7 @@ std::vector<Fault> cutsOf(const SystemCall &call)
         cuts.back().length = length;
     };
     const auto whole = static_cast<quint64>(call.result);
+    add(Kind::Lie, 0, whole);
     add(Kind::Cut, 0, 0);
     add(Kind::Cut, 0, 1);
     add(Kind::Cut, 0, whole - 1);
@@ -98,6 +99,13 @@ QString complaintAt(const SaveUnderTorture &save, const Fault &fault, const Trac
         && *run.exitCode <= SaveUnderTorture::SavedUnsurely;
     if (!isAnswer) {
         return run.isKilled || mayDie ? QString() : u"the save died of it"_s;
+    }
+    const bool isSaved = run.exitCode == SaveUnderTorture::Saved;
+    if (fault.kind == Kind::Cut && fault.length > 0 && !isSaved) {
+        return u"a short count is no failure"_s;
+    }
+    if (fault.kind == Kind::Fail && fault.code == EIO && isFlushCall(fault.number) && isSaved) {
+        return u"told as saved, but the disk did not take it"_s;
     }
     const State told = run.exitCode == SaveUnderTorture::Refused ? State::Old : State::New;
     if (state != told) {

@@ -115,7 +115,7 @@ private:
     void atExit(const __ptrace_syscall_info &info);
     void strike(const SystemCall &call);
     bool isStruckFromHere(const SystemCall &call) const;
-    void fail(int code);
+    void answer(qint64 result);
     void kill();
     void proceed(int signal);
     void giveUp(const QString &problem);
@@ -126,7 +126,7 @@ private:
     bool m_isWatching = false;
     bool m_isKillDue = false;
     bool m_isCutCall = false;
-    std::optional<int> m_code; ///< What the call under way is to fail with.
+    std::optional<qint64> m_result; ///< What the call under way is to give instead.
     std::optional<SystemCall> m_cut;
 };
 
@@ -226,11 +226,11 @@ void Watch::strike(const SystemCall &call)
     if (m_cut && m_fault.kind == Kind::CutThenFail && !m_isCutCall && call.number == m_cut->number
         && call.arguments.front() == m_cut->arguments.front()) {
         m_cut.reset();
-        fail(m_fault.code);
+        answer(-m_fault.code);
         return;
     }
     if (isStruckFromHere(call)) {
-        fail(m_fault.code);
+        answer(-m_fault.code);
         return;
     }
     if (call.number != m_fault.number || call.occurrence != m_fault.occurrence
@@ -244,7 +244,9 @@ void Watch::strike(const SystemCall &call)
     } else if (m_fault.kind == Kind::KillAfter) {
         m_isKillDue = true;
     } else if (m_fault.kind == Kind::Fail || m_fault.kind == Kind::FailFromHere) {
-        fail(m_fault.code);
+        answer(-m_fault.code);
+    } else if (m_fault.kind == Kind::Lie) {
+        answer(static_cast<qint64>(m_fault.length));
     } else {
         m_cut = call;
         m_isCutCall = true;
@@ -266,10 +268,10 @@ void Watch::atExit(const __ptrace_syscall_info &info)
         return;
     }
     m_run.calls.back().result = info.exit.rval;
-    if (m_code && !setResult(m_process, -*m_code)) {
+    if (m_result && !setResult(m_process, *m_result)) {
         giveUp(u"changing a result: "_s + qt_error_string(errno));
     }
-    m_code.reset();
+    m_result.reset();
     if (m_isCutCall) {
         // The program counts on its registers being as it left them.
         setArgument(m_process, m_fault.argument, m_cut->arguments.at(m_fault.argument));
@@ -280,9 +282,9 @@ void Watch::atExit(const __ptrace_syscall_info &info)
     }
 }
 
-void Watch::fail(int code)
+void Watch::answer(qint64 result)
 {
-    m_code = code;
+    m_result = result;
     if (!skipCall(m_process)) {
         giveUp(u"skipping a call: "_s + qt_error_string(errno));
     }
@@ -337,12 +339,22 @@ QString Fault::text() const
     case Kind::CutThenKill:
         what = "cut and then killed at";
         break;
+    case Kind::Lie:
+        what = "believing without its being made";
+        break;
     }
     return u"%1 call %2 (its no. %3), error %4, length %5"_s.arg(QLatin1StringView(what))
         .arg(number)
         .arg(occurrence)
         .arg(code)
         .arg(length);
+}
+
+bool isFlushCall(quint64 number)
+{
+    constexpr std::array<long, 4> numbers {SYS_fsync, SYS_fdatasync, SYS_syncfs,
+                                           SYS_sync_file_range};
+    return std::find(numbers.begin(), numbers.end(), static_cast<long>(number)) != numbers.end();
 }
 
 bool isMemoryCall(quint64 number)

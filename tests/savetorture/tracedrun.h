@@ -30,6 +30,7 @@ struct Fault
         Cut, ///< The argument that is a length is made smaller.
         CutThenFail, ///< ... and the next call of that kind to the same file fails.
         CutThenKill, ///< ... and the process dies when the call has been made.
+        Lie, ///< The call is not made, but its result is the length, as if it had been.
     };
 
     Kind kind = Kind::None;
@@ -54,6 +55,10 @@ struct TracedRun
 
 /// Whether a call only asks for memory: a program may die of having none.
 bool isMemoryCall(quint64 number);
+
+/// Whether a call asks for content to be brought to the disk. That it fails shows nowhere but in
+/// what the save answers.
+bool isFlushCall(quint64 number);
 
 /// Runs \a operation in a process of its own, watches each system call it makes from its start to
 /// its end, and does \a fault to it. The operation has one thread and its result is 0 to 255.
