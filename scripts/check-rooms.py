@@ -179,7 +179,8 @@ class Check:
             for number, line in enumerate(lines_of(path), 1):
                 for pattern, why in WORDS:
                     match = pattern.search(line)
-                    if match:
+                    # Tests may make paths up.
+                    if match and not (name.parts[0] == "tests" and match[0].startswith("/")):
                         self.breach(path, number, f"'{match[0]}' {why}")
 
 
