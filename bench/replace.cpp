@@ -63,7 +63,7 @@ void replace(benchmark::State &state)
         [&] { return !store.replace(ours, data).has_value(); });
 }
 
-BENCHMARK(replace)->ArgName("MB")->Arg(1)->Arg(10)->Arg(100)->Iterations(15)->UseManualTime()->Unit(
+BENCHMARK(replace)->ArgName("MB")->Arg(1)->Arg(10)->Arg(100)->Iterations(31)->UseManualTime()->Unit(
     benchmark::kMillisecond);
 
 } // namespace
