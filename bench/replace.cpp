@@ -1,5 +1,6 @@
 // A document's file replaced as it is done, against a bare write, flush, rename and read of the
-// same bytes. In the current folder, so that the disk can be chosen.
+// same bytes; and against the same with a flush of the folder, without which a power cut may undo
+// the rename. In the current folder, so that the disk can be chosen.
 
 #include "paired.h"
 #include "platform/posixfilestore.h"
@@ -51,19 +52,43 @@ bool replaceBare(const QByteArray &path, const QByteArray &data)
     return ::close(file) == 0 && isDone;
 }
 
-void replace(benchmark::State &state)
+bool flushBare(const QByteArray &folder)
+{
+    const int file = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool isDone = file >= 0 && ::fsync(file) == 0;
+    return ::close(file) == 0 && isDone;
+}
+
+void measure(benchmark::State &state, bool isFolderFlushed)
 {
     QTemporaryDir folder(u"bench-replace-XXXXXX"_s);
     const QByteArray data(state.range(0) * megabyte, 'x');
     const QByteArray bare = folder.filePath(u"bare"_s).toUtf8();
     const QString ours = folder.filePath(u"ours"_s);
+    const QByteArray place = folder.path().toUtf8();
     PosixFileStore store;
     measurePaired(
-        state, [&] { return replaceBare(bare, data); },
+        state, [&] { return replaceBare(bare, data) && (!isFolderFlushed || flushBare(place)); },
         [&] { return !store.replace(ours, data).has_value(); });
 }
 
-BENCHMARK(replace)->ArgName("MB")->Arg(1)->Arg(10)->Arg(100)->Iterations(15)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
+void replace(benchmark::State &state)
+{
+    measure(state, false);
+}
+
+void replaceWithFolder(benchmark::State &state)
+{
+    measure(state, true);
+}
+
+void sizes(benchmark::internal::Benchmark *benchmark)
+{
+    benchmark->ArgName("MB")->Arg(1)->Arg(10)->Arg(100);
+    benchmark->Iterations(31)->UseManualTime()->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(replace)->Apply(sizes);
+BENCHMARK(replaceWithFolder)->Apply(sizes);
 
 } // namespace
