@@ -185,21 +185,21 @@ QByteArray RtfWriter::head() const
 
 void RtfWriter::writeBlock(const QTextBlock &block, bool isLast)
 {
-    const bool isWholeText = isLast && !m_hasParagraph;
-    const RtfCharacter look = lookOf(block.charFormatIndex(), block.charFormat());
     const QTextBlockFormat format = block.blockFormat();
-    const bool isPlain = look == RtfCharacter() && alignmentWords(format) == "\\pardirnatural"
-        && !format.hasProperty(ParagraphWords);
-    if (isWholeText && block.length() <= 1 && isPlain) {
-        return; // The empty text has no paragraph either.
-    }
-    switchParagraph(format);
-    bool isEmpty = true;
-    for (auto it = block.begin(); !it.atEnd(); ++it) {
-        writeFragment(it.fragment());
-        isEmpty = false;
-    }
-    if (isEmpty) {
+    if (!block.begin().atEnd()) {
+        switchParagraph(format);
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            writeFragment(it.fragment());
+        }
+    } else {
+        const RtfCharacter look = lookOf(block.charFormatIndex(), block.charFormat());
+        const bool isPlain = look == RtfCharacter()
+            && !format.hasProperty(QTextFormat::BlockAlignment)
+            && !format.hasProperty(ParagraphWords);
+        if (isLast && !m_hasParagraph && isPlain) {
+            return; // The empty text has no paragraph either.
+        }
+        switchParagraph(format);
         switchTo(look);
     }
     if (!isLast) {

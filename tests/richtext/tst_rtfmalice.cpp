@@ -1,0 +1,124 @@
+#include "richtext/body.h"
+#include "richtext/plaintextsink.h"
+#include "richtext/rtfreader.h"
+
+#include <QTest>
+#include <QTextDocument>
+
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+constexpr qsizetype large = 16 << 20;
+
+QString textOf(const QByteArray &rtf)
+{
+    PlainTextSink sink;
+    RtfReader(rtf, sink).read();
+    return sink.text();
+}
+
+QByteArray repeated(const QByteArray &piece, qsizetype size)
+{
+    return piece.repeated(size / piece.size());
+}
+
+long peakMegabytes()
+{
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
+}
+
+const QByteArray sample =
+    "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl\\f0\\fswiss\\fcharset0 Helvetica;\\f1\\fcharset128 "
+    "Osaka;}"
+    "{\\colortbl;\\red255\\green0\\blue0;}{\\*\\expandedcolortbl;\\cssrgb\\c100000\\c0\\c0;}"
+    "\\pard\\qc\\f0\\fs24 \\cf1 One \\b two\\b0\\\n\\f1 \\'82\\'a0\\uc0\\u55357 \\u56832 "
+    "{\\upr{a}{\\*\\ud{b}}}{\\footnote f}{{\\NeXTGraphic i.png \\width20 \\height20\n}\xac}\\'e9}";
+
+} // namespace
+
+class TestRtfMalice : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void largeAndDeepInputIsReadInBoundedMemory_data();
+    void largeAndDeepInputIsReadInBoundedMemory();
+    void groupsBeyondTheBoundStillKeepTheirText();
+    void aFileCutAnywhereIsRead();
+    void aFileWithAnyByteChangedIsRead();
+};
+
+void TestRtfMalice::largeAndDeepInputIsReadInBoundedMemory_data()
+{
+    QTest::addColumn<QByteArray>("piece");
+    QTest::newRow("group starts") << QByteArray("{");
+    QTest::newRow("group ends") << QByteArray("}");
+    QTest::newRow("backslashes and starts") << QByteArray("\\*{\\*");
+    QTest::newRow("alternatives in alternatives") << QByteArray("{\\upr");
+    QTest::newRow("alternatives without the better one") << QByteArray("{\\upr{a");
+    QTest::newRow("closed alternatives") << QByteArray("{\\upr{a}}");
+    QTest::newRow("footnotes in footnotes") << QByteArray("{\\footnote a");
+    QTest::newRow("many footnotes") << QByteArray("{\\footnote a}");
+    QTest::newRow("skipped groups") << QByteArray("{\\*\\x");
+    QTest::newRow("font tables") << QByteArray("{\\fonttbl\\f1 a;");
+    QTest::newRow("colours") << QByteArray("{\\colortbl;;;;");
+    QTest::newRow("growing paragraph words") << QByteArray("{\\li1\\par");
+    QTest::newRow("cells without rows") << QByteArray("\\cell");
+    QTest::newRow("pictures without an end") << QByteArray("{\\NeXTGraphic a ");
+    QTest::newRow("lengths of bytes") << QByteArray("\\bin2147483647 ");
+    QTest::newRow("digits") << QByteArray("9");
+}
+
+void TestRtfMalice::largeAndDeepInputIsReadInBoundedMemory()
+{
+    QFETCH(QByteArray, piece);
+    const QByteArray rtf = "{\\rtf1\\fs" + repeated(piece, large) + "x";
+    const long before = peakMegabytes();
+    textOf(rtf);
+    QVERIFY2(peakMegabytes() - before < 400, qPrintable(QString::number(peakMegabytes() - before)));
+}
+
+void TestRtfMalice::groupsBeyondTheBoundStillKeepTheirText()
+{
+    const qsizetype depth = 200'000;
+    const QByteArray rtf = "{\\rtf1 " + QByteArray(depth, '{')
+        + "deep{\\fonttbl\\f0 A;}{\\*\\x y}er" + QByteArray(depth, '}') + "\\b after}";
+    QCOMPARE(textOf(rtf), u"deeperafter"_s);
+}
+
+void TestRtfMalice::aFileCutAnywhereIsRead()
+{
+    const QString whole = textOf(sample);
+    QCOMPARE(whole, u"One two\n\u3042\U0001F600b\ufffc\u00e9\nf"_s);
+    QTextDocument document;
+    qsizetype longest = 0;
+    for (qsizetype length = 0; length <= sample.size(); ++length) {
+        const QString text = textOf(sample.first(length));
+        readBody(sample.first(length), document);
+        QCOMPARE(document.blockCount(), text.count(u'\n') + 1);
+        longest = std::max(longest, text.size());
+    }
+    QCOMPARE(longest, whole.size());
+}
+
+void TestRtfMalice::aFileWithAnyByteChangedIsRead()
+{
+    QTextDocument document;
+    for (qsizetype at = 5; at < sample.size(); ++at) {
+        for (const char c : {'{', '}', '\\', '\0', ';', '9', '\xac'}) {
+            QByteArray changed = sample;
+            changed[at] = c;
+            readBody(changed, document);
+            QCOMPARE(plainTextFromBody(bodyFromDocument(document)), plainTextFromBody(changed));
+        }
+    }
+}
+
+QTEST_MAIN(TestRtfMalice)
+#include "tst_rtfmalice.moc"
