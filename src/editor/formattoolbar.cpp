@@ -5,8 +5,10 @@
 
 #include <QDoubleValidator>
 #include <QFontComboBox>
+#include <QLayout>
 #include <QLineEdit>
 #include <QLocale>
+#include <QToolButton>
 
 #include <array>
 
@@ -42,6 +44,8 @@ FormatToolbar::FormatToolbar(TextEditor &editor, QWidget *parent)
     setMovable(false);
     setFloatable(false);
     setIconSize(QSize(18, 18));
+    layout()->setSpacing(4);
+    layout()->setContentsMargins(6, 3, 6, 3);
     m_bold = addStyle(u"Bold"_s, glyphIcon(Glyph::Bold), QKeySequence::Bold);
     m_italic = addStyle(u"Italic"_s, glyphIcon(Glyph::Italic), QKeySequence::Italic);
     m_underline = addStyle(u"Underline"_s, glyphIcon(Glyph::Underline), QKeySequence::Underline);
@@ -114,6 +118,9 @@ void FormatToolbar::addLockAction(QAction *action)
     space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     addWidget(space);
     addAction(action);
+    if (auto *button = qobject_cast<QToolButton *>(widgetForAction(action))) {
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    }
 }
 
 void FormatToolbar::setFormattingEnabled(bool enabled)

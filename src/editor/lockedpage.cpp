@@ -169,6 +169,7 @@ QWidget *LockedPage::newPasswordRow()
     m_password->setAccessibleName(u"Master Password"_s);
     m_password->setPlaceholderText(u"Master Password"_s);
     m_password->setMinimumHeight(30);
+    m_password->setTextMargins(4, 0, 4, 0);
     row->addWidget(m_password, 1);
     m_unlock = new QPushButton(u"Unlock"_s, holder);
     m_unlock->setDefault(true);

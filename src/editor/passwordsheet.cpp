@@ -122,6 +122,7 @@ QLineEdit *PasswordSheet::addField(QFormLayout &form, const QString &name)
     field->setEchoMode(QLineEdit::Password);
     field->setAccessibleName(name);
     field->setMinimumHeight(28);
+    field->setTextMargins(4, 0, 4, 0);
     form.addRow(name + u':', field);
     return field;
 }
@@ -134,10 +135,12 @@ QLayout *PasswordSheet::newButtons()
     auto *accepts = new QPushButton(texts.accept, this);
     accepts->setDefault(true);
     connect(accepts, &QPushButton::clicked, this, &PasswordSheet::accept);
+    accepts->setMinimumHeight(28);
     row->addWidget(accepts);
     auto *declines = new QPushButton(texts.decline, this);
     declines->setAutoDefault(false);
     connect(declines, &QPushButton::clicked, this, &PasswordSheet::reject);
+    declines->setMinimumHeight(28);
     row->addWidget(declines);
     return row;
 }

@@ -25,7 +25,7 @@ namespace {
 constexpr int settlingMilliseconds = 80; // longer than a step of an animated resize
 constexpr double pageHeight = tallestDocument / 2;
 constexpr double tallestPaginated = 30'000'000; // the layout's numbers end at 2^25
-constexpr double margin = 8;
+constexpr double margin = 14;
 // A text lower than this cannot become too tall by wrapping in any window.
 constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
 
@@ -419,7 +419,7 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (pasted) {
         insertDocument(*pasted);
     } else if (source->hasHtml()) {
-        insertDocument(*pastedHtml(source->html()));
+        insertDocument(*pastedHtml(source->html(), m_content->defaultFont()));
     } else if (source->hasFormat(u"text/plain"_s)) {
         insertPlain(source->text());
     }

@@ -410,6 +410,17 @@ private slots:
         QCOMPARE((++part).fragment().charFormat().foreground().color(), QColor(Qt::red));
     }
 
+    void pastedHeadingsHaveASizeOfTheirOwn()
+    {
+        m_editor->setTypingFont(NSFont {u"DejaVu Sans"_s, 10});
+        auto data = std::make_unique<QMimeData>();
+        data->setHtml(u"<h1>a</h1>"_s);
+        paste(*m_editor, std::move(data));
+        QTextCursor cursor(m_editor->content());
+        cursor.movePosition(QTextCursor::End);
+        QCOMPARE(cursor.charFormat().fontPointSize(), 20.0);
+    }
+
     void droppedFilesLeaveNothing()
     {
         auto data = std::make_unique<QMimeData>();
