@@ -322,7 +322,8 @@ QTextCharFormat HeightEstimate::styled(const QTextCharFormat &format, int from, 
 HeightEstimate::Measure &HeightEstimate::measureOf(const QTextCharFormat &format)
 {
     const QFont font = format.font().resolve(m_document->defaultFont());
-    const size_t key = qHash(font);
+    const size_t key =
+        qHashMulti(0, font, font.pointSizeF()); // a font's own hash leaves its points out
     const auto known = m_measures.find(key);
     if (known != m_measures.end()) {
         return *known->second;

@@ -9,6 +9,8 @@
 #include <QTextDocument>
 #include <QUrl>
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -63,12 +65,26 @@ bool isPlain(const QTextCharFormat &format, QTextFormat::Property property, Qt::
     return format.hasProperty(property) && format.brushProperty(property).color() == QColor(color);
 }
 
-void withoutDefaultColors(QTextCursor &cursor, QTextCharFormat format)
+double scaleOf(int adjustment)
+{
+    constexpr std::array scales {0.7, 0.8, 1.0, 1.2, 1.5, 2.0, 2.4}; // as the toolkit draws them
+    constexpr int unchanged = 2;
+    return scales[static_cast<size_t>(
+        std::clamp(adjustment + unchanged, 0, static_cast<int>(scales.size()) - 1))];
+}
+
+void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
 {
     const bool black = isPlain(format, QTextFormat::ForegroundBrush, Qt::black);
     const bool white = isPlain(format, QTextFormat::BackgroundBrush, Qt::white);
-    if (!black && !white) {
+    const bool isRelative = format.hasProperty(QTextFormat::FontSizeAdjustment);
+    if (!black && !white && !isRelative) {
         return;
+    }
+    if (isRelative) {
+        const int adjustment = format.intProperty(QTextFormat::FontSizeAdjustment);
+        format.clearProperty(QTextFormat::FontSizeAdjustment);
+        format.setFontPointSize(font.pointSizeF() * scaleOf(adjustment));
     }
     if (black) {
         format.clearForeground();
@@ -81,10 +97,11 @@ void withoutDefaultColors(QTextCursor &cursor, QTextCharFormat format)
 
 } // namespace
 
-std::unique_ptr<QTextDocument> pastedHtml(const QString &html)
+std::unique_ptr<QTextDocument> pastedHtml(const QString &html, const QFont &font)
 {
     std::unique_ptr<QTextDocument> document = std::make_unique<ClosedDocument>();
     document->setUndoRedoEnabled(false);
+    document->setDefaultFont(font);
     document->setHtml(html);
     std::vector<Run> runs = runsOf(*document);
     QTextCursor cursor(document.get());
@@ -95,7 +112,7 @@ std::unique_ptr<QTextDocument> pastedHtml(const QString &html)
         if (isOutside(run->format)) {
             cursor.removeSelectedText();
         } else {
-            withoutDefaultColors(cursor, run->format);
+            adapt(cursor, run->format, font);
         }
     }
     cursor.endEditBlock();

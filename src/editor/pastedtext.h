@@ -4,6 +4,7 @@
 
 #include <memory>
 
+class QFont;
 class QString;
 class QTextDocument;
 class QUrl;
@@ -12,8 +13,9 @@ namespace quorvane {
 
 /// A document of what HTML says, without what would reach outside: images that are not part of the
 /// HTML itself are left out. Black text and white ground are the author's defaults, not a wish:
-/// they are left out too, so that the text can be read on a dark ground.
-std::unique_ptr<QTextDocument> pastedHtml(const QString &html);
+/// they are left out too, so that the text can be read on a dark ground. Sizes that HTML gives
+/// relative to the text around become points, by \a font.
+std::unique_ptr<QTextDocument> pastedHtml(const QString &html, const QFont &font);
 
 /// The image that a data: address holds, scaled down where it is very large. A transparent pixel
 /// for anything else: no image is fetched, neither from the network nor from a file.

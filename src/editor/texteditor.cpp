@@ -7,6 +7,7 @@
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -23,7 +24,8 @@ namespace {
 
 constexpr int settlingMilliseconds = 80; // longer than a step of an animated resize
 constexpr double pageHeight = tallestDocument / 2;
-constexpr double margin = 8;
+constexpr double tallestPaginated = 30'000'000; // the layout's numbers end at 2^25
+constexpr double margin = 14;
 // A text lower than this cannot become too tall by wrapping in any window.
 constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
 
@@ -137,8 +139,8 @@ void TextEditor::setContentHidden(bool hidden)
     detach();
     const auto standIn = std::move(m_standIn);
     attach(m_content.get());
-    setTypingFont(m_typingFont);
     restore(m_place);
+    setTypingFont(m_typingFont);
 }
 
 void TextEditor::setTypingFont(const std::optional<NSFont> &font)
@@ -215,7 +217,9 @@ void TextEditor::followHeight(int position, int removed, int added)
             bound->height = heightAt(bound->width);
         }
     }
-    if (m_bound.height > tallestDocument) {
+    if (m_bound.height > tallestPaginated) {
+        suspendLayout();
+    } else if (m_bound.height > tallestDocument) {
         m_paginated = true;
         if (!isContentHidden()) {
             pinWrap();
@@ -224,10 +228,27 @@ void TextEditor::followHeight(int position, int removed, int added)
         QMetaObject::invokeMethod(this, &TextEditor::refuse, Qt::QueuedConnection);
     } else if (m_narrow.height > tallestDocument && !isContentHidden()) {
         fitWrap();
-    } else if (lineWrapMode() != WidgetWidth && removed > added && !isContentHidden()) {
+    } else if (lineWrapMode() != WidgetWidth && removed > 0 && !isContentHidden()) {
         // Lines may wrap with the window again, once the edit is over.
         QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
     }
+}
+
+// Not even pages help where the layout's numbers end. What led here is taken back before anything
+// is laid out.
+void TextEditor::suspendLayout()
+{
+    m_content->setLayoutEnabled(false);
+    const auto takeBack = [this, document = QPointer<QTextDocument>(m_content.get())] {
+        if (document) {
+            document->undo();
+            document->setLayoutEnabled(true);
+            document->setPageSize(document->pageSize());
+            fitWrap();
+        }
+    };
+    QMetaObject::invokeMethod(this, takeBack, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &TextEditor::refuse, Qt::QueuedConnection);
 }
 
 bool TextEditor::fitsAt(double width)
@@ -283,6 +304,9 @@ void TextEditor::resizeEvent(QResizeEvent *event)
 {
     fitWrap();
     QTextEdit::resizeEvent(event);
+    if (m_paginated && !isContentHidden()) { // the resize has dropped the pages
+        paginate();
+    }
     if (m_unsettled) {
         m_settling.start();
     }
@@ -395,7 +419,7 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (pasted) {
         insertDocument(*pasted);
     } else if (source->hasHtml()) {
-        insertDocument(*pastedHtml(source->html()));
+        insertDocument(*pastedHtml(source->html(), m_content->defaultFont()));
     } else if (source->hasFormat(u"text/plain"_s)) {
         insertPlain(source->text());
     }

@@ -105,6 +105,7 @@ private:
     void fitWrap();
     void pinWrap();
     void paginate();
+    void suspendLayout();
     void refuse();
     Place place() const;
     void restore(const Place &place);

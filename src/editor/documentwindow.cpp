@@ -1,0 +1,135 @@
+#include "editor/documentwindow.h"
+
+#include "editor/formattoolbar.h"
+#include "editor/lockedpage.h"
+#include "editor/texteditor.h"
+
+#include <QCloseEvent>
+#include <QStackedWidget>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+constexpr QSize initialSize(820, 640);
+constexpr QSize smallestSize(480, 320);
+} // namespace
+
+class DocumentWindow::Toolbar final : public NSToolbar
+{
+public:
+    explicit Toolbar(QToolBar &bar)
+        : m_bar(bar)
+    { }
+
+    bool isVisible() const override { return !m_bar.isHidden(); }
+
+    void setVisible(bool visible) override { m_bar.setVisible(visible); }
+
+    // The bar cannot be rearranged: there is no configuration to keep.
+    void setAutosavesConfiguration(bool) override { }
+
+private:
+    QToolBar &m_bar;
+};
+
+DocumentWindow::DocumentWindow(QWidget *parent)
+    : QMainWindow(parent)
+{
+    // The window's own menu would bring a hidden toolbar back, on a locked window too.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    m_pages = new QStackedWidget(this);
+    m_lockedPage = new LockedPage(m_pages);
+    m_editor = new TextEditor(m_pages);
+    m_pages->addWidget(m_lockedPage);
+    m_pages->addWidget(m_editor);
+    setCentralWidget(m_pages);
+    m_toolbar = new FormatToolbar(*m_editor, this);
+    addToolBar(m_toolbar);
+    m_modernToolbar = std::make_unique<Toolbar>(*m_toolbar);
+    setMinimumSize(smallestSize);
+    resize(initialSize);
+    showEditorAppearance();
+}
+
+DocumentWindow::~DocumentWindow()
+{
+    delete m_toolbar; // refers to the editor
+}
+
+NSToolbar &DocumentWindow::modernToolbar()
+{
+    return *m_modernToolbar;
+}
+
+void DocumentWindow::showLockedAppearance()
+{
+    m_editor->setContentHidden(true);
+    m_pages->setCurrentWidget(m_lockedPage);
+    updateFormatting();
+    m_lockedPage->focusPassword();
+}
+
+void DocumentWindow::showEditorAppearance()
+{
+    m_pages->setCurrentWidget(m_editor);
+    m_editor->setContentHidden(false);
+    updateFormatting();
+    m_editor->setFocus();
+}
+
+bool DocumentWindow::showsLockedAppearance() const
+{
+    return m_pages->currentWidget() == m_lockedPage;
+}
+
+void DocumentWindow::setDocumentName(const QString &name)
+{
+    QString shown = name;
+    shown.replace("[*]"_L1, "[*][*]"_L1); // else it would be the mark of an edited document
+    setWindowTitle(shown + "[*]"_L1);
+    m_lockedPage->setDocumentName(name);
+}
+
+void DocumentWindow::setReadOnly(bool readOnly)
+{
+    m_readOnly = readOnly;
+    m_editor->setReadOnly(readOnly);
+    updateFormatting();
+}
+
+void DocumentWindow::updateFormatting()
+{
+    m_toolbar->setFormattingEnabled(!m_readOnly && !showsLockedAppearance());
+}
+
+void DocumentWindow::closeNow()
+{
+    m_closes = true;
+    close();
+    m_closes = false;
+}
+
+bool DocumentWindow::event(QEvent *event)
+{
+    const bool handled = QMainWindow::event(event);
+    if (event->type() == QEvent::WindowActivate) {
+        emit becameKey();
+    }
+    return handled;
+}
+
+void DocumentWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_closes) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    emit closeRequested();
+}
+
+} // namespace quorvane

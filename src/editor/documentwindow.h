@@ -1,0 +1,73 @@
+#pragma once
+
+#include "platform/nswindow.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class QStackedWidget;
+
+namespace quorvane {
+
+class FormatToolbar;
+class LockedPage;
+class TextEditor;
+
+/// The window of one document: a page for the locked state and one for the text. It holds no rule;
+/// its owner decides what it shows, when it closes and when it is deleted.
+class DocumentWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit DocumentWindow(QWidget *parent = nullptr);
+    ~DocumentWindow() override;
+
+    LockedPage &lockedPage() const { return *m_lockedPage; }
+
+    TextEditor &editor() const { return *m_editor; }
+
+    FormatToolbar &formatToolbar() const { return *m_toolbar; }
+
+    /// The toolbar as it is meant to be: visible also means before the window is shown.
+    NSToolbar &modernToolbar();
+
+    /// Shows the password page. Nothing of the text can be read through the window any more.
+    void showLockedAppearance();
+    void showEditorAppearance();
+    bool showsLockedAppearance() const;
+
+    void setDocumentName(const QString &name);
+    void setReadOnly(bool readOnly);
+
+    bool isReadOnly() const { return m_readOnly; }
+
+    /// Closes without asking, once.
+    void closeNow();
+
+signals:
+    /// The user wants the window to close; it stays until closeNow.
+    void closeRequested();
+    /// The window has got the keyboard.
+    void becameKey();
+
+protected:
+    bool event(QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    class Toolbar;
+
+    void updateFormatting();
+
+    QStackedWidget *m_pages = nullptr;
+    LockedPage *m_lockedPage = nullptr;
+    TextEditor *m_editor = nullptr;
+    FormatToolbar *m_toolbar = nullptr;
+    std::unique_ptr<Toolbar> m_modernToolbar;
+    bool m_readOnly = false;
+    bool m_closes = false;
+};
+
+} // namespace quorvane
