@@ -25,7 +25,7 @@ enum class Class { Unknown, Data, Date, Dictionary, Number, String };
 struct ClassName
 {
     QLatin1StringView name;
-    Class value;
+    Class value = Class::Unknown;
 };
 
 constexpr ClassName knownClasses[] = {

@@ -160,7 +160,8 @@ bool PropertyList::readSized(Value &value, unsigned type, unsigned low) const
         width = 2 * m_referenceWidth;
         break;
     }
-    return value.m_count <= (m_offsetTable - value.m_payload) / width;
+    const quint64 available = m_offsetTable - value.m_payload;
+    return value.m_count <= available && value.m_count * width <= available;
 }
 
 // Counts from 15 on follow the first byte as an integer object.
@@ -246,8 +247,8 @@ std::optional<QString> PropertyList::Value::string() const
         return result;
     }
     const QByteArrayView text(bytes, length);
-    const bool isAscii
-        = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    const bool isAscii =
+        std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     return isAscii ? std::optional(QString::fromLatin1(text)) : std::nullopt;
 }
 

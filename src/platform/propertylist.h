@@ -84,8 +84,8 @@ private:
     quint64 m_offsetTable = 0;
     quint64 m_objectCount = 0;
     quint64 m_top = 0;
-    quint64 m_offsetWidth = 0;
-    quint64 m_referenceWidth = 0;
+    quint64 m_offsetWidth = 1;
+    quint64 m_referenceWidth = 1;
 };
 
 } // namespace quorvane

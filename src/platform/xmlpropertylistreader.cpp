@@ -79,7 +79,8 @@ std::optional<double> secondsOf(QByteArrayView text)
     }
     constexpr qint64 secondsOfDay = 86400;
     const qint64 days = QDate(2001, 1, 1).daysTo(day);
-    return static_cast<double>(days * secondsOfDay + time.msecsSinceStartOfDay() / 1000);
+    const qint64 seconds = days * secondsOfDay + time.msecsSinceStartOfDay() / 1000;
+    return static_cast<double>(seconds);
 }
 
 std::optional<Reference> addValue(PropertyListWriter &writer, QByteArrayView name, QByteArray text)
@@ -343,7 +344,7 @@ bool XmlPropertyListReader::readReference(QByteArray &text)
     struct Entity
     {
         QByteArrayView name;
-        char character;
+        char character = 0;
     };
 
     constexpr Entity entities[] = {
