@@ -18,7 +18,6 @@ from __future__ import annotations
 
 import argparse
 import codecs
-import datetime
 import getpass
 import hashlib
 import hmac
@@ -130,7 +129,7 @@ class KeyedArchive:
     def dictionary(self, fields, path):
         keys, values = fields.get("NS.keys"), fields.get("NS.objects")
         if keys is None and values is None:
-            count = sum(1 for name in fields if name.startswith("NS.key."))
+            count = sum(1 for name in fields if str(name).startswith("NS.key."))
             keys = [fields.get(f"NS.key.{i}") for i in range(count)]
             values = [fields.get(f"NS.object.{i}") for i in range(count)]
         if not isinstance(keys, list) or not isinstance(values, list) or len(keys) != len(values):
@@ -447,8 +446,8 @@ class FlatRtfd:
 
 # --- RTF to text -------------------------------------------------------------
 
-RTF_TOKEN = re.compile(rb"\\([a-zA-Z]{1,32})(-?\d{1,10})?[ ]?|\\'([0-9a-fA-F]{2})|\\(.)|([{}])|[\r\n]+|([^\\{}\r\n]+)|.",
-                       re.DOTALL)
+RTF_TOKEN = re.compile(rb"\\([a-zA-Z]{1,32})(-?\d{1,10})?[ ]?|\\'([0-9a-fA-F]{2})|\\(.)|([{}])|[\r\n]+"
+                       rb"|([^\\{}\r\n]+)|.", re.DOTALL)
 RTF_SKIPPED = {"colortbl", "stylesheet", "info", "pict", "fldinst", "filetbl", "nonesttables", "fonttbl"}
 RTF_WORDS = {"par": "\n", "line": "\n", "sect": "\n", "page": "\n", "row": "\n", "nestrow": "\n", "tab": "\t",
              "cell": "\t", "nestcell": "\t", "emdash": "\u2014", "endash": "\u2013", "bullet": "\u2022",
@@ -657,7 +656,7 @@ class Parser(argparse.ArgumentParser):
 
 
 def arguments(argv):
-    parser = Parser(prog="quorvane-decrypt.py", description=__doc__,
+    parser = Parser(prog="quorvane-decrypt.py", description=__doc__, allow_abbrev=False,
                     formatter_class=argparse.RawDescriptionHelpFormatter)
     what = parser.add_mutually_exclusive_group()
     what.add_argument("--note", action="store_true", help="write the public note; asks no password")
