@@ -21,7 +21,23 @@ MyDocument::MyDocument(const MyDocumentSurroundings &surroundings)
 {
 }
 
-MyDocument::~MyDocument() = default;
+MyDocument::~MyDocument()
+{
+    m_windowController.reset();
+}
+
+void MyDocument::disconnectOutlets()
+{
+    myWindow = nullptr;
+    mandatoryPasswordSheet = nullptr;
+    insertPasswordSheet = nullptr;
+    changePasswordSheet = nullptr;
+    decryptProgressIndicator = nullptr;
+    myTextView = nullptr;
+    myScrollView = nullptr;
+    modernToolbar = nullptr;
+    passwordToDecryptField = nullptr;
+}
 
 std::optional<QByteArray> MyDocument::myTextViewData() const
 {

@@ -71,6 +71,9 @@ public:
     void lockDocument();
     void doLockDocument();
 
+    /// To be called by the window before its widgets go.
+    void disconnectOutlets();
+
     // Outlets, connected when the window is built; null without one. The window owns them.
     NSTextView *myTextView = nullptr;
     NSResponder *myScrollView = nullptr;

@@ -4,7 +4,6 @@
 #include "editor/lockedpage.h"
 #include "editor/texteditor.h"
 
-#include <QCloseEvent>
 #include <QStackedWidget>
 
 #include <utility>
@@ -86,14 +85,6 @@ bool DocumentWindow::showsLockedAppearance() const
     return m_pages->currentWidget() == m_lockedPage;
 }
 
-void DocumentWindow::setDocumentName(const QString &name)
-{
-    QString shown = name;
-    shown.replace("[*]"_L1, "[*][*]"_L1); // else it would be the mark of an edited document
-    setWindowTitle(shown + "[*]"_L1);
-    m_lockedPage->setDocumentName(name);
-}
-
 void DocumentWindow::setReadOnly(bool readOnly)
 {
     m_readOnly = readOnly;
@@ -104,32 +95,6 @@ void DocumentWindow::setReadOnly(bool readOnly)
 void DocumentWindow::updateFormatting()
 {
     m_toolbar->setFormattingEnabled(!m_readOnly && !showsLockedAppearance());
-}
-
-void DocumentWindow::closeNow()
-{
-    m_closes = true;
-    close();
-    m_closes = false;
-}
-
-bool DocumentWindow::event(QEvent *event)
-{
-    const bool handled = QMainWindow::event(event);
-    if (event->type() == QEvent::WindowActivate) {
-        emit becameKey();
-    }
-    return handled;
-}
-
-void DocumentWindow::closeEvent(QCloseEvent *event)
-{
-    if (m_closes) {
-        event->accept();
-        return;
-    }
-    event->ignore();
-    emit closeRequested();
 }
 
 } // namespace quorvane

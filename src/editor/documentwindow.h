@@ -15,7 +15,7 @@ class LockedPage;
 class TextEditor;
 
 /// The window of one document: a page for the locked state and one for the text. It holds no rule;
-/// its owner decides what it shows, when it closes and when it is deleted.
+/// its owner decides what it shows and when it closes.
 class DocumentWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -38,23 +38,7 @@ public:
     void showEditorAppearance();
     bool showsLockedAppearance() const;
 
-    void setDocumentName(const QString &name);
     void setReadOnly(bool readOnly);
-
-    bool isReadOnly() const { return m_readOnly; }
-
-    /// Closes without asking, once.
-    void closeNow();
-
-signals:
-    /// The user wants the window to close; it stays until closeNow.
-    void closeRequested();
-    /// The window has got the keyboard.
-    void becameKey();
-
-protected:
-    bool event(QEvent *event) override;
-    void closeEvent(QCloseEvent *event) override;
 
 private:
     class Toolbar;
@@ -67,7 +51,6 @@ private:
     FormatToolbar *m_toolbar = nullptr;
     std::unique_ptr<Toolbar> m_modernToolbar;
     bool m_readOnly = false;
-    bool m_closes = false;
 };
 
 } // namespace quorvane

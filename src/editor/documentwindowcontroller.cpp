@@ -31,7 +31,12 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
     bindSheets();
 }
 
-DocumentWindowController::~DocumentWindowController() = default;
+DocumentWindowController::~DocumentWindowController()
+{
+    // The widgets still tell of changes while they go, and the outlets go before them.
+    m_window->editor().disconnect(&m_document);
+    m_document.disconnectOutlets();
+}
 
 WindowEvents DocumentWindowController::windowEvents()
 {

@@ -44,12 +44,12 @@ QMenu *MainMenu::addMenu(const QString &title)
 }
 
 QAction *MainMenu::addDocumentItem(QMenu &menu, const QString &title, DocumentAction action,
-                                   void (MyDocument::*operation)())
+                                   std::function<void(MyDocument &)> operation)
 {
     QAction *item = menu.addAction(title);
-    connect(item, &QAction::triggered, &m_document, [this, operation, action] {
+    connect(item, &QAction::triggered, &m_document, [this, operation = std::move(operation), action] {
         if (m_document.validateUserInterfaceItem(action)) {
-            (m_document.*operation)();
+            operation(m_document);
         }
     });
     m_items.push_back({item, [this, action] { return m_document.validateUserInterfaceItem(action); }});
@@ -81,15 +81,15 @@ void MainMenu::buildFileMenu()
     menu->addSeparator();
     QAction *close = menu->addAction(u"&Close"_s, &m_document, &NSDocument::performClose);
     close->setShortcut(QKeySequence(u"Ctrl+W"_s));
-    addDocumentItem(*menu, u"&Save"_s, DocumentAction::SaveDocument, &MyDocument::saveDocument)
+    addDocumentItem(*menu, u"&Save"_s, DocumentAction::SaveDocument, [](MyDocument &document) { document.saveDocument(); })
         ->setShortcut(QKeySequence::Save);
-    addDocumentItem(*menu, u"Save &As…"_s, DocumentAction::SaveDocumentAs, &MyDocument::saveDocumentAs)
+    addDocumentItem(*menu, u"Save &As…"_s, DocumentAction::SaveDocumentAs, [](MyDocument &document) { document.saveDocumentAs(); })
         ->setShortcut(QKeySequence(u"Ctrl+Shift+S"_s));
     menu->addSeparator();
     addDocumentItem(*menu, u"Document &Password…"_s, DocumentAction::DocumentPassword,
-                    &MyDocument::documentPassword);
+                    [](MyDocument &document) { document.documentPassword(); });
     QAction *lock = addDocumentItem(*menu, u"&Lock Document…"_s, DocumentAction::LockDocument,
-                                    &MyDocument::lockDocument);
+                                    [](MyDocument &document) { document.lockDocument(); });
     lock->setShortcut(QKeySequence(u"Ctrl+L"_s));
     m_window.formatToolbar().addLockAction(lock);
 }

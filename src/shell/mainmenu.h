@@ -33,7 +33,7 @@ private:
     void buildFormatMenu();
     QMenu *addMenu(const QString &title);
     QAction *addDocumentItem(QMenu &menu, const QString &title, DocumentAction action,
-                             void (MyDocument::*operation)());
+                             std::function<void(MyDocument &)> operation);
     void addEditorItem(QMenu &menu, QAction *action, const std::function<bool()> &isEnabled);
     void validate();
 

@@ -4,6 +4,8 @@
 #include "product/release.h"
 #include "product/settings.h"
 
+#include <utility>
+
 namespace quorvane {
 
 namespace {
@@ -33,22 +35,22 @@ bool QVAppDelegateBase::applicationShouldOpenUntitledFile() const
 
 void QVAppDelegateBase::applicationDidFinishLaunching()
 {
-    m_startupTimer = afterOneSecond(&QVAppDelegateBase::executeDocumentStartupAsInPref);
+    m_startupTimer = afterOneSecond([this] { executeDocumentStartupAsInPref(); });
 }
 
-std::unique_ptr<NSTimer> QVAppDelegateBase::afterOneSecond(void (QVAppDelegateBase::*step)())
+std::unique_ptr<NSTimer> QVAppDelegateBase::afterOneSecond(std::function<void()> step)
 {
-    return m_timers.scheduledTimer(startupDelay, [this, step] { (this->*step)(); });
+    return m_timers.scheduledTimer(startupDelay, std::move(step));
 }
 
 void QVAppDelegateBase::executeDocumentStartupAsInPref()
 {
     switch (m_defaults.value(settings::startupActionTag)) {
     case newDocumentAction:
-        m_fallbackTimer = afterOneSecond(&QVAppDelegateBase::newDocIfNoDocOpened);
+        m_fallbackTimer = afterOneSecond([this] { newDocIfNoDocOpened(); });
         break;
     case openPanelIfNothingIsOpenAction:
-        m_fallbackTimer = afterOneSecond(&QVAppDelegateBase::openDialogIfNoDocOpened);
+        m_fallbackTimer = afterOneSecond([this] { openDialogIfNoDocOpened(); });
         break;
     case openPanelAction:
         m_documents.openDocument();

@@ -38,7 +38,7 @@ protected:
 
 private:
     bool mayOpenByItself() const;
-    [[nodiscard]] std::unique_ptr<NSTimer> afterOneSecond(void (QVAppDelegateBase::*step)());
+    [[nodiscard]] std::unique_ptr<NSTimer> afterOneSecond(std::function<void()> step);
 
     NSUserDefaults &m_defaults;
     NSDocumentController &m_documents;

@@ -66,11 +66,7 @@ private:
 
 private slots:
 
-    void init()
-    {
-        m_window = std::make_unique<DocumentWindow>();
-        m_window->setDocumentName(u"Diary"_s);
-    }
+    void init() { m_window = std::make_unique<DocumentWindow>(); }
 
     void theLockedWindowShowsNothingOfTheText()
     {
@@ -100,42 +96,6 @@ private slots:
         m_window->show();
         QVERIFY(!m_window->formatToolbar().isVisible());
         QVERIFY(!m_window->createPopupMenu() || m_window->contextMenuPolicy() == Qt::NoContextMenu);
-    }
-
-    void theWindowClosesOnlyWhenItsOwnerSaysSo()
-    {
-        const QSignalSpy asked(m_window.get(), &DocumentWindow::closeRequested);
-        m_window->show();
-        m_window->close();
-        QCOMPARE(asked.count(), 1);
-        QVERIFY(m_window->isVisible());
-        m_window->closeNow();
-        QVERIFY(!m_window->isVisible());
-        QCOMPARE(asked.count(), 1);
-    }
-
-    void theWindowTellsThatItBecameKey()
-    {
-        const QSignalSpy told(m_window.get(), &DocumentWindow::becameKey);
-        m_window->show();
-        m_window->activateWindow();
-        QTRY_COMPARE(told.count(), 1);
-    }
-
-    void theTitleShowsANameAsItIs_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("a plain name") << u"Diary"_s << u"Diary[*]"_s;
-        QTest::newRow("a name with the mark of edited windows") << u"a[*]b"_s << u"a[*][*]b[*]"_s;
-    }
-
-    void theTitleShowsANameAsItIs()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, title);
-        m_window->setDocumentName(name);
-        QCOMPARE(m_window->windowTitle(), title);
     }
 
     void shortcutsStyleTheSelectionInOneStepOfUndo_data()
