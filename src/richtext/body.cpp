@@ -64,7 +64,8 @@ Parts partsOf(FlatRtfd folder)
 Parts partsOf(const QByteArray &body)
 {
     Parts parts {body, {}, {}};
-    for (int depth = 0; depth < deepestWrapper; ++depth) {
+    // A wrapper holds nothing but what it wraps.
+    for (int depth = 0; depth < deepestWrapper && parts.files.empty(); ++depth) {
         std::optional<FlatRtfd> folder = readFlatRtfd(parts.text);
         if (!folder) {
             break;

@@ -56,6 +56,19 @@ public:
         }
     }
 
+    /// A name, where only letters and \u are sure to be understood.
+    void name(QStringView name)
+    {
+        for (const QChar c : name) {
+            if (c.unicode() >= u' ' && c.unicode() < 0x7f) {
+                unit(c.unicode());
+            } else {
+                unicode(c.unicode());
+            }
+        }
+    }
+
+private:
     void unicode(char16_t unit)
     {
         if (!m_isInUnicode) {
@@ -65,7 +78,6 @@ public:
         m_out.append("\\u").append(QByteArray::number(unit)).append(' ');
     }
 
-private:
     void plain(const char *text)
     {
         m_isInUnicode = false;
@@ -98,9 +110,9 @@ QByteArray fontEntry(qsizetype number, const QString &name)
     TextEscaper escaper(entry);
     for (const QChar c : name) {
         if (c == u';') {
-            appendHex(entry, ';');
+            appendHex(entry, ';'); // It would end the entry.
         } else {
-            escaper.unit(c.unicode());
+            escaper.name(QStringView(&c, 1));
         }
     }
     return entry + ';';
@@ -235,14 +247,7 @@ void RtfWriter::writeAttachment(const QTextCharFormat &format)
     const QString name = format.stringProperty(AttachmentName);
     m_attachmentNames.insert(name);
     m_body += "{{\\NeXTGraphic ";
-    TextEscaper escaper(m_body);
-    for (const QChar c : name) {
-        if (c.unicode() < 0x80) {
-            escaper.unit(c.unicode());
-        } else {
-            escaper.unicode(c.unicode());
-        }
-    }
+    TextEscaper(m_body).name(name);
     m_body += " \\width" + QByteArray::number(format.intProperty(AttachmentWidth)) + " \\height"
         + QByteArray::number(format.intProperty(AttachmentHeight));
     m_body += format.boolProperty(AttachmentNoOrient) ? " \\noorient " : " ";

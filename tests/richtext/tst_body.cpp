@@ -100,7 +100,7 @@ QTextCharFormat randomFormat(QRandomGenerator &random)
 {
     QTextCharFormat format;
     const QStringList families {u"Helvetica"_s, u"Times New Roman"_s,
-                                u"Odd; \u00e9\u3042 {font}"_s};
+                                u"Odd; \u00e9\u3042 {font}\f\u00a0x"_s};
     if (random.bounded(4) > 0) {
         format.setFontFamilies({families.at(random.bounded(3))});
     }
