@@ -149,7 +149,7 @@ private slots:
         QFETCH(std::function<void(TextEditor &)>, edit);
         beginShowing(paragraphs);
         edit(*m_editor);
-        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 60000);
+        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 20000);
     }
 
     void typingFarDownKeepsThePlaceInView()
@@ -269,11 +269,11 @@ private slots:
         cursor.mergeCharFormat(format);
         m_editor->resize(500, 400);
         QTRY_COMPARE(told.count(), 1);
-        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 60000);
+        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 20000);
         QCOMPARE(m_editor->content()->isUndoAvailable(), stays);
         m_editor->undo();
         QTRY_COMPARE(m_editor->lineWrapMode(), QTextEdit::WidgetWidth);
-        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 60000);
+        QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 20000);
     }
 
     void aWindowTooNarrowForTheTextScrollsSideways()
