@@ -69,19 +69,27 @@ public:
         }
         return texts.join(u'\n');
     }
-    /// Types into the field of that name, in place of what it holds.
-    static bool type(QWidget &root, const QString &field, const QString &text)
+    /// The visible field of that name; null where there is none.
+    static QLineEdit *field(const QWidget &root, const QString &name)
     {
         const auto fields = root.findChildren<QLineEdit *>();
         for (QLineEdit *each : fields) {
-            if (each->accessibleName() == field && each->isVisible()) {
-                each->selectAll();
-                QTest::keyClick(each, Qt::Key_Delete);
-                QTest::keyClicks(each, text);
-                return true;
+            if (each->accessibleName() == name && each->isVisible()) {
+                return each;
             }
         }
-        return false;
+        return nullptr;
+    }
+    /// Types into the field of that name, in place of what it holds.
+    static bool type(const QWidget &root, const QString &name, const QString &text)
+    {
+        QLineEdit *typed = field(root, name);
+        if (typed) {
+            typed->selectAll();
+            QTest::keyClick(typed, Qt::Key_Delete);
+            QTest::keyClicks(typed, text);
+        }
+        return typed;
     }
     /// Presses the button of the dialog that is up.
     static bool press(const QString &button)

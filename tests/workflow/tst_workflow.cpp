@@ -54,7 +54,7 @@ bool TestWorkflow::unlock(RealProgram &program, const QString &with)
     if (!RealProgram::type(page, u"Master Password"_s, with)) {
         return false;
     }
-    QTest::keyClick(page.findChild<QLineEdit *>(), Qt::Key_Return);
+    QTest::keyClick(RealProgram::field(page, u"Master Password"_s), Qt::Key_Return);
     return !program.document()->isEncrypted();
 }
 
@@ -83,7 +83,7 @@ void TestWorkflow::aDocumentIsBornProtectedSavedClosedAndOpenedAgain()
     QTest::keyClicks(&program.editor(), u"bold"_s);
     QVERIFY(program.window().isWindowModified());
     program.menuItem(u"Save"_s)->trigger();
-    QTRY_VERIFY(program.panels.answerSave(path));
+    QVERIFY(QTest::qWaitFor([&program] { return program.panels.answerSave(path); }));
     QTRY_VERIFY(program.files.files.contains(path));
     QVERIFY(!program.window().isWindowModified());
     QVERIFY(!program.files.files.value(path).contains("bold"));
@@ -122,7 +122,7 @@ void TestWorkflow::theMandatorySheetLeadsWhereItsTableSays_data()
     QTest::newRow("too short: told, and asked again")
         << u"abcde"_s << u"abcde"_s << accept << u"Password too short"_s << u"asking"_s;
     QTest::newRow("good: told, and open") << u"abcdef"_s << u"abcdef"_s << accept << u"Password accepted"_s << u"open"_s;
-    QTest::newRow("declined: closed") << u"abcdef"_s << u"abcdef"_s << u"Don't Create"_s << u""_s << u"closed"_s;
+    QTest::newRow("declined: closed") << u"abcdef"_s << u"abcdef"_s << u"Close Document"_s << u""_s << u"closed"_s;
 }
 
 void TestWorkflow::theMandatorySheetLeadsWhereItsTableSays()
@@ -144,9 +144,10 @@ void TestWorkflow::theMandatorySheetLeadsWhereItsTableSays()
     }
     if (state == u"asking"_s) {
         QTRY_VERIFY(RealProgram::dialog() && RealProgram::dialog()->findChild<QLineEdit *>());
-        QCOMPARE(RealProgram::dialog()->findChild<QLineEdit *>()->text(), first);
+        QCOMPARE(RealProgram::field(*RealProgram::dialog(), u"Password"_s)->text(), first);
+        QCOMPARE(RealProgram::field(*RealProgram::dialog(), u"Retype Password"_s)->text(), second);
         QVERIFY(program.document()->plainPassword().isEmpty());
-        RealProgram::press(u"Don't Create"_s);
+        RealProgram::press(u"Close Document"_s);
         QTRY_VERIFY(!program.document());
     } else if (state == u"open"_s) {
         QTRY_VERIFY(!RealProgram::dialog());
