@@ -24,8 +24,10 @@ namespace {
 
 constexpr int settlingMilliseconds = 80; // longer than a step of an animated resize
 constexpr double pageHeight = tallestDocument / 2;
-constexpr double tallestPaginated = 30'000'000; // the layout's numbers end at 2^25
+// The tallest document that is shown at all: the layout's numbers end at 2^25.
+constexpr double tallestPaginated = 30'000'000;
 constexpr double margin = 14;
+constexpr int manyCharacters = 2000;
 // A text lower than this cannot become too tall by wrapping in any window.
 constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
 
@@ -74,7 +76,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     }
     document->setDocumentMargin(margin);
     const double height = estimate.of(*document);
-    if (height > tallestDocument) {
+    if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
     document->setUndoRedoEnabled(false); // drops what filling has recorded
@@ -84,7 +86,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     const auto former = std::exchange(m_content, std::move(document));
     m_bound = {referenceWidth, height};
     m_narrow = m_bound;
-    m_paginated = false;
+    m_paginated = height > tallestDocument;
     m_place = {};
     m_unsettled.reset();
     if (!isContentHidden()) {
@@ -100,9 +102,6 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
 // a document that is no child of an editor would read files to find its images.
 void TextEditor::attach(QTextDocument *document)
 {
-    if (lineWrapMode() != WidgetWidth) {
-        setLineWrapMode(WidgetWidth);
-    }
     const bool pins = document == m_content.get() && (m_paginated || !fitsAt(viewport()->width()));
     if (pins) {
         pinWrap();
@@ -111,6 +110,8 @@ void TextEditor::attach(QTextDocument *document)
     setDocument(document);
     if (pins && m_paginated) {
         paginate();
+    } else if (!pins && lineWrapMode() != WidgetWidth) {
+        setLineWrapMode(WidgetWidth); // not before: it lays out what is shown, without pages
     }
     m_layoutGuard.watch(document);
 }
@@ -167,11 +168,15 @@ double TextEditor::heightAt(double width) const
 
 bool TextEditor::hasRoomFor(double height)
 {
-    if (m_bound.height + height <= tallestDocument) {
-        return true;
+    return isAtMost(tallestPaginated - height);
+}
+
+bool TextEditor::isAtMost(double height)
+{
+    if (m_bound.height > height) {
+        m_bound.height = heightAt(referenceWidth); // the bound only ever grows with the edits
     }
-    m_bound.height = heightAt(referenceWidth);
-    return m_bound.height + height <= tallestDocument;
+    return m_bound.height <= height;
 }
 
 bool TextEditor::applyCharFormat(const QTextCharFormat &format)
@@ -183,7 +188,7 @@ bool TextEditor::applyCharFormat(const QTextCharFormat &format)
     }
     HeightEstimate estimate(referenceWidth, viewport());
     estimate.restyle(cursor.selectionStart(), cursor.selectionEnd(), format);
-    if (estimate.of(*m_content) > tallestDocument) {
+    if (estimate.of(*m_content) > tallestPaginated) {
         refuse();
         return false;
     }
@@ -213,19 +218,24 @@ void TextEditor::followHeight(int position, int removed, int added)
     for (Bound *bound : {&m_bound, &m_narrow}) {
         bound->height += HeightEstimate(bound->width, viewport())
                              .ofBlocks(*m_content, position, position + added);
-        if (bound->height > tallestDocument) {
+        const double limit = m_paginated ? tallestPaginated : tallestDocument;
+        if (bound->height > limit) {
             bound->height = heightAt(bound->width);
         }
     }
     if (m_bound.height > tallestPaginated) {
         suspendLayout();
-    } else if (m_bound.height > tallestDocument) {
+    } else if (m_bound.height > tallestDocument && !m_paginated) {
         m_paginated = true;
         if (!isContentHidden()) {
             pinWrap();
             paginate();
         }
-        QMetaObject::invokeMethod(this, &TextEditor::refuse, Qt::QueuedConnection);
+    } else if (m_paginated) {
+        // Whether one piece will do again is not asked at each key.
+        if (removed > manyCharacters && !isContentHidden()) {
+            QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
+        }
     } else if (m_narrow.height > tallestDocument && !isContentHidden()) {
         fitWrap();
     } else if (lineWrapMode() != WidgetWidth && removed > 0 && !isContentHidden()) {
@@ -276,7 +286,7 @@ void TextEditor::fitWrap()
     if (isContentHidden()) {
         return;
     }
-    if (m_paginated && hasRoomFor(0)) {
+    if (m_paginated && isAtMost(tallestDocument)) {
         m_paginated = false;
     }
     const bool fits = !m_paginated && fitsAt(viewport()->width());
@@ -287,8 +297,15 @@ void TextEditor::fitWrap()
     }
 }
 
+// The toolkit drops the pages here and lays out as far as the view reaches: from the top, that is
+// not far.
 void TextEditor::pinWrap()
 {
+    if (lineWrapMode() == FixedPixelWidth) {
+        return;
+    }
+    verticalScrollBar()->setValue(0);
+    QMetaObject::invokeMethod(this, &QTextEdit::ensureCursorVisible, Qt::QueuedConnection);
     setLineWrapColumnOrWidth(referenceWidth);
     setLineWrapMode(FixedPixelWidth);
 }
@@ -297,7 +314,10 @@ void TextEditor::pinWrap()
 // all one sees of them is a gap between two lines.
 void TextEditor::paginate()
 {
-    document()->setPageSize(QSizeF(referenceWidth, pageHeight));
+    const QSizeF page(referenceWidth, pageHeight);
+    if (document()->pageSize() != page) { // setting it begins the layout anew
+        document()->setPageSize(page);
+    }
 }
 
 void TextEditor::resizeEvent(QResizeEvent *event)

@@ -14,8 +14,9 @@ namespace quorvane {
 
 /// The view and editor of a styled text.
 ///
-/// It promises that no text makes it hang and that no line of a text is ever left out: it refuses
-/// what would become too tall for the toolkit's layout. Whether a text fits is judged at
+/// It promises that no text makes it hang and that no line of a text is ever left out: what is too
+/// tall for the toolkit's layout in one piece is laid out on pages, and what is too tall even for
+/// that is refused. Whether a text fits is judged at
 /// referenceWidth, whatever size the window has, so that a document which could be written can be
 /// shown again in every window. Where a narrower window would break the lines into too many, they
 /// stay wrapped at referenceWidth and the view scrolls sideways.
@@ -100,6 +101,7 @@ private:
     void attach(QTextDocument *document);
     void detach();
     double heightAt(double width) const;
+    bool isAtMost(double height);
     void followHeight(int position, int removed, int added);
     bool fitsAt(double width);
     void fitWrap();
