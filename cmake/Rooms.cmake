@@ -7,7 +7,8 @@ function(quorvane_room name)
     target_link_libraries(quorvane_${name} PUBLIC ${ROOM_LINK} PRIVATE quorvane_options)
 endfunction()
 
-# One Qt Test executable a class or concern. LABEL is unit, gui, x11 or slow.
+# One Qt Test executable a class or concern. LABEL is unit, gui, x11 or slow; an x11 test runs on an
+# X server of its own with a window manager.
 function(quorvane_test name)
     cmake_parse_arguments(TEST "" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
     if(NOT TEST_SOURCES)
@@ -22,7 +23,11 @@ function(quorvane_test name)
         QUORVANE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
         QUORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE ${TEST_LINK} Qt6::Test quorvane_options)
-    add_test(NAME ${name} COMMAND ${name})
+    if(TEST_LABEL STREQUAL "x11")
+        add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-x11 $<TARGET_FILE:${name}>)
+    else()
+        add_test(NAME ${name} COMMAND ${name})
+    endif()
     quorvane_test_environment(${name} ${TEST_LABEL} ${TEST_TIMEOUT})
 endfunction()
 
