@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/nsworkspace.h"
+
+namespace quorvane {
+
+/// Hands addresses to the desktop.
+class QtWorkspace final : public NSWorkspace
+{
+public:
+    /// \return false for every other scheme, and where the desktop has no program for it.
+    bool openURL(const QUrl &url) override;
+};
+
+} // namespace quorvane
