@@ -18,6 +18,7 @@ namespace {
 
 constexpr int narrowestText = 280;
 constexpr int widestText = 440;
+constexpr int narrowestButton = 84;
 constexpr int spacing = 12;
 
 QStyle::StandardPixmap iconOf(NSAlertStyle style)
@@ -78,6 +79,9 @@ void setTextWidth(QLabel &label, int width)
 AlertDialog::AlertDialog(const NSAlert &alert, QWidget *parent)
     : QDialog(parent)
 {
+    // Neither minimised nor maximised: its window could not be reached meanwhile.
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                   | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setObjectName(u"alert"_s);
     setWindowTitle(QGuiApplication::applicationDisplayName());
     setAccessibleName(alert.messageText);
@@ -137,6 +141,8 @@ QHBoxLayout *AlertDialog::makeButtons(const QStringList &titles)
         // An ampersand in a title is one, not a mnemonic.
         auto *button = new QPushButton(QString(title).replace(u'&', u"&&"_s), this);
         connect(button, &QPushButton::clicked, this, [this, code] { done(code); });
+        const int textWidth = button->fontMetrics().horizontalAdvance(title);
+        button->setMinimumWidth(std::max(narrowestButton, textWidth + 3 * spacing));
         buttons->addWidget(button);
         if (code == static_cast<int>(AlertAnswer::First)) {
             button->setDefault(true);

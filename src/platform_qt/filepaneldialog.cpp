@@ -2,9 +2,13 @@
 
 #include "platform_qt/alertdialog.h"
 
+#include <QDateTime>
 #include <QFileInfo>
+#include <QHeaderView>
+#include <QLocale>
 #include <QThread>
 #include <QTimer>
+#include <QTreeView>
 
 namespace quorvane {
 
@@ -55,21 +59,28 @@ FilePanelDialog::FilePanelDialog(QWidget *parent, const NSSavePanel &panel,
     }
 }
 
-FilePanelDialog::~FilePanelDialog()
-{
-    // The base class keeps the folders that were visited in a file that all Qt programs share.
-    setHistory(m_foreignHistory);
-}
-
 void FilePanelDialog::setUp(const QString &directory, const QStringList &types)
 {
     m_types = types;
-    m_foreignHistory = history();
     setOption(QFileDialog::DontUseNativeDialog);
     setOption(QFileDialog::DontConfirmOverwrite);
     setDirectory(directory);
+    showDatesInFull();
     if (!types.isEmpty()) {
         setNameFilter(u"Files (%1)"_s.arg(patternsOf(types).join(u' ')));
+    }
+}
+
+void FilePanelDialog::showDatesInFull()
+{
+    constexpr int nameColumn = 0;
+    constexpr int dateColumn = 3;
+    if (const auto *view = findChild<QTreeView *>(u"treeView"_s)) {
+        const QString date = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
+        const int width = view->fontMetrics().horizontalAdvance(date + u"000 000"_s);
+        view->header()->resizeSection(nameColumn, 2 * width);
+        view->header()->resizeSection(dateColumn, width);
+        resize(9 * width / 2, height());
     }
 }
 

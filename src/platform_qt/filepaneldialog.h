@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-/// Qt's own file dialog without its traces and without its question, which would run a loop of
-/// events in its own. Deletes itself by \a deleteWhenIdle only.
+/// Qt's own file dialog without its question about existing files, which would run a loop of events
+/// of its own. Is deleted by \a deleteWhenIdle only.
 class FilePanelDialog final : public QFileDialog
 {
     Q_OBJECT
@@ -15,7 +15,6 @@ class FilePanelDialog final : public QFileDialog
 public:
     FilePanelDialog(const NSOpenPanel &panel, const QString &directory);
     FilePanelDialog(QWidget *parent, const NSSavePanel &panel, const QString &directory);
-    ~FilePanelDialog() override;
 
     QString pathToSave() const; ///< With the extension that is added to a name without one.
 
@@ -25,10 +24,10 @@ public:
 
 private:
     void setUp(const QString &directory, const QStringList &types);
+    void showDatesInFull();
     void askToReplace(const QString &path);
 
     QStringList m_types;
-    QStringList m_foreignHistory;
     int m_loopLevel;
     bool m_mayReplace = false;
 };

@@ -5,12 +5,15 @@
 #include "platform_qt/qtwindow.h"
 
 #include <QDir>
+#include <QSettings>
 #include <QStandardPaths>
 
 #include <memory>
 #include <utility>
 
 namespace quorvane {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -25,7 +28,11 @@ QString firstDirectory()
 QtPanels::QtPanels(NSOperationQueue &queue)
     : m_openPanels(queue)
     , m_directory(firstDirectory())
-{ }
+{
+    // Qt's dialogs keep the folders that were visited in a file that all Qt programs share. Those
+    // of this program find no place for it.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
+}
 
 void QtPanels::beginOpen(const NSOpenPanel &panel,
                          std::function<void(QStringList paths)> completion)

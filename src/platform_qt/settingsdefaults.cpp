@@ -29,6 +29,7 @@ void putAside(const QString &path)
 SettingsDefaults::SettingsDefaults(const QString &path)
     : m_settings(path, QSettings::IniFormat)
 {
+    m_settings.allKeys(); // a section is read when it is asked for, and only then found damaged
     m_damaged = m_settings.status() == QSettings::FormatError;
     if (m_damaged) {
         putAside(path);
