@@ -1,18 +1,17 @@
 // Unlocking and saving against the bare library work that the format demands: the derivations, the
 // passes of the cipher and the digests over the same bytes. Goal: at most 1.5 times, and a peak of
 // memory of at most 6 times the body.
-#include "paired.h"
-
 #include "document/mydocument.h"
+#include "paired.h"
 #include "tests/document/documentfixture.h"
 
 #include <openssl/evp.h>
 
+#include <array>
+
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <array>
 
 using namespace quorvane;
 using namespace Qt::StringLiterals;
@@ -43,8 +42,8 @@ Key deriveKey()
     Key key {};
     const QByteArray utf8 = password.toUtf8();
     const Block salt {};
-    PKCS5_PBKDF2_HMAC(utf8.constData(), int(utf8.size()), salt.data(), 8, rounds, EVP_sha1(), int(key.size()),
-                      key.data());
+    PKCS5_PBKDF2_HMAC(utf8.constData(), int(utf8.size()), salt.data(), 8, rounds, EVP_sha1(),
+                      int(key.size()), key.data());
     return key;
 }
 
@@ -69,7 +68,8 @@ void digestOfCheck()
 {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest {};
     const QByteArray check(384, 'r');
-    EVP_Digest(check.constData(), size_t(check.size()), digest.data(), nullptr, EVP_sha1(), nullptr);
+    EVP_Digest(check.constData(), size_t(check.size()), digest.data(), nullptr, EVP_sha1(),
+               nullptr);
     benchmark::DoNotOptimize(digest);
 }
 
@@ -80,7 +80,8 @@ void bareWork(const QByteArray &input, bool encrypts)
         key = deriveKey();
     }
     digestOfCheck();
-    for (const QByteArray &field : {QByteArray(384, 'r'), QByteArray(6, 'm'), QByteArray(300, 'd')}) {
+    for (const QByteArray &field :
+         {QByteArray(384, 'r'), QByteArray(6, 'm'), QByteArray(300, 'd')}) {
         benchmark::DoNotOptimize(cipher(field, key, encrypts));
     }
     benchmark::DoNotOptimize(cipher(input, key, encrypts));
@@ -101,8 +102,7 @@ void unlock(World &world, const QByteArray &file)
 
 /// The peak of resident memory that \a work adds, as a multiple of the body. Measured in a process
 /// of its own, since a peak never goes down again.
-template<typename Work>
-double peakPerBody(qsizetype size, const Work &work)
+template <typename Work> double peakPerBody(qsizetype size, const Work &work)
 {
     std::array<int, 2> pipe {};
     if (::pipe(pipe.data()) != 0) {
@@ -117,7 +117,8 @@ double peakPerBody(qsizetype size, const Work &work)
         work(&input);
         rusage after {};
         getrusage(RUSAGE_SELF, &after);
-        const double added = double(after.ru_maxrss - before.ru_maxrss) * 1024 + double(input.size());
+        const double added =
+            double(after.ru_maxrss - before.ru_maxrss) * 1024 + double(input.size());
         const auto ignored = ::write(pipe[1], &added, sizeof added);
         _exit(ignored == sizeof added ? 0 : 1);
     }
@@ -164,7 +165,8 @@ void Save(benchmark::State &state)
     document.setMyTextViewData(body);
     benchmark::DoNotOptimize(document.dataOfType());
     pairWithFloor(
-        state, [&] { benchmark::DoNotOptimize(document.dataOfType()); }, [&] { bareWork(body, true); });
+        state, [&] { benchmark::DoNotOptimize(document.dataOfType()); },
+        [&] { bareWork(body, true); });
     state.counters["peak_x_body"] = peakPerBody(size, [&](const QByteArray *input) {
         if (input) {
             MyDocument saved(world.surroundings());
@@ -179,7 +181,19 @@ void Save(benchmark::State &state)
 
 } // namespace
 
-BENCHMARK(Unlock)->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(9);
-BENCHMARK(Save)->Arg(1)->Arg(10)->Arg(100)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(9);
+BENCHMARK(Unlock)
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(100)
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime()
+    ->Iterations(9);
+BENCHMARK(Save)
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(100)
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime()
+    ->Iterations(9);
 
 BENCHMARK_MAIN();

@@ -13,8 +13,8 @@
 #include "platform_qt/qtwindow.h"
 #include "platform_qt/qtworkspace.h"
 #include "platform_qt/settingsdefaults.h"
-#include "product/release.h"
 #include "product/qvappsupportutility.h"
+#include "product/release.h"
 #include "shell/mainmenu.h"
 #include "shell/myappdelegate.h"
 
@@ -52,7 +52,8 @@ private:
 };
 
 Program::Program()
-    : m_documents({m_mainQueue, m_files, m_panels}, m_alerts, documentExtension, [this] { return makeDocument(); })
+    : m_documents({m_mainQueue, m_files, m_panels}, m_alerts, documentExtension,
+                  [this] { return makeDocument(); })
     , m_delegate(m_defaults, m_documents, m_timers)
 {
     MyAppDelegate::initialize(m_defaults);
@@ -98,7 +99,8 @@ void Program::start(const QStringList &files)
 QStringList filesOfCommandLine(const QCoreApplication &application)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(u"A rich-text editor whose documents exist on disk only in encrypted form."_s);
+    parser.setApplicationDescription(
+        u"A rich-text editor whose documents exist on disk only in encrypted form."_s);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(u"FILE"_s, u"Documents to open."_s, u"[FILE…]"_s);

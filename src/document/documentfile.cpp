@@ -19,26 +19,30 @@ struct ListedVersion
 
 // Exact values: a new version joins by its own number, never by a range.
 constexpr ListedVersion listedVersions[] = {
-    {1400, FormatFamily::EarlyBlowfish},        {1410, FormatFamily::EarlyBlowfish},
-    {10402, FormatFamily::EarlyBlowfish},       {10403, FormatFamily::EarlyBlowfish},
-    {10404, FormatFamily::EarlyBlowfish},       {10500, FormatFamily::BlowfishWithWindow},
-    {10600, FormatFamily::BlowfishWithWindow},  {10601, FormatFamily::BlowfishWithWindow},
-    {10602, FormatFamily::BlowfishWithWindow},  {10603, FormatFamily::BlowfishWithWindow},
-    {10700, FormatFamily::FirstAes},            {20000, FormatFamily::FirstAes},
-    {20001, FormatFamily::FirstAes},            {20100, FormatFamily::CurrentAes},
-    {20101, FormatFamily::CurrentAes},          {20200, FormatFamily::CurrentAes},
-    {20201, FormatFamily::CurrentAes},          {20300, FormatFamily::CurrentAes},
-    {20301, FormatFamily::CurrentAes},          {20400, FormatFamily::CurrentAes},
+    {1400, FormatFamily::EarlyBlowfish},       {1410, FormatFamily::EarlyBlowfish},
+    {10402, FormatFamily::EarlyBlowfish},      {10403, FormatFamily::EarlyBlowfish},
+    {10404, FormatFamily::EarlyBlowfish},      {10500, FormatFamily::BlowfishWithWindow},
+    {10600, FormatFamily::BlowfishWithWindow}, {10601, FormatFamily::BlowfishWithWindow},
+    {10602, FormatFamily::BlowfishWithWindow}, {10603, FormatFamily::BlowfishWithWindow},
+    {10700, FormatFamily::FirstAes},           {20000, FormatFamily::FirstAes},
+    {20001, FormatFamily::FirstAes},           {20100, FormatFamily::CurrentAes},
+    {20101, FormatFamily::CurrentAes},         {20200, FormatFamily::CurrentAes},
+    {20201, FormatFamily::CurrentAes},         {20300, FormatFamily::CurrentAes},
+    {20301, FormatFamily::CurrentAes},         {20400, FormatFamily::CurrentAes},
 };
 
 /// Takes typed entries out of the root dictionary and notes an entry of the wrong class.
 class EntryReader final
 {
 public:
-    explicit EntryReader(const NSDictionary &root) : m_root(root) { }
+    explicit EntryReader(const NSDictionary &root)
+        : m_root(root)
+    { }
 
     std::optional<NSNumber> number(QLatin1StringView key) { return take(key, &NSObject::number); }
+
     std::optional<QString> string(QLatin1StringView key) { return take(key, &NSObject::string); }
+
     std::optional<QByteArray> data(QLatin1StringView key) { return take(key, &NSObject::data); }
 
     std::optional<bool> boolean(QLatin1StringView key)
@@ -57,7 +61,7 @@ public:
     bool isWhole() const { return m_isWhole; }
 
 private:
-    template<typename T>
+    template <typename T>
     std::optional<T> take(QLatin1StringView key, std::optional<T> (NSObject::*as)() const)
     {
         const auto found = m_root.constFind(key);
@@ -99,7 +103,8 @@ quint64 versionOf(const std::optional<NSNumber> &number)
     if (!number) {
         return 0;
     }
-    return number->longValue() < 0 ? static_cast<quint64>(number->longValue()) : number->unsignedLongValue();
+    return number->longValue() < 0 ? static_cast<quint64>(number->longValue())
+                                   : number->unsignedLongValue();
 }
 
 void set(NSDictionary &root, QLatin1StringView key, const std::optional<QByteArray> &value)
@@ -123,8 +128,9 @@ FormatFamily familyOf(quint64 appversion)
     if (appversion >= firstNewerVersion) {
         return FormatFamily::Newer;
     }
-    const auto listed = std::find_if(std::begin(listedVersions), std::end(listedVersions),
-                                     [appversion](const ListedVersion &each) { return each.appversion == appversion; });
+    const auto listed = std::find_if(
+        std::begin(listedVersions), std::end(listedVersions),
+        [appversion](const ListedVersion &each) { return each.appversion == appversion; });
     return listed == std::end(listedVersions) ? FormatFamily::Unlisted : listed->family;
 }
 
@@ -151,7 +157,8 @@ std::optional<DocumentFile> DocumentFile::fromData(const QByteArray &data)
             readAesEntries(entries, file);
         }
         if (family == FormatFamily::CurrentAes) {
-            file.makeToolbarVisibleAtDecrypt = entries.boolean("makeToolbarVisibleAtDecrypt"_L1).value_or(false);
+            file.makeToolbarVisibleAtDecrypt =
+                entries.boolean("makeToolbarVisibleAtDecrypt"_L1).value_or(false);
         }
     }
     return entries.isWhole() ? std::optional(file) : std::nullopt;

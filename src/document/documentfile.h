@@ -16,7 +16,14 @@ constexpr quint64 firstNewerVersion = 20401;
 /// From this version on the cipher is AES, below it is Blowfish.
 constexpr qint64 firstAesVersion = 10700;
 
-enum class FormatFamily { EarlyBlowfish, BlowfishWithWindow, FirstAes, CurrentAes, Unlisted, Newer };
+enum class FormatFamily {
+    EarlyBlowfish,
+    BlowfishWithWindow,
+    FirstAes,
+    CurrentAes,
+    Unlisted,
+    Newer
+};
 enum class CipherFamily { Blowfish, Aes };
 
 /// The family of an exact version number: a number between two listed ones is Unlisted.

@@ -18,8 +18,7 @@ MyDocument::MyDocument(const MyDocumentSurroundings &surroundings)
     , m_myIsEditable(true)
     , m_myCrDate(NSDate::date())
     , m_myCrMAC(QVMACAddress::MACAddressData())
-{
-}
+{ }
 
 MyDocument::~MyDocument()
 {

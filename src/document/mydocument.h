@@ -41,15 +41,25 @@ public:
     void setMyTextViewData(const std::optional<QByteArray> &body);
 
     const std::optional<QString> &myPublicTextData() const { return m_myPublicTextData; }
+
     void setMyPublicTextData(const std::optional<QString> &note);
+
     bool myIsEditable() const { return m_myIsEditable.value_or(false); }
+
     void setMyIsEditable(std::optional<bool> editable);
+
     const std::optional<NSDate> &myCrDate() const { return m_myCrDate; }
+
     const std::optional<QByteArray> &myCrMAC() const { return m_myCrMAC; }
+
     qint64 releaseToDecryptDoc() const { return m_releaseToDecryptDoc; }
+
     bool requiresMandatoryPassword() const { return m_requiresMandatoryPassword; }
+
     bool useMyWinRect() const { return m_useMyWinRect; }
+
     const NSRect &myWinRectToUse() const { return m_myWinRectToUse; }
+
     bool makeToolbarVisibleAtDecrypt() const { return m_makeToolbarVisibleAtDecrypt; }
 
     /// Brings the encrypted fields up to date with the content, under the engine's salt and IV.
@@ -58,7 +68,9 @@ public:
     /// record; locked, the encrypted fields go out as they stand. Nothing where one is missing.
     std::optional<QByteArray> dataOfType() override;
     bool readFromData(const QByteArray &data) override;
+
     bool hasToldWhyNotRead() const override { return m_hasToldWhyNotRead; }
+
     qint32 Decript() override;
     qint32 decryptDone() override;
 

@@ -43,7 +43,8 @@ qint32 MyDocument::decryptAes()
     if (check.error != 0) {
         return stopWith(check.error);
     }
-    if (!m_mySha1_RcData || QVCommonCrypto::dataSHA1(check.data.value_or(QByteArray())) != m_mySha1_RcData) {
+    if (!m_mySha1_RcData
+        || QVCommonCrypto::dataSHA1(check.data.value_or(QByteArray())) != m_mySha1_RcData) {
         return passwordCheckDiffers;
     }
     const Outcome address = m_myCommonCrypto->decrypt(m_myCrMACEncrypted);
@@ -55,8 +56,8 @@ qint32 MyDocument::decryptAes()
     if (dateArchive.error != 0) {
         return stopWith(dateArchive.error);
     }
-    const std::optional<NSObject> date
-        = NSKeyedUnarchiver::unarchiveObjectWithData(dateArchive.data.value_or(QByteArray()));
+    const std::optional<NSObject> date =
+        NSKeyedUnarchiver::unarchiveObjectWithData(dateArchive.data.value_or(QByteArray()));
     if (!date) {
         return stopWith(damagedCreationDate);
     }

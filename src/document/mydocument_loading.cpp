@@ -15,7 +15,8 @@ bool MyDocument::readFromData(const QByteArray &data)
     const FormatFamily family = familyOf(file->appversion);
     if (family == FormatFamily::Newer) {
         m_hasToldWhyNotRead = true;
-        QVAppSupportUtility::sayFilecreatedWithANewerVersion(m_surroundings.alerts, m_surroundings.workspace);
+        QVAppSupportUtility::sayFilecreatedWithANewerVersion(m_surroundings.alerts,
+                                                             m_surroundings.workspace);
         return false;
     }
     m_releaseToDecryptDoc = static_cast<qint64>(file->appversion);

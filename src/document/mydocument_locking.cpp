@@ -12,10 +12,13 @@ void MyDocument::lockDocument()
     if (!window) {
         return;
     }
-    const QString reminder = u"To browse the document data again you will need to re-insert the master password"_s;
+    const QString reminder =
+        u"To browse the document data again you will need to re-insert the master password"_s;
     const NSAlert alert {
         u"Lock Document back to the crypted state?"_s,
-        isDocumentEdited() ? u"Before locking the document you need to save it on disk.\n"_s + reminder : reminder,
+        isDocumentEdited()
+            ? u"Before locking the document you need to save it on disk.\n"_s + reminder
+            : reminder,
         {u"OK"_s, u"Cancel"_s},
     };
     window->beginAlert(alert, [self = QPointer(this)](AlertAnswer answer) {

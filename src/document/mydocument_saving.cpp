@@ -44,7 +44,8 @@ void MyDocument::encryptData()
     setUpEngineIfPasswordChanged();
     m_myTextViewDataEncrypted = m_myCommonCrypto->encrypt(myTextViewData()).data;
     const NSObject date = m_myCrDate ? NSObject(*m_myCrDate) : NSObject();
-    m_myCrDateEncrypted = m_myCommonCrypto->encrypt(NSKeyedArchiver::archivedDataWithRootObject(date)).data;
+    m_myCrDateEncrypted =
+        m_myCommonCrypto->encrypt(NSKeyedArchiver::archivedDataWithRootObject(date)).data;
     m_myCrMACEncrypted = m_myCommonCrypto->encrypt(m_myCrMAC).data;
     m_releaseToDecryptDoc = currentFormatVersion;
 }
@@ -59,8 +60,8 @@ std::optional<QByteArray> MyDocument::dataOfType()
         renewPasswordCheck();
     }
     // A failed encryption leaves its field absent: such a file could never be opened again.
-    if (!m_myTextViewDataEncrypted || !m_myCrDateEncrypted || !m_myCrMACEncrypted || !m_mySalt || !m_myIV
-        || !m_myRCDataEncrypted || !m_mySha1_RcData) {
+    if (!m_myTextViewDataEncrypted || !m_myCrDateEncrypted || !m_myCrMACEncrypted || !m_mySalt
+        || !m_myIV || !m_myRCDataEncrypted || !m_mySha1_RcData) {
         return std::nullopt;
     }
     DocumentFile file;

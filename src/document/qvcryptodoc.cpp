@@ -14,8 +14,7 @@ QVCryptoDoc::QVCryptoDoc(const DocumentSurroundings &surroundings, QString exten
     , m_plainPasswordInserted(u""_s)
     , m_plainPasswordInsertedRetype(u""_s)
     , m_plainPasswordPrevious(u""_s)
-{
-}
+{ }
 
 void QVCryptoDoc::setIsEncrypted(bool encrypted)
 {
@@ -52,11 +51,12 @@ void QVCryptoDoc::showAlert(NSWindow *window, const NSAlert &alert, AlertComplet
     if (!window) {
         return;
     }
-    window->beginAlert(alert, [self = QPointer(this), completion = std::move(completion)](AlertAnswer answer) {
-        if (self && !self->isClosed() && completion) {
-            completion(answer);
-        }
-    });
+    window->beginAlert(
+        alert, [self = QPointer(this), completion = std::move(completion)](AlertAnswer answer) {
+            if (self && !self->isClosed() && completion) {
+                completion(answer);
+            }
+        });
 }
 
 bool QVCryptoDoc::validateUserInterfaceItem(DocumentAction action) const

@@ -25,21 +25,35 @@ public:
     QVCryptoDoc(const DocumentSurroundings &surroundings, QString extension);
 
     bool isEncrypted() const { return m_isEncrypted; } ///< The content may not be shown.
+
     bool isDecrypted() const { return !m_isEncrypted; }
+
     void setIsEncrypted(bool encrypted);
 
     /// The password that the next encryption uses; empty until one was given.
     const QString &plainPassword() const { return m_plainPassword; }
+
     void setPlainPassword(const QString &password);
+
     // What stands in the fields of the password form and sheets; absent for an absent field.
     const std::optional<QString> &plainPasswordInserted() const { return m_plainPasswordInserted; }
-    const std::optional<QString> &plainPasswordInsertedRetype() const { return m_plainPasswordInsertedRetype; }
+
+    const std::optional<QString> &plainPasswordInsertedRetype() const
+    {
+        return m_plainPasswordInsertedRetype;
+    }
+
     const std::optional<QString> &plainPasswordPrevious() const { return m_plainPasswordPrevious; }
+
     void setPlainPasswordInserted(const std::optional<QString> &text);
     void setPlainPasswordInsertedRetype(const std::optional<QString> &text);
     void setPlainPasswordPrevious(const std::optional<QString> &text);
+
     /// A display flag of the password sheets; absent until a sheet has ended.
-    std::optional<bool> showClearPasswordInInsertPasswordSheet() const { return m_showClearPassword; }
+    std::optional<bool> showClearPasswordInInsertPasswordSheet() const
+    {
+        return m_showClearPassword;
+    }
 
     /// Tries the sender's text as the password; absent is a sender that has no text.
     void submitPasswordToDecrypt(const std::optional<QString> &stringValue);
@@ -60,7 +74,9 @@ public:
 
     /// Decrypts with plainPassword: 0 on success. The bare document refuses every password.
     [[nodiscard]] virtual qint32 Decript() { return 1; }
+
     virtual qint32 decryptDone() { return 1; }
+
     qint32 decryptFailed() const { return 1; }
 
     NSWindow *windowForSheet() const override { return myWindow; }

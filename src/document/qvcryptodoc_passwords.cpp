@@ -24,34 +24,44 @@ bool areEqual(const std::optional<QString> &left, const std::optional<QString> &
 
 const NSAlert wrongPassword {
     u"Wrong Password"_s,
-    u"You inserted a wrong password.\nTo access this document you must insert exactly the password used to "
+    u"You inserted a wrong password.\nTo access this document you must insert exactly the password "
+    u"used to "
     "protect it"_s,
     {u"OK"_s},
 };
 
 const NSAlert passwordChanged {
     u"Password changed successfuly"_s,
-    u"This new password will be used when saving this document.\nData will be stored on disk encrypted using a "
-    "secure algorithm.\n\nNext time, to open this document, this new password will be required.\nStore your new "
-    "password in a safe place.\nThere is no way, even for the Orbelt, to open the document and decrypt the data "
+    u"This new password will be used when saving this document.\nData will be stored on disk "
+    u"encrypted using a "
+    "secure algorithm.\n\nNext time, to open this document, this new password will be "
+    "required.\nStore your new "
+    "password in a safe place.\nThere is no way, even for the Orbelt, to open the document and "
+    "decrypt the data "
     "without the right password."_s,
     {u"OK"_s},
 };
 
 const NSAlert passwordInserted {
     u"Password accepted"_s,
-    u"This password will be used when saving this document.\nData will be stored on disk encrypted using a secure "
-    "algorithm.\n\nNext time, to open this document, this password will be required.\nStore your password in a "
-    "safe place.\nThere is no way, even for Orbelt, to open the document and decrypt the data without the right "
+    u"This password will be used when saving this document.\nData will be stored on disk encrypted "
+    u"using a secure "
+    "algorithm.\n\nNext time, to open this document, this password will be required.\nStore your "
+    "password in a "
+    "safe place.\nThere is no way, even for Orbelt, to open the document and decrypt the data "
+    "without the right "
     "password."_s,
     {u"OK"_s},
 };
 
 const NSAlert mandatoryPasswordAccepted {
     u"Password accepted"_s,
-    u"This password will be used when saving this document.\nData will be stored on disk encrypted using a secure "
-    "algorithm.\n\nNext time, to open this document, this password will be required.\nStore your password in a "
-    "safe place.\nThere is no way, even for the developers of this application, to open the document and decrypt "
+    u"This password will be used when saving this document.\nData will be stored on disk encrypted "
+    u"using a secure "
+    "algorithm.\n\nNext time, to open this document, this password will be required.\nStore your "
+    "password in a "
+    "safe place.\nThere is no way, even for the developers of this application, to open the "
+    "document and decrypt "
     "the data without the right password."_s,
     {u"OK"_s},
 };
@@ -69,7 +79,8 @@ const NSAlert passwordTooShort {
 };
 
 const NSAlert oldPasswordWrong {
-    u"Password inserted in the 'Old Master Password' field must be equal to the password previously used to "
+    u"Password inserted in the 'Old Master Password' field must be equal to the password "
+    u"previously used to "
     "protect this document."_s,
     u"No changes were applied"_s,
     {u"Retry"_s, u"Cancel"_s},

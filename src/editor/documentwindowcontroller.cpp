@@ -20,7 +20,8 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
     , m_window(std::make_unique<DocumentWindow>())
     , m_adapter(adapt(*m_window, windowEvents()))
     , m_view(std::make_unique<EditorView>(m_window->editor()))
-    , m_mandatorySheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Mandatory, m_window.get()))
+    , m_mandatorySheet(
+          std::make_unique<PasswordSheet>(PasswordSheet::Kind::Mandatory, m_window.get()))
     , m_changeSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Change, m_window.get()))
     , m_insertSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Insert, m_window.get()))
 {
@@ -40,7 +41,10 @@ DocumentWindowController::~DocumentWindowController()
 
 WindowEvents DocumentWindowController::windowEvents()
 {
-    return {[this] { m_document.windowDidBecomeKey(*m_adapter); }, [this] { m_document.performClose(); }};
+    return {[this] { m_document.windowDidBecomeKey(*m_adapter); },
+            [this] {
+                m_document.performClose();
+            }};
 }
 
 void DocumentWindowController::setShouldCascadeWindows(bool cascades)
@@ -72,7 +76,9 @@ void DocumentWindowController::bindAppearance()
     };
     connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this, follow);
     follow();
-    const auto showName = [this] { m_window->lockedPage().setDocumentName(m_document.displayName()); };
+    const auto showName = [this] {
+        m_window->lockedPage().setDocumentName(m_document.displayName());
+    };
     connect(&m_document, &NSDocument::displayNameChanged, this, showName);
     showName();
     connect(&m_window->lockedPage(), &LockedPage::passwordSubmitted, &m_document,
@@ -82,16 +88,19 @@ void DocumentWindowController::bindAppearance()
 void DocumentWindowController::bindEditor()
 {
     connect(&m_window->editor(), &QTextEdit::textChanged, &m_document, &MyDocument::textDidChange);
-    connect(&m_document, &MyDocument::myIsEditableChanged, this, &DocumentWindowController::applyEditable);
-    connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this, &DocumentWindowController::applyEditable);
-    connect(&m_document, &MyDocument::bodyIsTooTall, this, &DocumentWindowController::tellBodyIsTooTall);
+    connect(&m_document, &MyDocument::myIsEditableChanged, this,
+            &DocumentWindowController::applyEditable);
+    connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this,
+            &DocumentWindowController::applyEditable);
+    connect(&m_document, &MyDocument::bodyIsTooTall, this,
+            &DocumentWindowController::tellBodyIsTooTall);
     connect(&m_window->editor(), &TextEditor::tooTall, this, [this] {
         const NSAlert alert {
             u"That would make the document longer than it can be shown."_s,
             u"Nothing was changed. Divide the text among several documents."_s,
             {u"OK"_s},
         };
-        m_adapter->beginAlert(alert, [](AlertAnswer) { });
+        m_adapter->beginAlert(alert, [](AlertAnswer) {});
     });
     applyEditable();
 }
@@ -106,11 +115,12 @@ void DocumentWindowController::tellBodyIsTooTall()
     applyEditable();
     const NSAlert alert {
         u"This document is too long to be shown."_s,
-        u"Its text is kept as it is, and the window stays empty and read-only. The program quorvane-decrypt.py, "
+        u"Its text is kept as it is, and the window stays empty and read-only. The program "
+        u"quorvane-decrypt.py, "
         "which comes with the source, writes the text to a file."_s,
         {u"OK"_s},
     };
-    m_adapter->beginAlert(alert, [](AlertAnswer) { });
+    m_adapter->beginAlert(alert, [](AlertAnswer) {});
 }
 
 void DocumentWindowController::bindPublicNote()
@@ -143,11 +153,15 @@ void DocumentWindowController::bindSheets()
     connect(m_mandatorySheet.get(), &PasswordSheet::declined, &m_document,
             [this] { m_document.confirmMandatoryPasswordSheet(PasswordSheet::declineTag); });
     bindFields(*m_changeSheet);
-    connect(m_changeSheet.get(), &PasswordSheet::confirmed, &m_document, &QVCryptoDoc::confirmChangePasswordSheet);
-    connect(m_changeSheet.get(), &PasswordSheet::declined, &m_document, &QVCryptoDoc::cancelChangePasswordSheet);
+    connect(m_changeSheet.get(), &PasswordSheet::confirmed, &m_document,
+            &QVCryptoDoc::confirmChangePasswordSheet);
+    connect(m_changeSheet.get(), &PasswordSheet::declined, &m_document,
+            &QVCryptoDoc::cancelChangePasswordSheet);
     bindFields(*m_insertSheet);
-    connect(m_insertSheet.get(), &PasswordSheet::confirmed, &m_document, &QVCryptoDoc::confirmInsertPasswordSheet);
-    connect(m_insertSheet.get(), &PasswordSheet::declined, &m_document, &QVCryptoDoc::cancelInsertPasswordSheet);
+    connect(m_insertSheet.get(), &PasswordSheet::confirmed, &m_document,
+            &QVCryptoDoc::confirmInsertPasswordSheet);
+    connect(m_insertSheet.get(), &PasswordSheet::declined, &m_document,
+            &QVCryptoDoc::cancelInsertPasswordSheet);
 }
 
 void DocumentWindowController::bindFields(PasswordSheet &sheet)

@@ -25,12 +25,15 @@ class DocumentWindowController final : public QObject, public NSWindowController
     Q_OBJECT
 
 public:
-    using WindowAdapter = std::function<std::unique_ptr<NSWindow>(QWidget &window, const WindowEvents &events)>;
+    using WindowAdapter =
+        std::function<std::unique_ptr<NSWindow>(QWidget &window, const WindowEvents &events)>;
 
-    DocumentWindowController(MyDocument &document, NSUserDefaults &defaults, const WindowAdapter &adapt);
+    DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
+                             const WindowAdapter &adapt);
     ~DocumentWindowController() override;
 
     DocumentWindow &window() const { return *m_window; }
+
     void setShouldCascadeWindows(bool cascades) override;
 
 private:

@@ -12,8 +12,7 @@ namespace quorvane {
 EditorView::EditorView(TextEditor &editor)
     : m_editor(editor)
     , m_revision(editor.content()->revision())
-{
-}
+{ }
 
 void EditorView::becomeFirstResponder()
 {
@@ -62,8 +61,13 @@ void EditorView::setTypingAttributes(const std::optional<NSFont> &font)
 }
 
 // The ruler, spelling and the mapping of colours are the editor's to come; the switches are taken.
-void EditorView::setRulerVisible(bool) { }
-void EditorView::setContinuousSpellCheckingEnabled(bool) { }
-void EditorView::setUsesAdaptiveColorMappingForDarkAppearance(bool) { }
+void EditorView::setRulerVisible(bool)
+{ }
+
+void EditorView::setContinuousSpellCheckingEnabled(bool)
+{ }
+
+void EditorView::setUsesAdaptiveColorMappingForDarkAppearance(bool)
+{ }
 
 } // namespace quorvane

@@ -14,8 +14,7 @@ NSDocument::NSDocument(const DocumentSurroundings &surroundings, QString extensi
     : m_surroundings(surroundings)
     , m_extension(std::move(extension))
     , m_untitledName(u"Untitled"_s)
-{
-}
+{ }
 
 void NSDocument::setFileURL(const QString &path)
 {
@@ -88,7 +87,7 @@ void NSDocument::showWindows()
 
 void NSDocument::saveDocument()
 {
-    saveDocument([](bool) { });
+    saveDocument([](bool) {});
 }
 
 void NSDocument::saveDocument(std::function<void(bool saved)> done)
@@ -102,7 +101,7 @@ void NSDocument::saveDocument(std::function<void(bool saved)> done)
 
 void NSDocument::saveDocumentAs()
 {
-    saveToPanelPath([](bool) { });
+    saveToPanelPath([](bool) {});
 }
 
 void NSDocument::saveToPanelPath(std::function<void(bool saved)> done)
@@ -151,10 +150,11 @@ void NSDocument::tellNotSaved(const QString &path, const QString &reason)
     }
     const NSAlert alert {
         u"“%1” could not be saved."_s.arg(QFileInfo(path).fileName()),
-        reason + u"\n\nNothing is lost: the document stays open as it is, and the file on disk has not been changed."_s,
+        reason
+            + u"\n\nNothing is lost: the document stays open as it is, and the file on disk has not been changed."_s,
         {u"OK"_s},
     };
-    window->beginAlert(alert, [](AlertAnswer) { });
+    window->beginAlert(alert, [](AlertAnswer) {});
 }
 
 void NSDocument::canCloseDocument(std::function<void(bool should)> shouldClose)

@@ -34,6 +34,7 @@ public:
     NSDocument(const DocumentSurroundings &surroundings, QString extension);
 
     std::optional<QString> fileURL() const { return m_fileURL; } ///< An absolute path.
+
     void setFileURL(const QString &path);
     QString displayName() const; ///< The file's name without extension, or the untitled one.
     void setUntitledName(const QString &name);
@@ -45,8 +46,10 @@ public:
     [[nodiscard]] virtual std::optional<QByteArray> dataOfType() = 0;
     /// Takes a file's bytes; false where the document cannot open. Nothing is shown.
     [[nodiscard]] virtual bool readFromData(const QByteArray &data) = 0;
+
     /// Whether readFromData has told the user itself why the document does not open.
     virtual bool hasToldWhyNotRead() const { return false; }
+
     virtual void makeWindowControllers() = 0;
     virtual NSWindow *windowForSheet() const = 0;
     void showWindows();
@@ -59,7 +62,8 @@ public:
     /// Asks about unsaved changes where there are any. \a shouldClose learns the answer.
     virtual void canCloseDocument(std::function<void(bool should)> shouldClose);
     void performClose(); ///< Closes, after the question of canCloseDocument.
-    void close();        ///< Closes at once, with no question.
+    void close(); ///< Closes at once, with no question.
+
     bool isClosed() const { return m_closed; }
 
 Q_SIGNALS:
@@ -71,9 +75,12 @@ Q_SIGNALS:
 protected:
     /// Why the document may not be written now, in a sentence; nothing where it may.
     virtual std::optional<QString> reasonNotToWrite() const { return std::nullopt; }
+
     /// The editor's own part of the edited mark.
     virtual bool isTextEdited() const { return false; }
+
     virtual void markTextUnedited() { }
+
     /// To be called whenever isTextEdited may answer otherwise than before.
     void textEditedMayHaveChanged();
 

@@ -10,14 +10,13 @@ namespace quorvane {
 
 using namespace Qt::StringLiterals;
 
-NSDocumentController::NSDocumentController(const DocumentSurroundings &surroundings, ModalAlerts &alerts,
-                                           QString extension, Factory factory)
+NSDocumentController::NSDocumentController(const DocumentSurroundings &surroundings,
+                                           ModalAlerts &alerts, QString extension, Factory factory)
     : m_surroundings(surroundings)
     , m_alerts(alerts)
     , m_extension(std::move(extension))
     , m_factory(std::move(factory))
-{
-}
+{ }
 
 NSDocumentController::~NSDocumentController() = default;
 
@@ -53,8 +52,9 @@ void NSDocumentController::add(std::unique_ptr<NSDocument> document)
 
 void NSDocumentController::remove(const NSDocument *document)
 {
-    const auto found = std::find_if(m_documents.begin(), m_documents.end(),
-                                    [document](const auto &each) { return each.get() == document; });
+    const auto found =
+        std::find_if(m_documents.begin(), m_documents.end(),
+                     [document](const auto &each) { return each.get() == document; });
     if (found == m_documents.end()) {
         return;
     }
@@ -66,13 +66,14 @@ void NSDocumentController::remove(const NSDocument *document)
 
 void NSDocumentController::openDocument()
 {
-    m_surroundings.panels.beginOpen({{m_extension}, true}, [self = QPointer(this)](const QStringList &paths) {
-        for (const QString &path : paths) {
-            if (self) {
-                self->openDocumentWithContentsOfURL(path);
-            }
-        }
-    });
+    m_surroundings.panels.beginOpen({{m_extension}, true},
+                                    [self = QPointer(this)](const QStringList &paths) {
+                                        for (const QString &path : paths) {
+                                            if (self) {
+                                                self->openDocumentWithContentsOfURL(path);
+                                            }
+                                        }
+                                    });
 }
 
 NSDocument *NSDocumentController::documentForPath(const QString &path) const
@@ -89,7 +90,8 @@ NSDocument *NSDocumentController::documentForPath(const QString &path) const
     return nullptr;
 }
 
-void NSDocumentController::openDocumentWithContentsOfURL(const QString &path, const OpenCompletion &completion)
+void NSDocumentController::openDocumentWithContentsOfURL(const QString &path,
+                                                         const OpenCompletion &completion)
 {
     const auto complete = [&completion](NSDocument *document, bool wasAlreadyOpen) {
         if (completion) {
@@ -110,7 +112,9 @@ void NSDocumentController::openDocumentWithContentsOfURL(const QString &path, co
     std::unique_ptr<NSDocument> document = m_factory();
     if (!document->readFromData(*file.data)) {
         if (!document->hasToldWhyNotRead()) {
-            tellNotOpened(path, u"The file is not a document of this program, or it is damaged.\n\n%1"_s.arg(path));
+            tellNotOpened(
+                path,
+                u"The file is not a document of this program, or it is damaged.\n\n%1"_s.arg(path));
         }
         complete(nullptr, false);
         return;
@@ -123,8 +127,9 @@ void NSDocumentController::openDocumentWithContentsOfURL(const QString &path, co
 
 void NSDocumentController::tellNotOpened(const QString &path, const QString &reason)
 {
-    const NSAlert alert {u"“%1” could not be opened."_s.arg(QFileInfo(path).fileName()), reason, {u"OK"_s}};
-    m_alerts.runModal(alert, [](AlertAnswer) { });
+    const NSAlert alert {
+        u"“%1” could not be opened."_s.arg(QFileInfo(path).fileName()), reason, {u"OK"_s}};
+    m_alerts.runModal(alert, [](AlertAnswer) {});
 }
 
 void NSDocumentController::closeAllDocuments(std::function<void(bool closed)> done)
@@ -134,8 +139,9 @@ void NSDocumentController::closeAllDocuments(std::function<void(bool closed)> do
 
 void NSDocumentController::reviewNext(std::function<void(bool closed)> done)
 {
-    const auto edited = std::find_if(m_documents.begin(), m_documents.end(),
-                                     [](const auto &document) { return document->isDocumentEdited(); });
+    const auto edited =
+        std::find_if(m_documents.begin(), m_documents.end(),
+                     [](const auto &document) { return document->isDocumentEdited(); });
     if (edited == m_documents.end()) {
         for (NSDocument *document : documents()) {
             document->close();

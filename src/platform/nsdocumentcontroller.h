@@ -17,8 +17,8 @@ public:
     /// \a document is null where the file did not open.
     using OpenCompletion = std::function<void(NSDocument *document, bool wasAlreadyOpen)>;
 
-    NSDocumentController(const DocumentSurroundings &surroundings, ModalAlerts &alerts, QString extension,
-                         Factory factory);
+    NSDocumentController(const DocumentSurroundings &surroundings, ModalAlerts &alerts,
+                         QString extension, Factory factory);
     ~NSDocumentController() override;
 
     std::vector<NSDocument *> documents() const;

@@ -18,11 +18,15 @@ class NSNumber final
 {
 public:
     static NSNumber numberWithBool(bool value) { return NSNumber(value); }
+
     static NSNumber numberWithLong(qint64 value) { return NSNumber(value); }
+
     static NSNumber numberWithUnsignedLong(quint64 value);
+
     static NSNumber numberWithDouble(double value) { return NSNumber(value); }
 
     bool isBool() const { return std::holds_alternative<bool>(m_value); }
+
     bool isDouble() const { return std::holds_alternative<double>(m_value); }
 
     bool boolValue() const;
@@ -35,7 +39,10 @@ public:
 
 private:
     using Value = std::variant<bool, qint64, quint64, double>;
-    explicit NSNumber(Value value) : m_value(value) { }
+
+    explicit NSNumber(Value value)
+        : m_value(value)
+    { }
 
     Value m_value;
 };
@@ -70,9 +77,11 @@ private:
     {
         bool operator==(const Unknown &) const = default;
     };
+
     std::variant<std::monostate, Unknown, NSNumber, QString, QByteArray, NSDate,
-                 std::shared_ptr<const NSDictionary>> // shared by the copies of this immutable value
-        m_value;
+                 std::shared_ptr<const NSDictionary>> // shared by the copies of this immutable
+                                                      // value
+                                                          m_value;
 };
 
 } // namespace quorvane

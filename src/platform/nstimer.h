@@ -19,7 +19,8 @@ class TimerFactory
 public:
     virtual ~TimerFactory() = default;
     /// Fires once, after \a seconds.
-    [[nodiscard]] virtual std::unique_ptr<NSTimer> scheduledTimer(double seconds, std::function<void()> block) = 0;
+    [[nodiscard]] virtual std::unique_ptr<NSTimer> scheduledTimer(double seconds,
+                                                                  std::function<void()> block) = 0;
 };
 
 } // namespace quorvane

@@ -71,7 +71,7 @@ public:
 /// What a window tells its document.
 struct WindowEvents
 {
-    std::function<void()> becameKey;      ///< It has the keyboard, and no sheet has it in its place.
+    std::function<void()> becameKey; ///< It has the keyboard, and no sheet has it in its place.
     std::function<void()> closeRequested; ///< The user wants it closed; it stays until it is.
 };
 

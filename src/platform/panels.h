@@ -20,8 +20,8 @@ struct NSOpenPanel
 struct NSSavePanel
 {
     QStringList allowedFileTypes; ///< The first one is added to a name without an extension.
-    QString directory;            ///< Empty for the last one used.
-    QString name;                 ///< Empty for none.
+    QString directory; ///< Empty for the last one used.
+    QString name; ///< Empty for none.
 };
 
 /// The file panels of the desktop.
@@ -30,7 +30,8 @@ class FilePanels
 public:
     virtual ~FilePanels() = default;
     /// A panel of the program's own, before all windows. Empty where the user dismissed it.
-    virtual void beginOpen(const NSOpenPanel &panel, std::function<void(QStringList paths)> completion) = 0;
+    virtual void beginOpen(const NSOpenPanel &panel,
+                           std::function<void(QStringList paths)> completion) = 0;
     /// A sheet on the window. Nothing where the user dismissed it.
     virtual void beginSaveSheet(NSWindow &window, const NSSavePanel &panel,
                                 std::function<void(std::optional<QString> path)> completion) = 0;

@@ -46,13 +46,16 @@ void QVAppSupportUtility::visitArdelis(NSWorkspace &workspace)
     visitUs(workspace);
 }
 
-void QVAppSupportUtility::sayFilecreatedWithANewerVersion(ModalAlerts &alerts, NSWorkspace &workspace,
+void QVAppSupportUtility::sayFilecreatedWithANewerVersion(ModalAlerts &alerts,
+                                                          NSWorkspace &workspace,
                                                           const std::function<void(bool)> &answered)
 {
     const NSAlert alert {
         u"The document you requested to open was created with a more recent version of this application"_s,
-        u"To open this file you need a release of this application equal or successive to the one used to "
-        "create this file.\n\nProbably you are using an outdated release.\nYou can download for free the "
+        u"To open this file you need a release of this application equal or successive to the one "
+        u"used to "
+        "create this file.\n\nProbably you are using an outdated release.\nYou can download for "
+        "free the "
         "last version of this application from our site"_s,
         {u"Go to Download Last Version"_s, u"Cancel"_s},
     };

@@ -4,8 +4,7 @@ namespace quorvane::settings {
 
 namespace {
 
-template<typename T>
-void add(QVariantMap &defaults, const Key<T> &key)
+template <typename T> void add(QVariantMap &defaults, const Key<T> &key)
 {
     defaults.insert(key.name, QVariant::fromValue(key.registered));
 }

@@ -47,12 +47,15 @@ QAction *MainMenu::addDocumentItem(QMenu &menu, const QString &title, DocumentAc
                                    std::function<void(MyDocument &)> operation)
 {
     QAction *item = menu.addAction(title);
-    connect(item, &QAction::triggered, &m_document, [this, operation = std::move(operation), action] {
-        if (m_document.validateUserInterfaceItem(action)) {
-            operation(m_document);
-        }
-    });
-    m_items.push_back({item, [this, action] { return m_document.validateUserInterfaceItem(action); }});
+    connect(item, &QAction::triggered, &m_document,
+            [this, operation = std::move(operation), action] {
+                if (m_document.validateUserInterfaceItem(action)) {
+                    operation(m_document);
+                }
+            });
+    m_items.push_back({item, [this, action] {
+                           return m_document.validateUserInterfaceItem(action);
+                       }});
     return item;
 }
 
@@ -81,9 +84,11 @@ void MainMenu::buildFileMenu()
     menu->addSeparator();
     QAction *close = menu->addAction(u"&Close"_s, &m_document, &NSDocument::performClose);
     close->setShortcut(QKeySequence(u"Ctrl+W"_s));
-    addDocumentItem(*menu, u"&Save"_s, DocumentAction::SaveDocument, [](MyDocument &document) { document.saveDocument(); })
-        ->setShortcut(QKeySequence::Save);
-    addDocumentItem(*menu, u"Save &As…"_s, DocumentAction::SaveDocumentAs, [](MyDocument &document) { document.saveDocumentAs(); })
+    addDocumentItem(*menu, u"&Save"_s, DocumentAction::SaveDocument, [](MyDocument &document) {
+        document.saveDocument();
+    })->setShortcut(QKeySequence::Save);
+    addDocumentItem(*menu, u"Save &As…"_s, DocumentAction::SaveDocumentAs,
+                    [](MyDocument &document) { document.saveDocumentAs(); })
         ->setShortcut(QKeySequence(u"Ctrl+Shift+S"_s));
     menu->addSeparator();
     addDocumentItem(*menu, u"Document &Password…"_s, DocumentAction::DocumentPassword,
@@ -97,7 +102,9 @@ void MainMenu::buildFileMenu()
 void MainMenu::addEditorItem(QMenu &menu, QAction *action, const std::function<bool()> &isEnabled)
 {
     menu.addAction(action);
-    m_items.push_back({action, [this, isEnabled] { return !m_document.isEncrypted() && isEnabled(); }});
+    m_items.push_back({action, [this, isEnabled] {
+                           return !m_document.isEncrypted() && isEnabled();
+                       }});
 }
 
 void MainMenu::buildEditMenu()
@@ -105,15 +112,22 @@ void MainMenu::buildEditMenu()
     QMenu *menu = addMenu(u"&Edit"_s);
     TextEditor *editor = &m_window.editor();
     const auto add = [this, menu, editor](const QString &title, QKeySequence::StandardKey key,
-                                          void (QTextEdit::*operation)(), const std::function<bool()> &isEnabled) {
+                                          void (QTextEdit::*operation)(),
+                                          const std::function<bool()> &isEnabled) {
         auto *action = new QAction(title, this);
         action->setShortcut(key);
         connect(action, &QAction::triggered, editor, operation);
         addEditorItem(*menu, action, isEnabled);
     };
-    const auto canWrite = [editor] { return !editor->isReadOnly(); };
-    const auto hasSelection = [editor] { return editor->textCursor().hasSelection(); };
-    const auto always = [] { return true; };
+    const auto canWrite = [editor] {
+        return !editor->isReadOnly();
+    };
+    const auto hasSelection = [editor] {
+        return editor->textCursor().hasSelection();
+    };
+    const auto always = [] {
+        return true;
+    };
     add(u"&Undo"_s, QKeySequence::Undo, &QTextEdit::undo,
         [editor, canWrite] { return canWrite() && editor->content()->isUndoAvailable(); });
     add(u"&Redo"_s, QKeySequence::Redo, &QTextEdit::redo,

@@ -25,8 +25,7 @@ QVAppDelegateBase::QVAppDelegateBase(NSUserDefaults &defaults, NSDocumentControl
     , m_appName(productName)
     , m_vendorName(quorvane::vendorName)
     , m_releaseString(QVAppSupportUtility::calcReleaseString(releaseNumber))
-{
-}
+{ }
 
 bool QVAppDelegateBase::applicationShouldOpenUntitledFile() const
 {

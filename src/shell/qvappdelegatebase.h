@@ -15,13 +15,17 @@ class QVAppDelegateBase : public QObject
     Q_OBJECT
 
 public:
-    QVAppDelegateBase(NSUserDefaults &defaults, NSDocumentController &documents, TimerFactory &timers);
+    QVAppDelegateBase(NSUserDefaults &defaults, NSDocumentController &documents,
+                      TimerFactory &timers);
 
     const QString &appName() const { return m_appName; }
+
     const QString &vendorName() const { return m_vendorName; }
+
     const QString &releaseString() const { return m_releaseString; }
 
     bool documentIsOpening() const { return m_documentIsOpening; }
+
     void setDocumentIsOpening(bool opening) { m_documentIsOpening = opening; }
 
     /// Whether a start without a file begins with an untitled document.
@@ -34,6 +38,7 @@ public:
 
 protected:
     NSUserDefaults &defaults() const { return m_defaults; }
+
     NSDocumentController &documents() const { return m_documents; }
 
 private:

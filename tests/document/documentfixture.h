@@ -39,8 +39,8 @@ struct Outlets final : NSWindowController
 {
     explicit Outlets(NSOperationQueue &queue)
         : window(queue)
-    {
-    }
+    { }
+
     void setShouldCascadeWindows(bool cascades) override { shouldCascade = cascades; }
 
     void connectTo(MyDocument &document)
@@ -81,6 +81,7 @@ struct WindowedDocument
         };
         document = std::make_unique<MyDocument>(surroundings);
     }
+
     /// A document read from \a data, with its window prepared.
     WindowedDocument(World &world, const QByteArray &data)
         : WindowedDocument(world)
@@ -88,6 +89,7 @@ struct WindowedDocument
         isRead = document->readFromData(data);
         show(world);
     }
+
     void show(World &world)
     {
         document->makeWindowControllers();

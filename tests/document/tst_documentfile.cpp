@@ -121,7 +121,8 @@ void TestDocumentFile::coordinatesLoseTheirFractionOnReading()
     QVERIFY(file && file->windowRec);
     QCOMPARE(*file->windowRec, (NSRect {100, 0, 600, 400}));
     NSDictionary none = wholeDictionary(20400);
-    for (const auto &key : {u"windowRecHeight"_s, u"windowRecWidth"_s, u"windowRecX"_s, u"windowRecY"_s}) {
+    for (const auto &key :
+         {u"windowRecHeight"_s, u"windowRecWidth"_s, u"windowRecX"_s, u"windowRecY"_s}) {
         none.remove(key);
     }
     QCOMPARE(readOf(none)->windowRec, std::optional(NSRect()));
@@ -160,8 +161,10 @@ void TestDocumentFile::bytesThatAreNoDictionaryAreUnreadable_data()
     QTest::addColumn<QByteArray>("data");
     QTest::newRow("nothing") << QByteArray();
     QTest::newRow("text") << QByteArray("Dear diary, bplist00");
-    QTest::newRow("an archive of a string") << NSKeyedArchiver::archivedDataWithRootObject(NSObject(u"text"_s));
-    QTest::newRow("an archive of nothing") << NSKeyedArchiver::archivedDataWithRootObject(NSObject());
+    QTest::newRow("an archive of a string")
+        << NSKeyedArchiver::archivedDataWithRootObject(NSObject(u"text"_s));
+    QTest::newRow("an archive of nothing")
+        << NSKeyedArchiver::archivedDataWithRootObject(NSObject());
     QTest::newRow("half a document") << DocumentFile().toData().left(60);
 }
 

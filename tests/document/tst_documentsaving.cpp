@@ -1,6 +1,5 @@
-#include "documentfixture.h"
-
 #include "document/documentfile.h"
+#include "documentfixture.h"
 #include "platform/nskeyedarchiver.h"
 
 #include <QTest>
@@ -161,7 +160,9 @@ void TestDocumentSaving::anAlteredFileIsRefusedOrDamaged()
     World world;
     const QByteArray body(100, 'b');
     DocumentFile file = read(fileOf(world, body, u"password"_s));
-    const auto alter = [](std::optional<QByteArray> &bytes) { bytes->data()[3] = char(~bytes->at(3)); };
+    const auto alter = [](std::optional<QByteArray> &bytes) {
+        bytes->data()[3] = char(~bytes->at(3));
+    };
     if (field == u"sha1Rc"_s) {
         alter(file.sha1Rc);
     } else if (field == u"no sha1Rc"_s) {
@@ -207,8 +208,10 @@ void TestDocumentSaving::theFrameInTheFileIsThatOfTheUnlockedWindow()
     created.show(world);
     created.document->setPlainPassword(u"password"_s);
     created.document->doLockDocument();
-    const std::optional<NSObject> root = NSKeyedUnarchiver::unarchiveObjectWithData(*created.document->dataOfType());
-    QVERIFY2(!root->dictionary()->contains(u"windowRecX"_s), "only a file that was read gives a frame to keep");
+    const std::optional<NSObject> root =
+        NSKeyedUnarchiver::unarchiveObjectWithData(*created.document->dataOfType());
+    QVERIFY2(!root->dictionary()->contains(u"windowRecX"_s),
+             "only a file that was read gives a frame to keep");
     QVERIFY(root->dictionary()->contains(u"makeToolbarVisibleAtDecrypt"_s));
 }
 
@@ -222,7 +225,9 @@ void TestDocumentSaving::aSealedDocumentIsNeverWritten()
     world.queue.runAll();
     sealed.outlets->window.answer(AlertAnswer::First);
     bool isSaved = true;
-    static_cast<NSDocument &>(*sealed.document).saveDocument([&isSaved](bool saved) { isSaved = saved; });
+    static_cast<NSDocument &>(*sealed.document).saveDocument([&isSaved](bool saved) {
+        isSaved = saved;
+    });
     world.queue.runAll();
     QVERIFY(!isSaved);
     QCOMPARE(world.files.replaces, 0);
@@ -249,7 +254,8 @@ void TestDocumentSaving::aFailedWriteKeepsTheDocumentEditedAndTellsThePath()
     windowed.document->setPlainPassword(u"password"_s);
     windowed.outlets->textView.type("text");
     windowed.document->textDidChange();
-    world.files.replaceError = FileError {ENOSPC, u"writing the new file"_s, u"/documents/a.quorvane"_s};
+    world.files.replaceError =
+        FileError {ENOSPC, u"writing the new file"_s, u"/documents/a.quorvane"_s};
     windowed.document->saveDocument();
     world.queue.runAll();
     QVERIFY(world.panels.answerSave(u"/documents/a.quorvane"_s));
@@ -257,7 +263,8 @@ void TestDocumentSaving::aFailedWriteKeepsTheDocumentEditedAndTellsThePath()
     QVERIFY(windowed.document->isDocumentEdited() && windowed.outlets->window.isDocumentEdited);
     QVERIFY(!windowed.document->fileURL());
     const NSAlert told = windowed.outlets->window.alerts.last();
-    QVERIFY(told.messageText.contains(u"a.quorvane"_s) && told.informativeText.contains(u"/documents/"_s));
+    QVERIFY(told.messageText.contains(u"a.quorvane"_s)
+            && told.informativeText.contains(u"/documents/"_s));
     windowed.outlets->window.answer(AlertAnswer::First);
     world.files.replaceError.reset();
     windowed.document->setFileURL(u"/documents/a.quorvane"_s);

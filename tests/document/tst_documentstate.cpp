@@ -1,6 +1,5 @@
-#include "documentfixture.h"
-
 #include "document/documentfile.h"
+#include "documentfixture.h"
 #include "platform/nskeyedarchiver.h"
 
 #include <QTest>
@@ -19,8 +18,11 @@ class BareDocument final : public QVCryptoDoc
 {
 public:
     using QVCryptoDoc::QVCryptoDoc;
+
     std::optional<QByteArray> dataOfType() override { return std::nullopt; }
+
     bool readFromData(const QByteArray &) override { return true; }
+
     void makeWindowControllers() override { }
 };
 
@@ -131,7 +133,8 @@ void TestDocumentState::theWrongPasswordIsToldAndStaysInTheField()
     QVERIFY(windowed.document->isEncrypted());
     QCOMPARE(windowed.outlets->window.alerts,
              QList<NSAlert>({{u"Wrong Password"_s,
-                              u"You inserted a wrong password.\nTo access this document you must insert exactly the "
+                              u"You inserted a wrong password.\nTo access this document you must "
+                              u"insert exactly the "
                               "password used to protect it"_s,
                               {u"OK"_s}}}));
     QCOMPARE(windowed.outlets->passwordField.text, u"wrong one"_s);
@@ -224,8 +227,9 @@ void TestDocumentState::commandsAreOfferedByState()
     const auto offered = [&document] {
         QString marks;
         for (const DocumentAction action :
-             {DocumentAction::SaveDocument, DocumentAction::SaveDocumentAs, DocumentAction::DocumentPassword,
-              DocumentAction::RevertDocumentToSaved, DocumentAction::RunPageLayout, DocumentAction::PrintDocument,
+             {DocumentAction::SaveDocument, DocumentAction::SaveDocumentAs,
+              DocumentAction::DocumentPassword, DocumentAction::RevertDocumentToSaved,
+              DocumentAction::RunPageLayout, DocumentAction::PrintDocument,
               DocumentAction::LockDocument}) {
             marks += document.validateUserInterfaceItem(action) ? u'+' : u'-';
         }
@@ -252,17 +256,20 @@ void TestDocumentState::lockingAsksAndLocksOnALaterTurn()
     ScriptedWindow &window = windowed.outlets->window;
     document.submitPasswordToDecrypt(password);
     document.lockDocument();
-    QCOMPARE(window.alerts.last(),
-             (NSAlert {u"Lock Document back to the crypted state?"_s,
-                       u"To browse the document data again you will need to re-insert the master password"_s,
-                       {u"OK"_s, u"Cancel"_s}}));
+    QCOMPARE(
+        window.alerts.last(),
+        (NSAlert {
+            u"Lock Document back to the crypted state?"_s,
+            u"To browse the document data again you will need to re-insert the master password"_s,
+            {u"OK"_s, u"Cancel"_s}}));
     window.answer(AlertAnswer::Second);
     world.queue.runAll();
     QVERIFY(!document.isEncrypted());
     document.updateChangeCount(NSDocumentChangeType::Done);
     document.lockDocument();
     QCOMPARE(window.alerts.last().informativeText,
-             u"Before locking the document you need to save it on disk.\nTo browse the document data again you will "
+             u"Before locking the document you need to save it on disk.\nTo browse the document "
+             u"data again you will "
              "need to re-insert the master password"_s);
     window.currentFrame = {10, 20, 800, 500.7};
     windowed.outlets->toolbar.visible = true;
@@ -273,7 +280,8 @@ void TestDocumentState::lockingAsksAndLocksOnALaterTurn()
     QCOMPARE(window.frames.last(), (NSRect {10, 20 + 320, 420, 180}));
     QCOMPARE(document.myWinRectToUse(), (NSRect {10, 20, 800, 500.7}));
     QVERIFY(!windowed.outlets->toolbar.visible && document.makeToolbarVisibleAtDecrypt());
-    QVERIFY2(windowed.outlets->toolbar.autosaves && world.fontManager.enabled, "a lock leaves both as they are");
+    QVERIFY2(windowed.outlets->toolbar.autosaves && world.fontManager.enabled,
+             "a lock leaves both as they are");
     QCOMPARE(world.files.replaces, 0);
 }
 
@@ -287,7 +295,8 @@ void TestDocumentState::aDocumentOfThisRunComesBackSmallAfterALock()
     windowed.document->doLockDocument();
     windowed.document->submitPasswordToDecrypt(password);
     QVERIFY(!windowed.document->isEncrypted());
-    QCOMPARE(windowed.outlets->window.currentFrame.height, windowed.outlets->window.minimumSize.height);
+    QCOMPARE(windowed.outlets->window.currentFrame.height,
+             windowed.outlets->window.minimumSize.height);
     QCOMPARE(windowed.document->myTextViewData(), std::optional(QByteArray("text")));
 }
 
@@ -334,7 +343,8 @@ void TestDocumentState::anEditedDocumentAsksBeforeItCloses()
     windowed.outlets->textView.type("edited");
     windowed.document->textDidChange();
     windowed.document->performClose();
-    QCOMPARE(windowed.outlets->window.alerts.last().buttons, QStringList({u"Save"_s, u"Don't Save"_s, u"Cancel"_s}));
+    QCOMPARE(windowed.outlets->window.alerts.last().buttons,
+             QStringList({u"Save"_s, u"Don't Save"_s, u"Cancel"_s}));
     windowed.outlets->window.answer(answer);
     world.queue.runAll();
     QTEST(windowed.document->isClosed(), "isClosed");
@@ -351,9 +361,11 @@ void TestDocumentState::aNewerFileIsRefusedWithItsOwnAlert()
     QVERIFY(document.makeToolbarVisibleAtDecrypt() && !document.isEncrypted());
     QCOMPARE(document.releaseToDecryptDoc(), 0);
     QCOMPARE(world.alerts.shown.size(), 1);
-    QCOMPARE(world.alerts.shown.first().messageText,
-             u"The document you requested to open was created with a more recent version of this application"_s);
-    QCOMPARE(world.alerts.shown.first().buttons, QStringList({u"Go to Download Last Version"_s, u"Cancel"_s}));
+    QCOMPARE(
+        world.alerts.shown.first().messageText,
+        u"The document you requested to open was created with a more recent version of this application"_s);
+    QCOMPARE(world.alerts.shown.first().buttons,
+             QStringList({u"Go to Download Last Version"_s, u"Cancel"_s}));
     world.alerts.answer(AlertAnswer::First);
     QCOMPARE(world.workspace.opened.size(), 1);
 }

@@ -7,12 +7,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString notice = u"This password will be used when saving this document.\nData will be stored on disk encrypted "
-                       "using a secure algorithm.\n\nNext time, to open this document, this password will be "
-                       "required.\nStore your password in a safe place.\nThere is no way, even for %1, to open the "
-                       "document and decrypt the data without the right password."_s;
+const QString notice =
+    u"This password will be used when saving this document.\nData will be stored on disk encrypted "
+    "using a secure algorithm.\n\nNext time, to open this document, this password will be "
+    "required.\nStore your password in a safe place.\nThere is no way, even for %1, to open the "
+    "document and decrypt the data without the right password."_s;
 
-void fill(MyDocument &document, const QString &inserted, const QString &retype, const QString &previous = u""_s)
+void fill(MyDocument &document, const QString &inserted, const QString &retype,
+          const QString &previous = u""_s)
 {
     document.setPlainPasswordPrevious(previous);
     document.setPlainPasswordInserted(inserted);
@@ -81,14 +83,20 @@ void TestPasswordSheets::theMandatorySheetTellsWhatIsWrong_data()
     const QString unequal = u"Password inserted in the two fields doesn't match"_s;
     const QString unequalWhy = u"You must insert exactly the same password in the two fields."_s;
     const QString tooShort = u"Password too short"_s;
-    const QString tooShortWhy = u"You have to use a password which is at least six character long."_s;
+    const QString tooShortWhy =
+        u"You have to use a password which is at least six character long."_s;
     using Text = std::optional<QString>;
-    QTest::newRow("five units are too few") << Text(u"abcde"_s) << Text(u"abcde"_s) << tooShort << tooShortWhy;
-    QTest::newRow("two empty fields are too short") << Text(u""_s) << Text(u""_s) << tooShort << tooShortWhy;
+    QTest::newRow("five units are too few")
+        << Text(u"abcde"_s) << Text(u"abcde"_s) << tooShort << tooShortWhy;
+    QTest::newRow("two empty fields are too short")
+        << Text(u""_s) << Text(u""_s) << tooShort << tooShortWhy;
     QTest::newRow("case counts") << Text(u"secret"_s) << Text(u"Secret"_s) << unequal << unequalWhy;
-    QTest::newRow("nothing is trimmed") << Text(u"secret"_s) << Text(u"secret "_s) << unequal << unequalWhy;
-    QTest::newRow("nothing is normalised") << Text(u"caf\u00e9--"_s) << Text(u"cafe\u0301--"_s) << unequal << unequalWhy;
-    QTest::newRow("unequal goes before too short") << Text(u"a"_s) << Text(u"b"_s) << unequal << unequalWhy;
+    QTest::newRow("nothing is trimmed")
+        << Text(u"secret"_s) << Text(u"secret "_s) << unequal << unequalWhy;
+    QTest::newRow("nothing is normalised")
+        << Text(u"caf\u00e9--"_s) << Text(u"cafe\u0301--"_s) << unequal << unequalWhy;
+    QTest::newRow("unequal goes before too short")
+        << Text(u"a"_s) << Text(u"b"_s) << unequal << unequalWhy;
     QTest::newRow("absent fields equal nothing") << Text() << Text() << unequal << unequalWhy;
 }
 
@@ -149,7 +157,9 @@ void TestPasswordSheets::theMandatorySheetAccepts()
     QVERIFY(fresh.document->isDocumentEdited());
     world.queue.runAll();
     QCOMPARE(fresh.outlets->window.alerts,
-             QList<NSAlert>({{u"Password accepted"_s, notice.arg(u"the developers of this application"_s), {u"OK"_s}}}));
+             QList<NSAlert>({{u"Password accepted"_s,
+                              notice.arg(u"the developers of this application"_s),
+                              {u"OK"_s}}}));
     QCOMPARE(fresh.document->plainPassword(), password);
     QCOMPARE(fresh.document->plainPasswordInserted(), std::optional(QString(u""_s)));
     QCOMPARE(fresh.document->plainPasswordInsertedRetype(), std::optional(QString(u""_s)));
@@ -184,15 +194,19 @@ void TestPasswordSheets::theChangeSheetTellsTheFirstThingThatIsWrong_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("information");
     const QString none = u"No changes were applied"_s;
-    const QString old = u"Password inserted in the 'Old Master Password' field must be equal to the password "
-                        "previously used to protect this document."_s;
-    QTest::newRow("the old password before all else") << u"wrong"_s << u"a"_s << u"b"_s << old << none;
+    const QString old =
+        u"Password inserted in the 'Old Master Password' field must be equal to the password "
+        "previously used to protect this document."_s;
+    QTest::newRow("the old password before all else")
+        << u"wrong"_s << u"a"_s << u"b"_s << old << none;
     QTest::newRow("then the repeat")
-        << u"password"_s << u"a"_s << u"b"_s << u"Passwords inserted in the two fields doesn't match"_s
+        << u"password"_s << u"a"_s << u"b"_s
+        << u"Passwords inserted in the two fields doesn't match"_s
         << u"You must insert exactly the same password in the two 'New Password' fields. No changes were applied"_s;
     QTest::newRow("then the length")
         << u"password"_s << u"abcde"_s << u"abcde"_s
-        << u"Password Too Short. You have to use a password which is at least six character long."_s << none;
+        << u"Password Too Short. You have to use a password which is at least six character long."_s
+        << none;
 }
 
 void TestPasswordSheets::theChangeSheetTellsTheFirstThingThatIsWrong()
@@ -213,7 +227,8 @@ void TestPasswordSheets::theChangeSheetTellsTheFirstThingThatIsWrong()
     windowed.document->confirmChangePasswordSheet();
     QVERIFY2(!windowed.outlets->changeSheet.isUp(), "the sheet is gone before any test");
     world.queue.runAll();
-    QCOMPARE(windowed.outlets->window.alerts, QList<NSAlert>({{message, information, {u"Retry"_s, u"Cancel"_s}}}));
+    QCOMPARE(windowed.outlets->window.alerts,
+             QList<NSAlert>({{message, information, {u"Retry"_s, u"Cancel"_s}}}));
     QVERIFY(!windowed.document->isDocumentEdited());
     windowed.outlets->window.answer(AlertAnswer::First);
     QCOMPARE(windowed.outlets->changeSheet.begun, 1);
@@ -242,7 +257,8 @@ void TestPasswordSheets::theChangeSheetChanges()
     QCOMPARE(windowed.document->plainPasswordPrevious(), std::optional(QString(u""_s)));
     QVERIFY(windowed.document->isDocumentEdited());
     windowed.document->saveDocument();
-    for (const auto &[password, opens] : {std::pair(u"another"_s, true), std::pair(u"password"_s, false)}) {
+    for (const auto &[password, opens] :
+         {std::pair(u"another"_s, true), std::pair(u"password"_s, false)}) {
         MyDocument reopened(world.surroundings());
         QVERIFY(reopened.readFromData(world.files.files.first()));
         reopened.setPlainPassword(password);
@@ -274,7 +290,8 @@ void TestPasswordSheets::theInsertSheetSetsAPasswordAndRetriesWithTheChangeSheet
     fill(*windowed.document, u"password"_s, u"password"_s, u"left alone"_s);
     windowed.document->confirmInsertPasswordSheet();
     world.queue.runAll();
-    QCOMPARE(window.alerts.last(), (NSAlert {u"Password accepted"_s, notice.arg(u"Orbelt"_s), {u"OK"_s}}));
+    QCOMPARE(window.alerts.last(),
+             (NSAlert {u"Password accepted"_s, notice.arg(u"Orbelt"_s), {u"OK"_s}}));
     QCOMPARE(windowed.document->plainPassword(), u"password"_s);
     QCOMPARE(windowed.document->plainPasswordPrevious(), std::optional(QString(u"left alone"_s)));
     QVERIFY(windowed.document->isDocumentEdited());

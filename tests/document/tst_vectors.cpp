@@ -39,10 +39,12 @@ Vector readVector(const QString &path)
     if (!source.open(QIODevice::ReadOnly)) {
         return vector;
     }
-    for (QByteArray line = source.readLine(); line != "\n" && !line.isEmpty(); line = source.readLine()) {
+    for (QByteArray line = source.readLine(); line != "\n" && !line.isEmpty();
+         line = source.readLine()) {
         const qsizetype colon = line.indexOf(':');
         const qsizetype value = line.at(colon + 1) == ' ' ? colon + 2 : colon + 1;
-        vector.header.insert(QString::fromLatin1(line.left(colon)), unescaped(line.mid(value).chopped(1)));
+        vector.header.insert(QString::fromLatin1(line.left(colon)),
+                             unescaped(line.mid(value).chopped(1)));
     }
     vector.file = source.readAll();
     return vector;
@@ -97,8 +99,8 @@ void TestVectors::aFileMadeElsewhereComesToWhatItShould()
             QCOMPARE(QString::fromLatin1(document.myCrMAC().value_or(QByteArray()).toHex()),
                      vector.header.value(u"mac"_s));
         }
-        const QByteArray sha1
-            = QCryptographicHash::hash(document.myTextViewData().value_or(QByteArray()), QCryptographicHash::Sha1);
+        const QByteArray sha1 = QCryptographicHash::hash(
+            document.myTextViewData().value_or(QByteArray()), QCryptographicHash::Sha1);
         QCOMPARE(QString::fromLatin1(sha1.toHex()), vector.header.value(u"body-sha1"_s));
         // What was opened is saved in the current version and opens again.
         MyDocument again(world.surroundings());

@@ -27,7 +27,8 @@ int write(const QStringList &arguments)
     if (!password || !body || !note) {
         return 2;
     }
-    const QByteArray file = fileOf(world, *body, QString::fromUtf8(*password), QString::fromUtf8(*note));
+    const QByteArray file =
+        fileOf(world, *body, QString::fromUtf8(*password), QString::fromUtf8(*note));
     return PosixFileStore().replace(arguments[0], file) ? 5 : 0;
 }
 

@@ -24,9 +24,10 @@ struct Launch
 
     World world;
     FakeTimers timers;
-    NSDocumentController documents {
-        world.surroundings().machinery, world.alerts, documentExtension,
-        [this] { return std::make_unique<MyDocument>(world.surroundings()); }};
+    NSDocumentController documents {world.surroundings().machinery, world.alerts, documentExtension,
+                                    [this] {
+                                        return std::make_unique<MyDocument>(world.surroundings());
+                                    }};
     MyAppDelegate delegate {world.defaults, documents, timers};
 };
 
@@ -55,9 +56,10 @@ void TestLaunch::releaseNumbersHaveADisplayForm_data()
 {
     QTest::addColumn<qint64>("release");
     QTest::addColumn<QString>("display");
-    const std::pair<qint64, QString> rows[]
-        = {{20601, u"2.6.1"_s}, {20600, u"2.6"_s},  {20000, u"2.0"_s},    {21012, u"2.10.12"_s}, {120601, u"12.6.1"_s},
-           {1234, u"1.2.34"_s}, {1201, u"1.2.01"_s}, {1200, u"1.2.00"_s}, {999, u""_s},           {0, u""_s}};
+    const std::pair<qint64, QString> rows[] = {
+        {20601, u"2.6.1"_s},   {20600, u"2.6"_s},   {20000, u"2.0"_s},   {21012, u"2.10.12"_s},
+        {120601, u"12.6.1"_s}, {1234, u"1.2.34"_s}, {1201, u"1.2.01"_s}, {1200, u"1.2.00"_s},
+        {999, u""_s},          {0, u""_s}};
     for (const auto &[release, display] : rows) {
         QTest::addRow("%lld", release) << release << display;
     }
@@ -151,10 +153,11 @@ void TestLaunch::aFileThatIsOpenIsBroughtForwardByAnyOfItsPaths()
         QVERIFY(!wasOpen);
     });
     for (const QString &again : {path, link, folder.filePath(u"./a.quorvane"_s)}) {
-        launch.documents.openDocumentWithContentsOfURL(again, [&](NSDocument *document, bool wasOpen) {
-            QCOMPARE(document, opened);
-            QVERIFY(wasOpen);
-        });
+        launch.documents.openDocumentWithContentsOfURL(again,
+                                                       [&](NSDocument *document, bool wasOpen) {
+                                                           QCOMPARE(document, opened);
+                                                           QVERIFY(wasOpen);
+                                                       });
     }
     QCOMPARE(launch.documents.documents().size(), std::size_t(1));
 }
@@ -177,10 +180,11 @@ void TestLaunch::aFileThatDoesNotOpenIsToldWithItsName()
         launch.world.files.files.insert(u"/documents/b.quorvane"_s, content);
     }
     bool isTold = false;
-    launch.documents.openDocumentWithContentsOfURL(u"/documents/b.quorvane"_s, [&](NSDocument *document, bool) {
-        QVERIFY(!document);
-        isTold = true;
-    });
+    launch.documents.openDocumentWithContentsOfURL(u"/documents/b.quorvane"_s,
+                                                   [&](NSDocument *document, bool) {
+                                                       QVERIFY(!document);
+                                                       isTold = true;
+                                                   });
     QVERIFY(isTold && launch.documents.documents().empty());
     QCOMPARE(launch.world.alerts.shown.size(), 1);
     QCOMPARE(launch.world.alerts.shown.first().messageText, u"“b.quorvane” could not be opened."_s);
@@ -200,16 +204,17 @@ void TestLaunch::quittingReviewsTheEditedDocuments()
     Launch launch(0);
     World &world = launch.world;
     QList<Outlets *> outlets;
-    NSDocumentController documents(world.surroundings().machinery, world.alerts, documentExtension, [&] {
-        MyDocumentSurroundings surroundings = world.surroundings();
-        surroundings.loadNib = [&](MyDocument &made) {
-            auto controller = std::make_unique<Outlets>(world.queue);
-            controller->connectTo(made);
-            outlets << controller.get();
-            return controller;
-        };
-        return std::make_unique<MyDocument>(surroundings);
-    });
+    NSDocumentController documents(world.surroundings().machinery, world.alerts, documentExtension,
+                                   [&] {
+                                       MyDocumentSurroundings surroundings = world.surroundings();
+                                       surroundings.loadNib = [&](MyDocument &made) {
+                                           auto controller = std::make_unique<Outlets>(world.queue);
+                                           controller->connectTo(made);
+                                           outlets << controller.get();
+                                           return controller;
+                                       };
+                                       return std::make_unique<MyDocument>(surroundings);
+                                   });
     // One locked while edited, one untouched, one edited.
     for (int i = 0; i < 3; ++i) {
         documents.newDocument();

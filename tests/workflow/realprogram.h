@@ -35,7 +35,11 @@ class RealProgram final
 {
 public:
     RealProgram() { m_defaults.registerDefaults(settings::registeredDefaults()); }
-    ~RealProgram() { documents.closeAllDocuments([](bool) { }); }
+
+    ~RealProgram()
+    {
+        documents.closeAllDocuments([](bool) {});
+    }
 
     /// The newest document's parts; null while there is no document.
     MyDocument *document() const
@@ -43,7 +47,9 @@ public:
         const std::vector<NSDocument *> open = documents.documents();
         return open.empty() ? nullptr : static_cast<MyDocument *>(open.back());
     }
+
     DocumentWindow &window() const { return *m_windows.last(); }
+
     TextEditor &editor() const { return window().editor(); }
 
     /// The dialog that is up: a sheet, an alert, or null.
@@ -57,6 +63,7 @@ public:
         }
         return nullptr;
     }
+
     /// All words of the dialog that is up.
     static QString dialogText()
     {
@@ -69,6 +76,7 @@ public:
         }
         return texts.join(u'\n');
     }
+
     /// The visible field of that name; null where there is none.
     static QLineEdit *field(const QWidget &root, const QString &name)
     {
@@ -80,6 +88,7 @@ public:
         }
         return nullptr;
     }
+
     /// Types into the field of that name, in place of what it holds.
     static bool type(const QWidget &root, const QString &name, const QString &text)
     {
@@ -91,6 +100,7 @@ public:
         }
         return typed;
     }
+
     /// Presses the button of the dialog that is up.
     static bool press(const QString &button)
     {
@@ -104,6 +114,7 @@ public:
         }
         return false;
     }
+
     /// The menu item of that title, whatever its menu.
     QAction *menuItem(const QString &title) const
     {
@@ -128,6 +139,7 @@ private:
             [this](MyDocument &made) { return loadNib(made); },
         });
     }
+
     std::unique_ptr<NSWindowController> loadNib(MyDocument &made)
     {
         const auto adapt = [this](QWidget &widget, const WindowEvents &events) {
@@ -152,8 +164,9 @@ private:
 public:
     FailingFileStore files;
     ScriptedPanels panels;
-    NSDocumentController documents {
-        {m_queue, files, panels}, m_alerts, documentExtension, [this] { return makeDocument(); }};
+    NSDocumentController documents {{m_queue, files, panels}, m_alerts, documentExtension, [this] {
+                                        return makeDocument();
+                                    }};
 };
 
 } // namespace quorvane

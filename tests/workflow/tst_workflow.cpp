@@ -1,7 +1,6 @@
-#include "workflow/realprogram.h"
-
 #include "document/documentfile.h"
 #include "editor/formattoolbar.h"
+#include "workflow/realprogram.h"
 
 #include <QTextBlock>
 
@@ -43,9 +42,11 @@ bool TestWorkflow::protect(RealProgram &program)
     return QTest::qWaitFor([] { return RealProgram::dialog() != nullptr; })
         && RealProgram::type(*RealProgram::dialog(), u"Password"_s, password)
         && RealProgram::type(*RealProgram::dialog(), u"Retype Password"_s, password)
-        && RealProgram::press(u"Set Password"_s)
-        && QTest::qWaitFor([] { return RealProgram::dialogText().contains(u"Password accepted"_s); })
-        && RealProgram::press(u"OK"_s) && QTest::qWaitFor([] { return RealProgram::dialog() == nullptr; });
+        && RealProgram::press(u"Set Password"_s) && QTest::qWaitFor([] {
+               return RealProgram::dialogText().contains(u"Password accepted"_s);
+           })
+        && RealProgram::press(u"OK"_s)
+        && QTest::qWaitFor([] { return RealProgram::dialog() == nullptr; });
 }
 
 bool TestWorkflow::unlock(RealProgram &program, const QString &with)
@@ -66,7 +67,8 @@ QByteArray TestWorkflow::savedFile(const QByteArray &body, bool isEditable)
     QtFontManager fonts;
     QtModalAlerts alerts(queue);
     RecordingWorkspace workspace;
-    MyDocument document({{queue, maker.files, maker.panels}, defaults, fonts, alerts, workspace, {}});
+    MyDocument document(
+        {{queue, maker.files, maker.panels}, defaults, fonts, alerts, workspace, {}});
     document.setPlainPassword(password);
     document.setMyTextViewData(body);
     document.setMyIsEditable(isEditable);
@@ -118,11 +120,14 @@ void TestWorkflow::theMandatorySheetLeadsWhereItsTableSays_data()
     QTest::addColumn<QString>("state");
     const QString accept = u"Set Password"_s;
     QTest::newRow("unequal: told, and asked again")
-        << u"abcdef"_s << u"abcdeg"_s << accept << u"Password inserted in the two fields doesn't match"_s << u"asking"_s;
+        << u"abcdef"_s << u"abcdeg"_s << accept
+        << u"Password inserted in the two fields doesn't match"_s << u"asking"_s;
     QTest::newRow("too short: told, and asked again")
         << u"abcde"_s << u"abcde"_s << accept << u"Password too short"_s << u"asking"_s;
-    QTest::newRow("good: told, and open") << u"abcdef"_s << u"abcdef"_s << accept << u"Password accepted"_s << u"open"_s;
-    QTest::newRow("declined: closed") << u"abcdef"_s << u"abcdef"_s << u"Close Document"_s << u""_s << u"closed"_s;
+    QTest::newRow("good: told, and open")
+        << u"abcdef"_s << u"abcdef"_s << accept << u"Password accepted"_s << u"open"_s;
+    QTest::newRow("declined: closed")
+        << u"abcdef"_s << u"abcdef"_s << u"Close Document"_s << u""_s << u"closed"_s;
 }
 
 void TestWorkflow::theMandatorySheetLeadsWhereItsTableSays()
@@ -177,8 +182,9 @@ void TestWorkflow::aLockedWindowShowsNoWordAndOffersNothing()
     for (const QTextEdit *edit : edits) {
         QVERIFY(!edit->toPlainText().contains(u"secret"_s));
     }
-    for (const QString &title : {u"Save"_s, u"Save As…"_s, u"Document Password…"_s, u"Lock Document…"_s, u"Undo"_s,
-                                 u"Copy"_s, u"Paste"_s, u"Select All"_s, u"Bold"_s}) {
+    for (const QString &title :
+         {u"Save"_s, u"Save As…"_s, u"Document Password…"_s, u"Lock Document…"_s, u"Undo"_s,
+          u"Copy"_s, u"Paste"_s, u"Select All"_s, u"Bold"_s}) {
         QVERIFY2(!program.menuItem(title)->isEnabled(), qPrintable(title));
     }
     QVERIFY(program.menuItem(u"Open…"_s)->isEnabled());
@@ -283,7 +289,8 @@ void TestWorkflow::aReadOnlyDocumentCannotBeTypedInto()
     QVERIFY(unlock(program, password));
     QTest::keyClicks(&program.editor(), u"more"_s);
     QCOMPARE(program.editor().toPlainText(), u"text"_s);
-    QVERIFY(!program.menuItem(u"Paste"_s)->isEnabled() && !program.menuItem(u"Bold"_s)->isEnabled());
+    QVERIFY(!program.menuItem(u"Paste"_s)->isEnabled()
+            && !program.menuItem(u"Bold"_s)->isEnabled());
     QVERIFY(program.menuItem(u"Select All"_s)->isEnabled());
 }
 
