@@ -78,10 +78,10 @@ private:
         bool operator==(const Unknown &) const = default;
     };
 
+    // The dictionary is shared by the copies of this immutable value.
     std::variant<std::monostate, Unknown, NSNumber, QString, QByteArray, NSDate,
-                 std::shared_ptr<const NSDictionary>> // shared by the copies of this immutable
-                                                      // value
-                                                          m_value;
+                 std::shared_ptr<const NSDictionary>>
+        m_value;
 };
 
 } // namespace quorvane
