@@ -112,6 +112,9 @@ QStringList filesOfCommandLine(const QCoreApplication &application)
 
 int runWindowProgram(int argc, char **argv)
 {
+    // The menu bar lives in its window: the desktop's own one is reached over the session bus, for
+    // which every start would wait.
+    QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"quorvane"_s);
     QApplication::setApplicationDisplayName(productName);

@@ -1,6 +1,7 @@
 #include "crypto/qvcommoncrypto.h"
 
 #include "crypto/randominrange.h"
+#include "platform/largebuffer.h"
 
 #include <openssl/evp.h>
 #include <openssl/rand.h>
@@ -76,7 +77,7 @@ std::optional<QByteArray> roomFor(qsizetype length)
         return std::nullopt;
     }
     try {
-        return QByteArray(length, Qt::Uninitialized);
+        return largeBuffer(length);
     } catch (const std::bad_alloc &) {
         return std::nullopt;
     }

@@ -14,16 +14,43 @@ namespace quorvane {
 
 namespace {
 
+// Letters of our own, on a square of 16 units: a font would have to be loaded for each of the
+// styles before the first window shows.
 void drawLetter(QPainter &painter, const QRectF &rect, Glyph glyph)
 {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(qRound(rect.height() * 0.82));
-    font.setBold(glyph == Glyph::Bold);
-    font.setItalic(glyph == Glyph::Italic);
-    font.setUnderline(glyph == Glyph::Underline);
-    const QString letter = glyph == Glyph::Bold ? u"B"_s : glyph == Glyph::Italic ? u"I"_s : u"U"_s;
-    painter.setFont(font);
-    painter.drawText(rect, Qt::AlignCenter, letter);
+    const double unit = rect.height() / 16;
+    painter.translate(rect.center().x() - 8 * unit, rect.top());
+    painter.scale(unit, unit);
+    QPainterPath letter;
+    double width = 1.5;
+    if (glyph == Glyph::Bold) {
+        width = 2.3;
+        letter.moveTo(5, 3.2);
+        letter.lineTo(8.3, 3.2);
+        letter.arcTo(QRectF(6, 3.2, 4.6, 4.6), 90, -180);
+        letter.lineTo(5, 7.8);
+        letter.moveTo(8.3, 7.8);
+        letter.arcTo(QRectF(6, 7.8, 5.4, 5), 90, -180);
+        letter.lineTo(5, 12.8);
+        letter.closeSubpath();
+        letter.moveTo(5, 3.2);
+        letter.lineTo(5, 12.8);
+    } else if (glyph == Glyph::Italic) {
+        letter.moveTo(7.6, 3.2);
+        letter.lineTo(11.6, 3.2);
+        letter.moveTo(4.4, 12.8);
+        letter.lineTo(8.4, 12.8);
+        letter.moveTo(9.6, 3.2);
+        letter.lineTo(6.4, 12.8);
+    } else {
+        letter.moveTo(4.6, 2.6);
+        letter.lineTo(4.6, 7.6);
+        letter.arcTo(QRectF(4.6, 4.2, 6.8, 6.8), 180, 180);
+        letter.lineTo(11.4, 2.6);
+        letter.moveTo(3.6, 13.6);
+        letter.lineTo(12.4, 13.6);
+    }
+    painter.strokePath(letter, QPen(painter.pen().color(), width, Qt::SolidLine, Qt::FlatCap));
 }
 
 void drawPadlock(QPainter &painter, const QRectF &rect, bool isOpen)

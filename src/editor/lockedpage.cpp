@@ -195,7 +195,22 @@ void LockedPage::setPublicNote(const QString &note)
 
 void LockedPage::setNoteFont(const QFont &font)
 {
-    m_note->document()->setDefaultFont(font);
+    m_noteFont = font;
+    applyNoteFont();
+}
+
+// Not before the note is seen: a new document would pay for the font of a page that it never shows.
+void LockedPage::applyNoteFont()
+{
+    if (isVisible()) {
+        m_note->document()->setDefaultFont(m_noteFont);
+    }
+}
+
+void LockedPage::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    applyNoteFont();
 }
 
 void LockedPage::focusPassword()

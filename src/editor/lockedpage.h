@@ -2,6 +2,7 @@
 
 #include "platform/nswindow.h"
 
+#include <QFont>
 #include <QWidget>
 
 #include <memory>
@@ -37,6 +38,9 @@ signals:
     /// Return in the field, or the button; an empty password too.
     void passwordSubmitted(const QString &password);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     class Field;
     class Indicator;
@@ -44,7 +48,9 @@ private:
     QWidget *newHeader();
     QWidget *newPasswordRow();
     void submit();
+    void applyNoteFont();
 
+    QFont m_noteFont;
     QLabel *m_name = nullptr;
     QPlainTextEdit *m_note = nullptr;
     QLabel *m_noNote = nullptr;

@@ -10,6 +10,13 @@ namespace quorvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString nothingIsLost =
+    u"\n\nNothing is lost: the document stays open as it is, and the file on disk has not been changed."_s;
+
+} // namespace
+
 NSDocument::NSDocument(const DocumentSurroundings &surroundings, QString extension)
     : m_surroundings(surroundings)
     , m_extension(std::move(extension))
@@ -125,16 +132,19 @@ void NSDocument::saveToPanelPath(std::function<void(bool saved)> done)
 bool NSDocument::writeTo(const QString &path)
 {
     if (const std::optional<QString> reason = reasonNotToWrite()) {
-        tellNotSaved(path, *reason);
+        tellNotSaved(path, *reason + nothingIsLost);
         return false;
     }
     const std::optional<QByteArray> data = dataOfType();
     if (!data) {
-        tellNotSaved(path, u"Its content could not be encrypted."_s);
+        tellNotSaved(path, u"Its content could not be encrypted."_s + nothingIsLost);
         return false;
     }
     if (const std::optional<FileError> error = m_surroundings.files.replace(path, *data)) {
-        tellNotSaved(path, error->reason());
+        if (error->isInPlace()) {
+            setFileURL(path); // It stays marked edited, so that it is saved once more.
+        }
+        tellNotSaved(path, error->isInPlace() ? error->reason() : error->reason() + nothingIsLost);
         return false;
     }
     setFileURL(path);
@@ -149,11 +159,7 @@ void NSDocument::tellNotSaved(const QString &path, const QString &reason)
         return;
     }
     const NSAlert alert {
-        u"“%1” could not be saved."_s.arg(QFileInfo(path).fileName()),
-        reason
-            + u"\n\nNothing is lost: the document stays open as it is, and the file on disk has not been changed."_s,
-        {u"OK"_s},
-    };
+        u"“%1” could not be saved."_s.arg(QFileInfo(path).fileName()), reason, {u"OK"_s}};
     window->beginAlert(alert, [](AlertAnswer) {});
 }
 

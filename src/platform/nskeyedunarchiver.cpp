@@ -1,9 +1,11 @@
+#include "platform/largebuffer.h"
 #include "platform/nskeyedarchiver.h"
 #include "platform/propertylist.h"
 #include "platform/utf8.h"
 
 #include <QLatin1StringView>
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -12,6 +14,13 @@ namespace quorvane {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+QByteArray copyOf(QByteArrayView bytes)
+{
+    QByteArray copy = largeBuffer(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), copy.begin());
+    return copy;
+}
 
 using Kind = PropertyList::Kind;
 using Value = PropertyList::Value;
@@ -194,7 +203,7 @@ std::optional<NSObject> Unarchiver::plainObject(const Value &value)
     case Kind::Date:
         return NSObject(*value.date());
     case Kind::Data:
-        return m_memory.take(value.count()) ? std::optional(NSObject(value.data()->toByteArray()))
+        return m_memory.take(value.count()) ? std::optional(NSObject(copyOf(*value.data())))
                                             : std::nullopt;
     case Kind::String: {
         std::optional<QString> string;

@@ -1,5 +1,6 @@
 #include "platform/posixfilestore.h"
 
+#include "platform/largebuffer.h"
 #include "platform/posixreplacement.h"
 
 #include <QFile>
@@ -75,7 +76,7 @@ FileStore::ReadResult PosixFileStore::read(const QString &path)
     if (before.st_size > m_largest) {
         return failure(EFBIG, filestep::openingFile);
     }
-    QByteArray data(before.st_size + 1, Qt::Uninitialized);
+    QByteArray data = largeBuffer(before.st_size + 1);
     const qint64 count = readAll(file.get(), data);
     struct stat after = {};
     if (count < 0 || ::fstat(file.get(), &after) != 0) {

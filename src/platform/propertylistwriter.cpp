@@ -1,5 +1,7 @@
 #include "platform/propertylistwriter.h"
 
+#include "platform/largebuffer.h"
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -188,7 +190,7 @@ QByteArray PropertyListWriter::data(Reference top) const
     const unsigned offsetWidth = widthOf(lastOffset);
     const quint64 size = offsetTable + m_objects.size() * offsetWidth + trailerSize;
 
-    QByteArray result(static_cast<qsizetype>(size), Qt::Uninitialized);
+    QByteArray result = largeBuffer(static_cast<qsizetype>(size));
     char *target = result.data();
     Sink sink(target, referenceWidth);
     Sink offsets(target + offsetTable, referenceWidth);

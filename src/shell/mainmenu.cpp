@@ -3,6 +3,7 @@
 #include "document/mydocument.h"
 #include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
+#include "editor/glyphicon.h"
 #include "editor/texteditor.h"
 #include "platform/nsdocumentcontroller.h"
 #include "product/release.h"
@@ -96,6 +97,9 @@ void MainMenu::buildFileMenu()
     QAction *lock = addDocumentItem(*menu, u"&Lock Document…"_s, DocumentAction::LockDocument,
                                     [](MyDocument &document) { document.lockDocument(); });
     lock->setShortcut(QKeySequence(u"Ctrl+L"_s));
+    lock->setIconText(u"Lock"_s);
+    lock->setIcon(glyphIcon(Glyph::Padlock));
+    lock->setIconVisibleInMenu(false);
     m_window.formatToolbar().addLockAction(lock);
 }
 

@@ -266,6 +266,18 @@ void TestDocumentSaving::aFailedWriteKeepsTheDocumentEditedAndTellsThePath()
     QVERIFY(told.messageText.contains(u"a.quorvane"_s)
             && told.informativeText.contains(u"/documents/"_s));
     windowed.outlets->window.answer(AlertAnswer::First);
+    world.queue.runAll();
+    QVERIFY(told.informativeText.contains(u"has not been changed"_s));
+    // The new file stands, but it is not sure to outlive a power cut: it is to be saved once more.
+    world.files.replaceError =
+        FileError {EIO, filestep::flushingFolder, u"/documents/a.quorvane"_s};
+    windowed.document->setFileURL(u"/documents/a.quorvane"_s);
+    windowed.document->saveDocument();
+    world.queue.runAll();
+    QVERIFY(windowed.document->isDocumentEdited());
+    QVERIFY(!windowed.outlets->window.alerts.last().informativeText.contains(
+        u"has not been changed"_s));
+    windowed.outlets->window.answer(AlertAnswer::First);
     world.files.replaceError.reset();
     windowed.document->setFileURL(u"/documents/a.quorvane"_s);
     windowed.document->saveDocument();
