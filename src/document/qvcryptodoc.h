@@ -99,6 +99,8 @@ private:
     void passwordNotEqualSheet(NSWindow *window);
     void passwordMustBe6CharLong(NSWindow *window);
     void passwordMustMatch(NSWindow *window);
+    /// Takes what stands in the two fields as the password, or tells why not.
+    bool takeInsertedPassword(NSWindow *window);
     void retryWithChangeSheet(NSWindow *window, AlertAnswer answer);
     void endInsertPasswordSheet();
     void mandatoryPasswordNonEqual();

@@ -166,21 +166,29 @@ void QVCryptoDoc::confirmChangePasswordSheet()
         passwordMustMatch(window);
         return;
     }
-    if (!areEqual(m_plainPasswordInserted, m_plainPasswordInsertedRetype)) {
-        passwordNotEqualSheet(window);
+    if (!takeInsertedPassword(window)) {
         return;
     }
-    if (!isLongEnough(m_plainPasswordInserted)) {
-        passwordMustBe6CharLong(window);
-        return;
-    }
-    setPlainPassword(*m_plainPasswordInserted);
-    setPlainPasswordInserted(u""_s);
-    setPlainPasswordInsertedRetype(u""_s);
     setPlainPasswordPrevious(u""_s);
     updateChangeCount(NSDocumentChangeType::Done);
     showAlert(window, passwordChanged);
     updateChangeCount(NSDocumentChangeType::Done);
+}
+
+bool QVCryptoDoc::takeInsertedPassword(NSWindow *window)
+{
+    if (!areEqual(m_plainPasswordInserted, m_plainPasswordInsertedRetype)) {
+        passwordNotEqualSheet(window);
+        return false;
+    }
+    if (!isLongEnough(m_plainPasswordInserted)) {
+        passwordMustBe6CharLong(window);
+        return false;
+    }
+    setPlainPassword(*m_plainPasswordInserted);
+    setPlainPasswordInserted(u""_s);
+    setPlainPasswordInsertedRetype(u""_s);
+    return true;
 }
 
 void QVCryptoDoc::cancelChangePasswordSheet()
@@ -216,17 +224,9 @@ void QVCryptoDoc::endInsertPasswordSheet()
         return;
     }
     NSWindow *window = windowForSheet();
-    if (!areEqual(m_plainPasswordInserted, m_plainPasswordInsertedRetype)) {
-        passwordNotEqualSheet(window);
+    if (!takeInsertedPassword(window)) {
         return;
     }
-    if (!isLongEnough(m_plainPasswordInserted)) {
-        passwordMustBe6CharLong(window);
-        return;
-    }
-    setPlainPassword(*m_plainPasswordInserted);
-    setPlainPasswordInserted(u""_s);
-    setPlainPasswordInsertedRetype(u""_s);
     updateChangeCount(NSDocumentChangeType::Done);
     showAlert(window, passwordInserted);
 }

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void theCloseButtonAsksOnlyWhereThereIsSomethingToLose_data();
     void theCloseButtonAsksOnlyWhereThereIsSomethingToLose();
     void aReadOnlyDocumentCannotBeTypedInto();
+    void anEmptyPasswordIsNoTryAndASealedDocumentClosesAtOnce();
+    void theChangeSheetChangesThePasswordFromTheNextSaveOn();
 
 private:
     static bool protect(RealProgram &program);
@@ -293,6 +295,58 @@ void TestWorkflow::aReadOnlyDocumentCannotBeTypedInto()
     QVERIFY(!program.menuItem(u"Paste"_s)->isEnabled()
             && !program.menuItem(u"Bold"_s)->isEnabled());
     QVERIFY(program.menuItem(u"Select All"_s)->isEnabled());
+}
+
+void TestWorkflow::anEmptyPasswordIsNoTryAndASealedDocumentClosesAtOnce()
+{
+    RealProgram program;
+    program.files.files.insert(path, savedFile("text"));
+    program.documents.openDocumentWithContentsOfURL(path);
+    QVERIFY(!unlock(program, u""_s));
+    QCoreApplication::processEvents();
+    QVERIFY(!RealProgram::dialog());
+    QVERIFY(program.document()->plainPassword().isEmpty());
+    QVERIFY(!program.menuItem(u"Save"_s)->isEnabled());
+    program.menuItem(u"Close"_s)->trigger();
+    QTRY_VERIFY(!program.document());
+    QCOMPARE(program.files.replaces, 0);
+}
+
+void TestWorkflow::theChangeSheetChangesThePasswordFromTheNextSaveOn()
+{
+    const QString next = u"battery staple"_s;
+    RealProgram program;
+    program.files.files.insert(path, savedFile("text"));
+    program.documents.openDocumentWithContentsOfURL(path);
+    QVERIFY(unlock(program, password));
+    program.menuItem(u"Document Password…"_s)->trigger();
+    QTRY_VERIFY(RealProgram::dialog());
+    const QDialog &sheet = *RealProgram::dialog();
+    QVERIFY(RealProgram::type(sheet, u"Old Master Password"_s, u"not this"_s));
+    QVERIFY(RealProgram::type(sheet, u"New Password"_s, next));
+    QVERIFY(RealProgram::type(sheet, u"Retype New Password"_s, next));
+    QVERIFY(RealProgram::press(u"Change Password"_s));
+    QTRY_VERIFY(RealProgram::dialogText().contains(u"must be equal to the password previously"_s));
+    QVERIFY(RealProgram::press(u"Retry"_s));
+    QTRY_VERIFY(RealProgram::dialog() && RealProgram::dialog()->findChild<QLineEdit *>());
+    QCOMPARE(RealProgram::field(sheet, u"New Password"_s)->text(), next);
+    QVERIFY(RealProgram::type(sheet, u"Old Master Password"_s, password));
+    QVERIFY(RealProgram::press(u"Change Password"_s));
+    QTRY_VERIFY(RealProgram::dialogText().contains(u"Password changed successfuly"_s));
+    QVERIFY(RealProgram::press(u"OK"_s));
+    QTRY_VERIFY(!RealProgram::dialog());
+    QVERIFY(program.window().isWindowModified());
+    program.menuItem(u"Save"_s)->trigger();
+    QTRY_COMPARE(program.files.replaces, 1);
+    program.document()->close();
+    QTRY_VERIFY(!program.document());
+    program.documents.openDocumentWithContentsOfURL(path);
+    QVERIFY(!unlock(program, password));
+    QTRY_VERIFY(RealProgram::dialogText().contains(u"Wrong Password"_s));
+    RealProgram::press(u"OK"_s);
+    QTRY_VERIFY(!RealProgram::dialog());
+    QVERIFY(unlock(program, next));
+    QCOMPARE(program.editor().toPlainText(), u"text"_s);
 }
 
 QTEST_MAIN(TestWorkflow)
