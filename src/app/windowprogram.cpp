@@ -19,6 +19,7 @@
 #include "shell/myappdelegate.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QCommandLineParser>
 
 namespace quorvane {
@@ -108,6 +109,19 @@ QStringList filesOfCommandLine(const QCoreApplication &application)
     return parser.positionalArguments();
 }
 
+// What was copied from a document may not outlive the program: at the end, clipboard managers would
+// be handed it to keep.
+void clearOwnClipboard()
+{
+    QClipboard *clipboard = QApplication::clipboard();
+    if (clipboard->ownsClipboard()) {
+        clipboard->clear();
+    }
+    if (clipboard->supportsSelection() && clipboard->ownsSelection()) {
+        clipboard->clear(QClipboard::Selection);
+    }
+}
+
 } // namespace
 
 int runWindowProgram(int argc, char **argv)
@@ -122,6 +136,7 @@ int runWindowProgram(int argc, char **argv)
     QApplication::setDesktopFileName(u"quorvane"_s);
     const QStringList files = filesOfCommandLine(application);
     Program program;
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, clearOwnClipboard);
     program.start(files);
     return QApplication::exec();
 }
