@@ -21,6 +21,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QSet>
+
+#include <algorithm>
 
 namespace quorvane {
 
@@ -109,6 +112,14 @@ QStringList filesOfCommandLine(const QCoreApplication &application)
     return parser.positionalArguments();
 }
 
+// Help and version are told where there is no display, too.
+bool asksOnlyForWords(int argc, char **argv)
+{
+    const QSet<QByteArray> words {"-h", "--help", "--help-all", "-v", "--version"};
+    return std::any_of(argv + 1, argv + argc,
+                       [&words](const char *word) { return words.contains(word); });
+}
+
 // What was copied from a document may not outlive the program: at the end, clipboard managers would
 // be handed it to keep.
 void clearOwnClipboard()
@@ -129,10 +140,14 @@ int runWindowProgram(int argc, char **argv)
     // The menu bar lives in its window: the desktop's own one is reached over the session bus, for
     // which every start would wait.
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+    QCoreApplication::setApplicationName(u"quorvane"_s);
+    QCoreApplication::setApplicationVersion(QVAppSupportUtility::calcReleaseString(releaseNumber));
+    if (asksOnlyForWords(argc, argv)) {
+        const QCoreApplication application(argc, argv);
+        filesOfCommandLine(application); // prints them and exits
+    }
     QApplication application(argc, argv);
-    QApplication::setApplicationName(u"quorvane"_s);
     QApplication::setApplicationDisplayName(productName);
-    QApplication::setApplicationVersion(QVAppSupportUtility::calcReleaseString(releaseNumber));
     QApplication::setDesktopFileName(u"quorvane"_s);
     const QStringList files = filesOfCommandLine(application);
     Program program;

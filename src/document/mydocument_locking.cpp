@@ -34,6 +34,9 @@ void MyDocument::doLockDocument()
     m_myWinRectToUse = myWindow ? myWindow->frame() : NSRect();
     encryptData();
     setIsEncrypted(true);
+    // The lock itself writes nothing. What was not saved yet goes to the file in its locked form,
+    // since a try of a password takes the edited mark away and a close asks nothing.
+    later([this] { autosave(); });
     if (!myWindow) {
         return;
     }

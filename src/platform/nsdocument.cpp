@@ -15,6 +15,15 @@ namespace {
 const QString nothingIsLost =
     u"\n\nNothing is lost: the document stays open as it is, and the file on disk has not been changed."_s;
 
+// The folder as the system resolves it: to clean a path by its spelling leads elsewhere where ".."
+// follows a link. The file's own name stays, be it a link or not there yet.
+QString absolutePath(const QString &path)
+{
+    const QFileInfo file(path);
+    const QString folder = QFileInfo(file.path()).canonicalFilePath();
+    return folder.isEmpty() ? file.absoluteFilePath() : QDir(folder).filePath(file.fileName());
+}
+
 } // namespace
 
 NSDocument::NSDocument(const DocumentSurroundings &surroundings, QString extension)
@@ -25,7 +34,7 @@ NSDocument::NSDocument(const DocumentSurroundings &surroundings, QString extensi
 
 void NSDocument::setFileURL(const QString &path)
 {
-    m_fileURL = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    m_fileURL = absolutePath(path);
     updateWindowTitle();
     Q_EMIT fileURLChanged();
 }
@@ -131,6 +140,13 @@ void NSDocument::saveToPanelPath(std::function<void(bool saved)> done)
 
 bool NSDocument::writeTo(const QString &path)
 {
+    if (m_isOpenElsewhere && m_isOpenElsewhere(path)) {
+        tellNotSaved(
+            path,
+            u"It is open in another window. Close it there first, or choose another name."_s
+                + nothingIsLost);
+        return false;
+    }
     if (const std::optional<QString> reason = reasonNotToWrite()) {
         tellNotSaved(path, *reason + nothingIsLost);
         return false;
@@ -150,6 +166,13 @@ bool NSDocument::writeTo(const QString &path)
     setFileURL(path);
     updateChangeCount(NSDocumentChangeType::Cleared);
     return true;
+}
+
+void NSDocument::autosave()
+{
+    if (m_fileURL && isDocumentEdited() && !reasonNotToWrite()) {
+        static_cast<void>(writeTo(*m_fileURL));
+    }
 }
 
 void NSDocument::tellNotSaved(const QString &path, const QString &reason)

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace quorvane {
 
@@ -59,6 +60,12 @@ public:
     /// Saves to the file, or asks for one first; \a done learns whether the document was written.
     void saveDocument(std::function<void(bool saved)> done);
 
+    /// Says whether another document has the file of that path open: then it is not written.
+    void setIsOpenElsewhere(std::function<bool(const QString &path)> isOpen)
+    {
+        m_isOpenElsewhere = std::move(isOpen);
+    }
+
     /// Asks about unsaved changes where there are any. \a shouldClose learns the answer.
     virtual void canCloseDocument(std::function<void(bool should)> shouldClose);
     void performClose(); ///< Closes, after the question of canCloseDocument.
@@ -84,6 +91,8 @@ protected:
     /// To be called whenever isTextEdited may answer otherwise than before.
     void textEditedMayHaveChanged();
 
+    /// Saves an edited document that has a file, without a command. A failure is told of.
+    void autosave();
     /// Runs on a later turn of the main loop, unless the document is gone by then.
     void later(std::function<void()> operation);
 
@@ -95,6 +104,7 @@ private:
 
     DocumentSurroundings m_surroundings;
     QString m_extension;
+    std::function<bool(const QString &path)> m_isOpenElsewhere;
     std::optional<QString> m_fileURL;
     QString m_untitledName;
     int m_changeCount = 0;

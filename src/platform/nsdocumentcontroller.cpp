@@ -44,6 +44,10 @@ void NSDocumentController::add(std::unique_ptr<NSDocument> document)
 {
     NSDocument *added = document.get();
     m_documents.push_back(std::move(document));
+    added->setIsOpenElsewhere([this, added](const QString &path) {
+        const NSDocument *open = documentForPath(path);
+        return open != nullptr && open != added;
+    });
     connect(added, &NSDocument::closed, this, [this, added] { remove(added); });
     added->makeWindowControllers();
     added->showWindows();

@@ -130,6 +130,15 @@ NSSheet *QtWindow::attachedSheet() const
     return m_sheets.attachedSheet();
 }
 
+void QtWindow::settleKey()
+{
+    if (m_sheets.attachedSheet() != nullptr) {
+        m_sheets.putForward();
+    } else if (m_widget.isActiveWindow()) {
+        Q_EMIT becameKey();
+    }
+}
+
 bool QtWindow::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
@@ -137,8 +146,8 @@ bool QtWindow::eventFilter(QObject *watched, QEvent *event)
             Q_EMIT becameKey();
         } else {
             // Window managers give a blocked window the keyboard all the same when it is clicked.
-            QMetaObject::invokeMethod(
-                this, [this] { m_sheets.putForward(); }, Qt::QueuedConnection);
+            // And a sheet that is just going may still be attached.
+            QMetaObject::invokeMethod(this, &QtWindow::settleKey, Qt::QueuedConnection);
         }
     }
     if (event->type() == QEvent::Close && m_closeRequested && !m_isClosing) {

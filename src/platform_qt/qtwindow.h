@@ -50,6 +50,8 @@ Q_SIGNALS:
     void becameKey(); ///< The window has the keyboard, and no sheet has it in its place.
 
 private:
+    void settleKey();
+
     QWidget &m_widget;
     WindowPlacement m_placement;
     SheetQueue m_sheets;

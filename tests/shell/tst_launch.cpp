@@ -5,6 +5,7 @@
 #include "shell/myappdelegate.h"
 #include "support/faketimers.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -46,6 +47,8 @@ private Q_SLOTS:
     void aDocumentThatHasComeByThenWins();
     void anOpeningDocumentHoldsTheFallbackBack();
     void aFileThatIsOpenIsBroughtForwardByAnyOfItsPaths();
+    void aDocumentIsNotSavedOverOneThatIsOpen();
+    void aPathLeadsWhereTheSystemLeadsIt();
     void aFileThatDoesNotOpenIsToldWithItsName_data();
     void aFileThatDoesNotOpenIsToldWithItsName();
     void quittingReviewsTheEditedDocuments_data();
@@ -160,6 +163,38 @@ void TestLaunch::aFileThatIsOpenIsBroughtForwardByAnyOfItsPaths()
                                                        });
     }
     QCOMPARE(launch.documents.documents().size(), std::size_t(1));
+}
+
+void TestLaunch::aDocumentIsNotSavedOverOneThatIsOpen()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a.quorvane"_s);
+    QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+    Launch launch(0);
+    launch.world.files.files = {{path, fileOf(launch.world, "text", u"password"_s)}};
+    launch.documents.openDocumentWithContentsOfURL(path);
+    launch.documents.newDocument();
+    auto *second = static_cast<MyDocument *>(launch.documents.documents().back());
+    second->setPlainPassword(u"password"_s);
+    second->setFileURL(path);
+    bool isSaved = true;
+    second->NSDocument::saveDocument([&isSaved](bool saved) { isSaved = saved; });
+    QVERIFY(!isSaved);
+    QCOMPARE(launch.world.files.replaces, 0);
+}
+
+void TestLaunch::aPathLeadsWhereTheSystemLeadsIt()
+{
+    const QTemporaryDir folder;
+    const QDir root(folder.path());
+    QVERIFY(root.mkpath(u"here"_s) && root.mkpath(u"other/inner"_s));
+    QVERIFY(QFile::link(root.filePath(u"other/inner"_s), root.filePath(u"here/link"_s)));
+    Launch launch(0);
+    launch.documents.newDocument();
+    NSDocument *document = launch.documents.documents().front();
+    document->setFileURL(root.filePath(u"here/link/../a.quorvane"_s));
+    QCOMPARE(document->fileURL(),
+             std::optional(QDir(root.canonicalPath()).filePath(u"other/a.quorvane"_s)));
 }
 
 void TestLaunch::aFileThatDoesNotOpenIsToldWithItsName_data()

@@ -42,6 +42,7 @@ PASSWORD = "correct horse 7"
 PLAIN, BOLD, ITALIC, UNDERLINED, SERIF = "harbour", "lighthouse", "seagull", "breakwater", "lantern"
 WORDS = (PLAIN, BOLD, ITALIC, UNDERLINED, SERIF)
 TEXT = " ".join(WORDS)
+UNSAVED = " foghorn"
 FAMILY, SIZE = "DejaVu Serif", "24"
 
 STATIONS = []
@@ -70,6 +71,7 @@ class Tour:
         self.output = output
         self.document = output / "tour.quorvane"
         self.log = "program.log"
+        self.text = TEXT
         self.editor_size = None
         self.locked_size = None
 
@@ -106,7 +108,7 @@ class Tour:
     def see_the_text(self):
         """The whole text with its styles, in a window as large as before."""
         editor = self.editor()
-        self.screen.wait(f"the text '{TEXT}'", lambda: editor.text.strip() == TEXT)
+        self.screen.wait(f"the text '{self.text}'", lambda: editor.text.strip() == self.text)
         see_the_styles(editor)
 
 
@@ -186,8 +188,8 @@ def it_is_saved_encrypted(tour):
     screen.gone("text", Names.file_name)
     data = tour.document.read_bytes()
     must(data.startswith(b"bplist00"), f"the file begins with {data[:8]}")
-    must(not in_the_clear(data, (*WORDS, PASSWORD)),
-         f"in the clear in the file: {in_the_clear(data, (*WORDS, PASSWORD))}")
+    must(not in_the_clear(data, (*WORDS, UNSAVED.strip(), PASSWORD)),
+         f"in the clear in the file: {in_the_clear(data, (*WORDS, UNSAVED.strip(), PASSWORD))}")
     mode = stat.S_IMODE(tour.document.stat().st_mode)
     must(mode == 0o600, f"the file's mode is {mode:o}")
 
@@ -231,7 +233,12 @@ def the_right_password_brings_the_text_back(tour):
 
 @station("locked")
 def it_is_locked_by_command(tour):
+    """With a word that was not saved: it must be in the file at the end."""
     screen = tour.screen
+    screen.keys("ctrl+End")
+    screen.type(UNSAVED)
+    tour.text = TEXT + UNSAVED
+    tour.see_the_text()
     screen.keys("ctrl+l")
     screen.sheet(Names.lock_question, [Names.ok, Names.cancel])
     screen.press(Names.ok)
@@ -261,7 +268,7 @@ def a_script_reads_the_file(tour):
     os.close(reading)
     must(answer.returncode == 0,
          f"{DECRYPT.name} ended with {answer.returncode}: {answer.stderr.decode()}")
-    must(answer.stdout.decode().strip() == TEXT, f"{DECRYPT.name} found: {answer.stdout.decode()}")
+    must(answer.stdout.decode().strip() == tour.text, f"{DECRYPT.name} found: {answer.stdout.decode()}")
 
 
 @station("nothing-in-the-clear")
@@ -269,7 +276,7 @@ def nothing_else_holds_the_text(tour):
     """Settings, caches, temporary files, recent entries: none may tell a word or the password."""
     for path in sorted(tour.desktop.home.rglob("*")):
         if path.is_file():
-            told = in_the_clear(path.read_bytes(), (*WORDS, PASSWORD))
+            told = in_the_clear(path.read_bytes(), (*WORDS, UNSAVED.strip(), PASSWORD))
             must(not told, f"{path.relative_to(tour.desktop.home)} tells {told}")
 
 

@@ -31,6 +31,8 @@ private Q_SLOTS:
     void aReadOnlyDocumentCannotBeTypedInto();
     void anEmptyPasswordIsNoTryAndASealedDocumentClosesAtOnce();
     void theChangeSheetChangesThePasswordFromTheNextSaveOn();
+    void whatWasTypedBeforeALockIsInTheFile_data();
+    void whatWasTypedBeforeALockIsInTheFile();
 
 private:
     static bool protect(RealProgram &program);
@@ -347,6 +349,43 @@ void TestWorkflow::theChangeSheetChangesThePasswordFromTheNextSaveOn()
     QTRY_VERIFY(!RealProgram::dialog());
     QVERIFY(unlock(program, next));
     QCOMPARE(program.editor().toPlainText(), u"text"_s);
+}
+
+void TestWorkflow::whatWasTypedBeforeALockIsInTheFile_data()
+{
+    QTest::addColumn<QString>("tried");
+    QTest::addColumn<bool>("quits");
+    QTest::newRow("closed while locked") << QString() << false;
+    QTest::newRow("closed after a wrong password") << u"wrong horse"_s << false;
+    QTest::newRow("closed after the right password") << password << false;
+    QTest::newRow("the program is quit while it is locked") << QString() << true;
+}
+
+void TestWorkflow::whatWasTypedBeforeALockIsInTheFile()
+{
+    QFETCH(QString, tried);
+    QFETCH(bool, quits);
+    RealProgram program;
+    program.files.files.insert(path, savedFile("text"));
+    program.documents.openDocumentWithContentsOfURL(path);
+    QVERIFY(unlock(program, password));
+    QTest::keyClicks(&program.editor(), u"more "_s);
+    program.menuItem(u"Lock Document…"_s)->trigger();
+    QTRY_VERIFY(RealProgram::dialogText().contains(u"you need to save it on disk"_s));
+    RealProgram::press(u"OK"_s);
+    QTRY_VERIFY(program.document()->isEncrypted());
+    QTRY_COMPARE(program.files.replaces, 1);
+    if (!tried.isEmpty()) {
+        QCOMPARE(unlock(program, tried), tried == password);
+        QVERIFY(tried == password || QTest::qWaitFor([] { return RealProgram::press(u"OK"_s); }));
+        QTRY_VERIFY(!RealProgram::dialog());
+    }
+    program.menuItem(quits ? u"Quit Quorvane"_s : u"Close"_s)->trigger();
+    QTRY_VERIFY(!program.document());
+    QCOMPARE(program.files.replaces, 1);
+    program.documents.openDocumentWithContentsOfURL(path);
+    QVERIFY(unlock(program, password));
+    QCOMPARE(program.editor().toPlainText(), u"more text"_s);
 }
 
 QTEST_MAIN(TestWorkflow)
