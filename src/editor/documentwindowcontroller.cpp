@@ -92,6 +92,8 @@ void DocumentWindowController::bindEditor()
             &DocumentWindowController::applyEditable);
     connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this,
             &DocumentWindowController::applyEditable);
+    connect(&m_document, &QVCryptoDoc::isEncryptedChanged, this,
+            &DocumentWindowController::tellSurplusOnce);
     connect(&m_document, &MyDocument::bodyIsTooTall, this,
             &DocumentWindowController::tellBodyIsTooTall);
     connect(&m_window->editor(), &TextEditor::tooTall, this, [this] {
@@ -118,6 +120,23 @@ void DocumentWindowController::tellBodyIsTooTall()
         u"Its text is kept as it is, and the window stays empty and read-only. The program "
         u"quorvane-decrypt.py, "
         "which comes with the source, writes the text to a file."_s,
+        {u"OK"_s},
+    };
+    m_adapter->beginAlert(alert, [](AlertAnswer) {});
+}
+
+void DocumentWindowController::tellSurplusOnce()
+{
+    if (m_document.isEncrypted() || m_hasToldSurplus || !m_view->holdsSurplus()) {
+        return;
+    }
+    m_hasToldSurplus = true;
+    const NSAlert alert {
+        u"This document holds more than can be shown here."_s,
+        u"Pictures, tables, lists, links or some styles of its text are not shown. They stay in "
+        u"the "
+        "file as long as nobody edits the text.\n\nAn edited text is saved with all its words, but "
+        "without these."_s,
         {u"OK"_s},
     };
     m_adapter->beginAlert(alert, [](AlertAnswer) {});

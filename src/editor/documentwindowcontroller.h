@@ -45,6 +45,7 @@ private:
     void bindSheets();
     void bindFields(PasswordSheet &sheet);
     void tellBodyIsTooTall();
+    void tellSurplusOnce();
     void applyEditable();
     void applyNoteFont();
 
@@ -57,6 +58,7 @@ private:
     std::unique_ptr<PasswordSheet> m_changeSheet;
     std::unique_ptr<PasswordSheet> m_insertSheet;
     bool m_cascades = true;
+    bool m_hasToldSurplus = false;
 };
 
 } // namespace quorvane

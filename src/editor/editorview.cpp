@@ -24,6 +24,7 @@ bool EditorView::setBody(const std::optional<QByteArray> &body)
     if (body && m_body == body && m_revision == m_editor.content()->revision()) {
         return !m_isTooTall;
     }
+    m_holdsSurplus = body && bodyHoldsSurplus(*body);
     auto document = std::make_unique<QTextDocument>();
     readBody(body.value_or(QByteArray()), *document);
     m_isTooTall = m_editor.showDocument(std::move(document)) == TextEditor::ShowResult::TooTall;

@@ -26,12 +26,16 @@ public:
     /// The body is longer than the editor can show: it is kept, and the editor stands empty.
     bool isTooTall() const { return m_isTooTall; }
 
+    /// The body says more of its text than the editor keeps once the text is edited.
+    bool holdsSurplus() const { return m_holdsSurplus; }
+
 private:
     TextEditor &m_editor;
     // The bytes that stand for the editor's content at m_revision; filled when they are asked for.
     mutable std::optional<QByteArray> m_body;
     mutable int m_revision = -1;
     bool m_isTooTall = false;
+    bool m_holdsSurplus = false;
 };
 
 } // namespace quorvane

@@ -5,6 +5,7 @@
 #include "richtext/plaintextsink.h"
 #include "richtext/rtfcodepage.h"
 #include "richtext/rtfreader.h"
+#include "richtext/rtfsurplus.h"
 #include "richtext/rtfwriter.h"
 #include "richtext/textdocumentsink.h"
 
@@ -126,6 +127,12 @@ void readBody(const QByteArray &body, QTextDocument &document)
     block.endEditBlock();
     document.setModified(false);
     document.setUndoRedoEnabled(hadUndo);
+}
+
+bool bodyHoldsSurplus(const QByteArray &body)
+{
+    const Parts parts = partsOf(body);
+    return formOf(parts.text) == BodyForm::Rtf && rtfHoldsSurplus(parts.text);
 }
 
 QByteArray bodyFromDocument(const QTextDocument &document)

@@ -18,6 +18,10 @@ BodyForm formOf(const QByteArray &body);
 /// what is broken gives what is left of it.
 void readBody(const QByteArray &body, QTextDocument &document);
 
+/// Whether the body says more than readBody keeps, so that a text that is edited and written again
+/// would lose it.
+bool bodyHoldsSurplus(const QByteArray &body);
+
 /// The document as flattened RTFD. The same document gives the same bytes.
 QByteArray bodyFromDocument(const QTextDocument &document);
 

@@ -200,21 +200,33 @@ void TestWorkflow::aLockedWindowShowsNoWordAndOffersNothing()
 void TestWorkflow::aBodyThatNobodyEditedGoesBackAsItCame_data()
 {
     QTest::addColumn<QByteArray>("body");
-    QTest::newRow("plain text with a strange end") << QByteArray("one\r\ntwo\n\n");
-    QTest::newRow("bytes that are no UTF-8") << QByteArray("caf\xe9 \x80");
+    QTest::addColumn<bool>("warns");
+    QTest::newRow("plain text with a strange end") << QByteArray("one\r\ntwo\n\n") << false;
+    QTest::newRow("bytes that are no UTF-8") << QByteArray("caf\xe9 \x80") << false;
     QTest::newRow("RTF with words that nobody knows")
-        << QByteArray("{\\rtf1\\ansi\\unheardof3{\\*\\mystery 12 ab}{\\b bold} rest}");
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("a flattened RTFD cut short") << QByteArray("rtfd\0\0\0\0\3\0\0\0\1\0\0\0", 16);
+        << QByteArray("{\\rtf1\\ansi\\unheardof3{\\*\\mystery 12 ab}{\\b bold} rest}") << false;
+    QTest::newRow("RTF with styles that are switched off or only listed")
+        << QByteArray("{\\rtf1{\\stylesheet{\\s1\\super raised;}}\\strike0\\cb1\\up0 plain}")
+        << false;
+    QTest::newRow("RTF with a struck word, which an edit would lose")
+        << QByteArray("{\\rtf1 {\\strike struck} rest}") << true;
+    QTest::newRow("RTF with a table") << QByteArray("{\\rtf1\\trowd\\cellx1 a\\cell\\row}") << true;
+    QTest::newRow("nothing") << QByteArray() << false;
+    QTest::newRow("a flattened RTFD cut short")
+        << QByteArray("rtfd\0\0\0\0\3\0\0\0\1\0\0\0", 16) << false;
 }
 
 void TestWorkflow::aBodyThatNobodyEditedGoesBackAsItCame()
 {
     QFETCH(QByteArray, body);
+    QFETCH(bool, warns);
     RealProgram program;
     program.files.files.insert(path, savedFile(body));
     program.documents.openDocumentWithContentsOfURL(path);
     QVERIFY(unlock(program, password));
+    QCOMPARE(RealProgram::dialogText().contains(u"holds more than can be shown"_s), warns);
+    QCOMPARE(RealProgram::press(u"OK"_s), warns);
+    QTRY_VERIFY(!RealProgram::dialog());
     program.menuItem(u"Save"_s)->trigger();
     QTRY_COMPARE(program.files.replaces, 1);
     QCOMPARE(program.document()->myTextViewData(), std::optional(body));
