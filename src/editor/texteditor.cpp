@@ -1,5 +1,6 @@
 #include "editor/texteditor.h"
 
+#include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
 #include "editor/pastedtext.h"
 
@@ -36,6 +37,12 @@ QFont fontOf(const NSFont &font)
     QFont result(font.family);
     result.setPointSizeF(font.pointSize);
     return result;
+}
+
+/// Names of files are no text, though they are offered as one.
+bool hasPlainText(const QMimeData &source)
+{
+    return source.hasText() && (!source.hasUrls() || source.hasFormat(u"text/plain"_s));
 }
 
 bool insertsText(const QString &text)
@@ -130,6 +137,7 @@ void TextEditor::setContentHidden(bool hidden)
         return;
     }
     if (hidden) {
+        CopiedText::clearClipboards(this);
         m_place = place();
         m_settling.stop();
         detach();
@@ -202,7 +210,14 @@ bool TextEditor::insertDocument(const QTextDocument &inserted)
         refuse();
         return false;
     }
-    textCursor().insertFragment(QTextDocumentFragment(&inserted));
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    if (cursor.block().length() == 1) { // nothing of its own that the paragraph's look belongs to
+        cursor.mergeBlockFormat(inserted.begin().blockFormat());
+    }
+    cursor.insertFragment(QTextDocumentFragment(&inserted));
+    cursor.endEditBlock();
     ensureCursorVisible();
     return true;
 }
@@ -425,9 +440,17 @@ void TextEditor::dropEvent(QDropEvent *event)
     QTextEdit::dropEvent(event);
 }
 
+QMimeData *TextEditor::createMimeDataFromSelection() const
+{
+    std::unique_ptr<QMimeData> common(QTextEdit::createMimeDataFromSelection());
+    return new CopiedText(std::move(common), textCursor(), this);
+}
+
 bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
 {
-    return source && (m_pasteReader || source->hasHtml() || source->hasFormat(u"text/plain"_s));
+    return source
+        && (m_pasteReader || source->hasFormat(rtfdFormat) || source->hasHtml()
+            || hasPlainText(*source));
 }
 
 void TextEditor::insertFromMimeData(const QMimeData *source)
@@ -435,12 +458,16 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (!source || isReadOnly()) {
         return;
     }
+    if (source->hasFormat(rtfdFormat)) {
+        insertDocument(*pastedBody(source->data(rtfdFormat), *m_content));
+        return;
+    }
     const std::unique_ptr<QTextDocument> pasted = m_pasteReader ? m_pasteReader(*source) : nullptr;
     if (pasted) {
         insertDocument(*pasted);
     } else if (source->hasHtml()) {
         insertDocument(*pastedHtml(source->html(), m_content->defaultFont()));
-    } else if (source->hasFormat(u"text/plain"_s)) {
+    } else if (hasPlainText(*source)) {
         insertPlain(source->text());
     }
 }

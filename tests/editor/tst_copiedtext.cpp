@@ -1,0 +1,203 @@
+#include "editor/texteditor.h"
+#include "richtext/attachmentstore.h"
+#include "richtext/body.h"
+#include "richtext/flatrtfd.h"
+#include "richtext/textproperties.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
+
+#include <map>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+using EditorPtr = std::unique_ptr<TextEditor>;
+
+constexpr QClipboard::Mode modes[] = {QClipboard::Clipboard, QClipboard::Selection};
+
+QByteArray bodyWithFiles(const QByteArray &rtf)
+{
+    const auto file = [](const QByteArray &name, const QByteArray &bytes) {
+        return FlatRtfdEntry {name, FlatRtfdEntry::Kind::File, bytes, {}};
+    };
+    const FlatRtfdEntry folder {
+        "folder", FlatRtfdEntry::Kind::Directory, {}, {file("inner", "within")}};
+    return writeFlatRtfd({file("a.bin", "first"), folder, file("TXT.rtf", rtf)});
+}
+
+const QByteArray attachmentsText = "{\\rtf1{\\fonttbl{\\f0 DejaVu Serif;}}"
+                                   "{\\colortbl;\\red255\\green0\\blue0;}\\f0\\fs36 one\\\n"
+                                   "\\pard\\qc {\\b bold}{\\cf1 red}{{\\NeXTGraphic a.bin "
+                                   "\\width400 \\height300\n}\xac}{{\\NeXTGraphic folder "
+                                   "\\width20 \\height30\n}\xac}\\\n\\pard last}";
+
+EditorPtr editorOf(const QByteArray &body)
+{
+    auto editor = std::make_unique<TextEditor>();
+    auto document = std::make_unique<QTextDocument>();
+    readBody(body, *document);
+    if (editor->showDocument(std::move(document)) != TextEditor::ShowResult::Shown) {
+        return nullptr;
+    }
+    return editor;
+}
+
+std::map<QByteArray, FlatRtfdEntry> entriesOf(const QByteArray &body)
+{
+    std::map<QByteArray, FlatRtfdEntry> entries;
+    const FlatRtfd folder = readFlatRtfd(body).value_or(FlatRtfd());
+    for (const FlatRtfdEntry &entry : folder.entries) {
+        if (entry.name != ".") {
+            entries.insert({entry.name, entry});
+        }
+    }
+    return entries;
+}
+
+/// Text and look, a paragraph each, as far as they are shown.
+QStringList looksOf(const QTextDocument &document)
+{
+    QStringList lines;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        QString line = QString::number(int(block.blockFormat().alignment()));
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+            QTextCharFormat format = part.fragment().charFormat();
+            format.clearProperty(AttachmentId);
+            QString look;
+            QDebug(&look) << format.properties();
+            line += u" ["_s + look + u']' + part.fragment().text();
+        }
+        lines << line;
+    }
+    return lines;
+}
+
+} // namespace
+
+class TestCopiedText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whatALockedTextGaveToAClipboardIsGone();
+    void whatOthersGaveToAClipboardStays_data();
+    void whatOthersGaveToAClipboardStays();
+    void aCutAndPastedTextIsWhatItWas();
+    void aCopyInAnotherEditorIsWhatItWas();
+    void aCopyBesideItsOriginalHasAFileOfItsOwn();
+    void aParagraphKeepsItsAlignment();
+};
+
+void TestCopiedText::whatALockedTextGaveToAClipboardIsGone()
+{
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    const EditorPtr editor = editorOf("secret");
+    editor->selectAll();
+    editor->copy();
+    QCOMPARE(clipboard->text(), u"secret"_s);
+    if (clipboard->supportsSelection()) {
+        QTest::keyClick(editor.get(), Qt::Key_A, Qt::ControlModifier);
+    }
+    editor->setContentHidden(true);
+    for (const QClipboard::Mode mode : modes) {
+        QCOMPARE(clipboard->text(mode), QString());
+    }
+}
+
+void TestCopiedText::whatOthersGaveToAClipboardStays_data()
+{
+    QTest::addColumn<bool>("isEditor");
+    QTest::newRow("another editor of the program") << true;
+    QTest::newRow("a text that came from elsewhere") << false;
+}
+
+void TestCopiedText::whatOthersGaveToAClipboardStays()
+{
+    QFETCH(bool, isEditor);
+    const EditorPtr editor = editorOf("secret");
+    const EditorPtr other = editorOf("other");
+    editor->selectAll();
+    editor->copy();
+    if (isEditor) {
+        other->selectAll();
+        other->copy();
+    } else {
+        QGuiApplication::clipboard()->setText(u"other"_s);
+    }
+    editor->setContentHidden(true);
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"other"_s);
+}
+
+void TestCopiedText::aCutAndPastedTextIsWhatItWas()
+{
+    const EditorPtr editor = editorOf(bodyWithFiles(attachmentsText));
+    const QStringList before = looksOf(*editor->content());
+    const QByteArray body = bodyFromDocument(*editor->content());
+    editor->selectAll();
+    editor->cut();
+    QCOMPARE(editor->toPlainText(), QString());
+    editor->paste();
+    QCOMPARE(looksOf(*editor->content()), before);
+    QCOMPARE(entriesOf(bodyFromDocument(*editor->content())), entriesOf(body));
+    editor->undo();
+    QCOMPARE(editor->toPlainText(), QString());
+    editor->undo();
+    QCOMPARE(looksOf(*editor->content()), before);
+}
+
+void TestCopiedText::aCopyInAnotherEditorIsWhatItWas()
+{
+    const EditorPtr editor = editorOf(bodyWithFiles(attachmentsText));
+    const EditorPtr other = editorOf(QByteArray());
+    editor->selectAll();
+    editor->copy();
+    other->paste();
+    QCOMPARE(looksOf(*other->content()), looksOf(*editor->content()));
+    QCOMPARE(entriesOf(bodyFromDocument(*other->content())),
+             entriesOf(bodyFromDocument(*editor->content())));
+}
+
+void TestCopiedText::aCopyBesideItsOriginalHasAFileOfItsOwn()
+{
+    const EditorPtr editor = editorOf(bodyWithFiles(attachmentsText));
+    const EditorPtr other =
+        editorOf(writeFlatRtfd({{"a.bin", FlatRtfdEntry::Kind::File, "of the other", {}},
+                                {"TXT.rtf",
+                                 FlatRtfdEntry::Kind::File,
+                                 "{\\rtf1 {{\\NeXTGraphic a.bin \\width20 \\height30\n}\xac}}",
+                                 {}}}));
+    editor->selectAll();
+    editor->copy();
+    other->moveCursor(QTextCursor::End);
+    other->paste();
+    const auto entries = entriesOf(bodyFromDocument(*other->content()));
+    QCOMPARE(entries.size(), 4U);
+    QCOMPARE(entries.at("a.bin").bytes, "of the other");
+    QCOMPARE(entries.at("1__#$!@%!#__a.bin").bytes, "first");
+    QCOMPARE(entries.at("folder").children.front().bytes, "within");
+}
+
+void TestCopiedText::aParagraphKeepsItsAlignment()
+{
+    const EditorPtr editor = editorOf(bodyWithFiles(attachmentsText));
+    const EditorPtr other = editorOf("x\n\ny");
+    QTextCursor cursor(editor->content()->findBlockByNumber(1));
+    cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    editor->setTextCursor(cursor);
+    editor->copy();
+    other->setTextCursor(QTextCursor(other->content()->findBlockByNumber(1)));
+    other->paste();
+    QCOMPARE(other->toPlainText(), u"x\nboldred\ufffc\ufffc\ny"_s);
+    QCOMPARE(looksOf(*other->content()).at(1), looksOf(*editor->content()).at(1));
+}
+
+QTEST_MAIN(TestCopiedText)
+#include "tst_copiedtext.moc"
