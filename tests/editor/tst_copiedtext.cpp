@@ -80,6 +80,13 @@ QStringList looksOf(const QTextDocument &document)
     return lines;
 }
 
+std::unique_ptr<QTextDocument> reopened(const QTextDocument &document)
+{
+    auto again = std::make_unique<QTextDocument>();
+    readBody(bodyFromDocument(document), *again);
+    return again;
+}
+
 } // namespace
 
 class TestCopiedText : public QObject
@@ -94,6 +101,8 @@ private slots:
     void aCopyInAnotherEditorIsWhatItWas();
     void aCopyBesideItsOriginalHasAFileOfItsOwn();
     void aParagraphKeepsItsAlignment();
+    void pastedHtmlLooksAsItWillWhenReopened_data();
+    void pastedHtmlLooksAsItWillWhenReopened();
 };
 
 void TestCopiedText::whatALockedTextGaveToAClipboardIsGone()
@@ -197,6 +206,36 @@ void TestCopiedText::aParagraphKeepsItsAlignment()
     other->paste();
     QCOMPARE(other->toPlainText(), u"x\nboldred\ufffc\ufffc\ny"_s);
     QCOMPARE(looksOf(*other->content()).at(1), looksOf(*editor->content()).at(1));
+}
+
+void TestCopiedText::pastedHtmlLooksAsItWillWhenReopened_data()
+{
+    QTest::addColumn<QString>("html");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("an image within the text")
+        << u"a<img src='data:image/gif;base64,R0lGODlhAQABAAAAACw='>b"_s << u"ab"_s;
+    QTest::newRow("a sign for an object, without one") << u"a&#xfffc;b"_s << u"ab"_s;
+    QTest::newRow("a table") << u"x<table><tr><td>a</td><td>b</td></tr></table>y"_s
+                             << u"x\na\nb\ny"_s;
+    QTest::newRow("bullets") << u"<ul><li>a</li><li>b</li></ul>"_s << u"a\nb"_s;
+    QTest::newRow("looks that are not kept")
+        << u"<s>a</s><span style='background-color:#ff0000'>b</span><sup>c</sup>"_s << u"abc"_s;
+    QTest::newRow("looks that are kept")
+        << u"<h1 align=center>a</h1><p><b>b</b><i>c</i><font color=red>d</font></p>"_s
+        << u"a\nbcd"_s;
+}
+
+void TestCopiedText::pastedHtmlLooksAsItWillWhenReopened()
+{
+    QFETCH(QString, html);
+    QFETCH(QString, text);
+    const EditorPtr editor = editorOf(QByteArray());
+    auto data = std::make_unique<QMimeData>();
+    data->setHtml(html);
+    QGuiApplication::clipboard()->setMimeData(data.release());
+    editor->paste();
+    QCOMPARE(editor->toPlainText(), text);
+    QCOMPARE(looksOf(*reopened(*editor->content())), looksOf(*editor->content()));
 }
 
 QTEST_MAIN(TestCopiedText)
