@@ -78,7 +78,7 @@ TextEditor::~TextEditor()
 TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> document)
 {
     HeightEstimate estimate(referenceWidth, viewport());
-    if (document->isEmpty() && m_typingFont) {
+    if (m_typingFont) { // also for text without a font of its own: it has none in a file either
         document->setDefaultFont(fontOf(*m_typingFont));
     }
     document->setDocumentMargin(margin);
