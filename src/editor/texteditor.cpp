@@ -1,5 +1,6 @@
 #include "editor/texteditor.h"
 
+#include "editor/attachmentobject.h"
 #include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
 #include "editor/pastedtext.h"
@@ -114,6 +115,7 @@ void TextEditor::attach(QTextDocument *document)
         pinWrap();
     }
     document->setParent(this);
+    AttachmentObject::registerFor(*document);
     setDocument(document);
     if (pins && m_paginated) {
         paginate();

@@ -1,3 +1,4 @@
+#include "editor/heightestimate.h"
 #include "editor/texteditor.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/body.h"
@@ -5,7 +6,9 @@
 #include "richtext/textproperties.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QClipboard>
+#include <QImage>
 #include <QMimeData>
 #include <QTest>
 #include <QTextBlock>
@@ -62,6 +65,25 @@ std::map<QByteArray, FlatRtfdEntry> entriesOf(const QByteArray &body)
     return entries;
 }
 
+QByteArray pictureOf(Qt::GlobalColor colour)
+{
+    QImage image(8, 8, QImage::Format_RGB32);
+    image.fill(colour);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    image.save(&png, "PNG");
+    return png.data();
+}
+
+QByteArray bodyWithPicture(const QByteArray &file, const QByteArray &size)
+{
+    return writeFlatRtfd({{"a.png", FlatRtfdEntry::Kind::File, file, {}},
+                          {"TXT.rtf",
+                           FlatRtfdEntry::Kind::File,
+                           "{\\rtf1 {{\\NeXTGraphic a.png " + size + "\n}\xac}}",
+                           {}}});
+}
+
 /// Text and look, a paragraph each, as far as they are shown.
 QStringList looksOf(const QTextDocument &document)
 {
@@ -103,6 +125,9 @@ private slots:
     void aParagraphKeepsItsAlignment();
     void pastedHtmlLooksAsItWillWhenReopened_data();
     void pastedHtmlLooksAsItWillWhenReopened();
+    void attachmentsTakeTheRoomThatWasEstimated_data();
+    void attachmentsTakeTheRoomThatWasEstimated();
+    void aPictureIsDrawn();
 };
 
 void TestCopiedText::whatALockedTextGaveToAClipboardIsGone()
@@ -236,6 +261,45 @@ void TestCopiedText::pastedHtmlLooksAsItWillWhenReopened()
     editor->paste();
     QCOMPARE(editor->toPlainText(), text);
     QCOMPARE(looksOf(*reopened(*editor->content())), looksOf(*editor->content()));
+}
+
+void TestCopiedText::attachmentsTakeTheRoomThatWasEstimated_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QByteArray>("size");
+    QTest::addColumn<double>("least");
+    QTest::newRow("a picture") << pictureOf(Qt::red) << QByteArray("\\width1500 \\height3000")
+                               << 195.0;
+    QTest::newRow("a picture said to be huge")
+        << pictureOf(Qt::red) << QByteArray("\\width100000 \\height2000000000") << 4000.0;
+    QTest::newRow("a picture without a size") << pictureOf(Qt::red) << QByteArray() << 40.0;
+    QTest::newRow("another file") << QByteArray("%PDF") << QByteArray("\\width20 \\height20")
+                                  << 40.0;
+}
+
+void TestCopiedText::attachmentsTakeTheRoomThatWasEstimated()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QByteArray, size);
+    QFETCH(double, least);
+    const EditorPtr editor = editorOf(bodyWithPicture(file, size));
+    editor->resize(TextEditor::referenceWidth, 600);
+    editor->show();
+    const double shown = editor->content()->size().height();
+    QVERIFY2(shown >= least, qPrintable(QString::number(shown)));
+    const double estimated =
+        HeightEstimate(TextEditor::referenceWidth, editor->viewport()).of(*editor->content());
+    QVERIFY2(shown <= estimated, qPrintable(QString::number(estimated)));
+}
+
+void TestCopiedText::aPictureIsDrawn()
+{
+    const EditorPtr editor =
+        editorOf(bodyWithPicture(pictureOf(Qt::red), "\\width1500 \\height1500"));
+    editor->resize(400, 300);
+    editor->show();
+    const QImage shown = editor->viewport()->grab().toImage();
+    QCOMPARE(shown.pixelColor(64, 64), QColor(Qt::red));
 }
 
 QTEST_MAIN(TestCopiedText)
