@@ -30,6 +30,7 @@ constexpr double pageHeight = tallestDocument / 2;
 constexpr double tallestPaginated = 30'000'000;
 constexpr double margin = 14;
 constexpr int manyCharacters = 2000;
+constexpr auto utf8Format = "text/plain;charset=utf-8"_L1; // some programs offer no other
 // A text lower than this cannot become too tall by wrapping in any window.
 constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
 
@@ -43,7 +44,14 @@ QFont fontOf(const NSFont &font)
 /// Names of files are no text, though they are offered as one.
 bool hasPlainText(const QMimeData &source)
 {
-    return source.hasText() && (!source.hasUrls() || source.hasFormat(u"text/plain"_s));
+    return source.hasFormat(u"text/plain"_s) || source.hasFormat(utf8Format)
+        || (source.hasText() && !source.hasUrls());
+}
+
+QString plainTextOf(const QMimeData &source)
+{
+    const bool isUtf8Alone = source.hasFormat(utf8Format) && !source.hasFormat(u"text/plain"_s);
+    return isUtf8Alone ? QString::fromUtf8(source.data(utf8Format)) : source.text();
 }
 
 bool insertsText(const QString &text)
@@ -470,7 +478,7 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     } else if (source->hasHtml()) {
         insertDocument(*pastedHtml(source->html(), m_content->defaultFont()));
     } else if (hasPlainText(*source)) {
-        insertPlain(source->text());
+        insertPlain(plainTextOf(*source));
     }
 }
 

@@ -128,6 +128,7 @@ private slots:
     void attachmentsTakeTheRoomThatWasEstimated_data();
     void attachmentsTakeTheRoomThatWasEstimated();
     void aPictureIsDrawn();
+    void textInUtf8AloneIsTaken();
 };
 
 void TestCopiedText::whatALockedTextGaveToAClipboardIsGone()
@@ -300,6 +301,17 @@ void TestCopiedText::aPictureIsDrawn()
     editor->show();
     const QImage shown = editor->viewport()->grab().toImage();
     QCOMPARE(shown.pixelColor(64, 64), QColor(Qt::red));
+}
+
+void TestCopiedText::textInUtf8AloneIsTaken()
+{
+    const EditorPtr editor = editorOf(QByteArray());
+    auto data = std::make_unique<QMimeData>();
+    data->setData(u"text/plain;charset=utf-8"_s, u"d\u00e9j\u00e0"_s.toUtf8());
+    QGuiApplication::clipboard()->setMimeData(data.release());
+    QVERIFY(editor->canPaste());
+    editor->paste();
+    QCOMPARE(editor->toPlainText(), u"d\u00e9j\u00e0"_s);
 }
 
 QTEST_MAIN(TestCopiedText)
