@@ -1,5 +1,8 @@
 #include "editor/heightestimate.h"
 
+#include "editor/attachmentobject.h"
+#include "richtext/textproperties.h"
+
 #include <QFontMetricsF>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -274,7 +277,13 @@ void HeightEstimate::addText(Lines &lines, const QString &text, const QTextCharF
     double height = measure.height;
     for (const QChar character : text) {
         const char16_t unit = character.unicode();
-        if (unit == QChar::ObjectReplacementCharacter) {
+        if (unit == QChar::ObjectReplacementCharacter
+            && format.objectType() == attachmentObjectType) {
+            const QSizeF size = largestAttachmentSize(format, m_dotsPerInch);
+            lines.endWord();
+            lines.add(std::min(size.width(), lines.width));
+            height = std::max(height, size.height() + measure.height); // it stands on the line
+        } else if (unit == QChar::ObjectReplacementCharacter) {
             addObjects(lines, 1, format);
         } else if (unit == QChar::LineSeparator) {
             lines.endWord();

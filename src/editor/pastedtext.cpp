@@ -1,6 +1,7 @@
 #include "editor/pastedtext.h"
 
 #include "editor/heightestimate.h"
+#include "richtext/body.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -39,7 +40,7 @@ protected:
 struct Run
 {
     int position;
-    int length;
+    QString text;
     QTextCharFormat format;
 };
 
@@ -49,15 +50,10 @@ std::vector<Run> runsOf(const QTextDocument &document)
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         for (auto part = block.begin(); !part.atEnd(); ++part) {
             const QTextFragment fragment = part.fragment();
-            runs.push_back({fragment.position(), fragment.length(), fragment.charFormat()});
+            runs.push_back({fragment.position(), fragment.text(), fragment.charFormat()});
         }
     }
     return runs;
-}
-
-bool isOutside(const QTextCharFormat &format)
-{
-    return format.isImageFormat() && !isData(QUrl(format.toImageFormat().name()));
 }
 
 bool isPlain(const QTextCharFormat &format, QTextFormat::Property property, Qt::GlobalColor color)
@@ -71,6 +67,17 @@ double scaleOf(int adjustment)
     constexpr int unchanged = 2;
     return scales[static_cast<size_t>(
         std::clamp(adjustment + unchanged, 0, static_cast<int>(scales.size()) - 1))];
+}
+
+/// A body has room for attachments, but HTML's images are none.
+void removeObjects(QTextCursor &cursor, const Run &run)
+{
+    for (qsizetype index = run.text.size() - 1; index >= 0; --index) {
+        if (run.text.at(index) == QChar::ObjectReplacementCharacter) {
+            cursor.setPosition(run.position + int(index));
+            cursor.deleteChar();
+        }
+    }
 }
 
 void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
@@ -108,15 +115,17 @@ std::unique_ptr<QTextDocument> pastedHtml(const QString &html, const QFont &font
     cursor.beginEditBlock();
     for (auto run = runs.rbegin(); run != runs.rend(); ++run) { // from the end: places stay true
         cursor.setPosition(run->position);
-        cursor.setPosition(run->position + run->length, QTextCursor::KeepAnchor);
-        if (isOutside(run->format)) {
-            cursor.removeSelectedText();
-        } else {
-            adapt(cursor, run->format, font);
-        }
+        cursor.setPosition(run->position + int(run->text.size()), QTextCursor::KeepAnchor);
+        adapt(cursor, run->format, font);
+        removeObjects(cursor, *run);
     }
     cursor.endEditBlock();
-    return document;
+    const QByteArray body = bodyFromDocument(*document);
+    auto kept = std::make_unique<QTextDocument>();
+    kept->setUndoRedoEnabled(false);
+    kept->setDefaultFont(font);
+    readBody(body, *kept);
+    return kept;
 }
 
 QImage imageOf(const QUrl &name)

@@ -11,10 +11,10 @@ class QUrl;
 
 namespace quorvane {
 
-/// A document of what HTML says, without what would reach outside: images that are not part of the
-/// HTML itself are left out. Black text and white ground are the author's defaults, not a wish:
-/// they are left out too, so that the text can be read on a dark ground. Sizes that HTML gives
-/// relative to the text around become points, by \a font.
+/// A document of what HTML says, as it would come back from a file: what a body cannot hold is left
+/// out at once, and so are images. Black text and white ground are the author's defaults, not a
+/// wish: they are left out too, so that the text can be read on a dark ground. Sizes that HTML
+/// gives relative to the text around become points, by \a font.
 std::unique_ptr<QTextDocument> pastedHtml(const QString &html, const QFont &font);
 
 /// The image that a data: address holds, scaled down where it is very large. A transparent pixel

@@ -1,5 +1,7 @@
 #include "editor/texteditor.h"
 
+#include "editor/attachmentobject.h"
+#include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
 #include "editor/pastedtext.h"
 
@@ -28,6 +30,7 @@ constexpr double pageHeight = tallestDocument / 2;
 constexpr double tallestPaginated = 30'000'000;
 constexpr double margin = 14;
 constexpr int manyCharacters = 2000;
+constexpr auto utf8Format = "text/plain;charset=utf-8"_L1; // some programs offer no other
 // A text lower than this cannot become too tall by wrapping in any window.
 constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
 
@@ -36,6 +39,19 @@ QFont fontOf(const NSFont &font)
     QFont result(font.family);
     result.setPointSizeF(font.pointSize);
     return result;
+}
+
+/// Names of files are no text, though they are offered as one.
+bool hasPlainText(const QMimeData &source)
+{
+    return source.hasFormat(u"text/plain"_s) || source.hasFormat(utf8Format)
+        || (source.hasText() && !source.hasUrls());
+}
+
+QString plainTextOf(const QMimeData &source)
+{
+    const bool isUtf8Alone = source.hasFormat(utf8Format) && !source.hasFormat(u"text/plain"_s);
+    return isUtf8Alone ? QString::fromUtf8(source.data(utf8Format)) : source.text();
 }
 
 bool insertsText(const QString &text)
@@ -71,7 +87,7 @@ TextEditor::~TextEditor()
 TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> document)
 {
     HeightEstimate estimate(referenceWidth, viewport());
-    if (document->isEmpty() && m_typingFont) {
+    if (m_typingFont) { // also for text without a font of its own: it has none in a file either
         document->setDefaultFont(fontOf(*m_typingFont));
     }
     document->setDocumentMargin(margin);
@@ -107,6 +123,7 @@ void TextEditor::attach(QTextDocument *document)
         pinWrap();
     }
     document->setParent(this);
+    AttachmentObject::registerFor(*document);
     setDocument(document);
     if (pins && m_paginated) {
         paginate();
@@ -130,6 +147,7 @@ void TextEditor::setContentHidden(bool hidden)
         return;
     }
     if (hidden) {
+        CopiedText::clearClipboards(this);
         m_place = place();
         m_settling.stop();
         detach();
@@ -202,7 +220,14 @@ bool TextEditor::insertDocument(const QTextDocument &inserted)
         refuse();
         return false;
     }
-    textCursor().insertFragment(QTextDocumentFragment(&inserted));
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    if (cursor.block().length() == 1) { // nothing of its own that the paragraph's look belongs to
+        cursor.mergeBlockFormat(inserted.begin().blockFormat());
+    }
+    cursor.insertFragment(QTextDocumentFragment(&inserted));
+    cursor.endEditBlock();
     ensureCursorVisible();
     return true;
 }
@@ -425,9 +450,17 @@ void TextEditor::dropEvent(QDropEvent *event)
     QTextEdit::dropEvent(event);
 }
 
+QMimeData *TextEditor::createMimeDataFromSelection() const
+{
+    std::unique_ptr<QMimeData> common(QTextEdit::createMimeDataFromSelection());
+    return new CopiedText(std::move(common), textCursor(), this);
+}
+
 bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
 {
-    return source && (m_pasteReader || source->hasHtml() || source->hasFormat(u"text/plain"_s));
+    return source
+        && (m_pasteReader || source->hasFormat(rtfdFormat) || source->hasHtml()
+            || hasPlainText(*source));
 }
 
 void TextEditor::insertFromMimeData(const QMimeData *source)
@@ -435,13 +468,17 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (!source || isReadOnly()) {
         return;
     }
+    if (source->hasFormat(rtfdFormat)) {
+        insertDocument(*pastedBody(source->data(rtfdFormat), *m_content));
+        return;
+    }
     const std::unique_ptr<QTextDocument> pasted = m_pasteReader ? m_pasteReader(*source) : nullptr;
     if (pasted) {
         insertDocument(*pasted);
     } else if (source->hasHtml()) {
         insertDocument(*pastedHtml(source->html(), m_content->defaultFont()));
-    } else if (source->hasFormat(u"text/plain"_s)) {
-        insertPlain(source->text());
+    } else if (hasPlainText(*source)) {
+        insertPlain(plainTextOf(*source));
     }
 }
 

@@ -43,6 +43,7 @@ public:
 
     /// Puts an empty document in the place of the content, since assistive programs read widgets
     /// that cannot be seen. The content keeps its undo stack; caret, selection and place come back.
+    /// What was copied from here can no longer be pasted.
     void setContentHidden(bool hidden);
 
     bool isContentHidden() const { return m_standIn != nullptr; }
@@ -78,6 +79,7 @@ protected:
     void dropEvent(QDropEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
+    QMimeData *createMimeDataFromSelection() const override;
     bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
 

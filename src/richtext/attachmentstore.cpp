@@ -46,14 +46,21 @@ void AttachmentStore::setEntries(FlatRtfdEntries entries,
 
 QString AttachmentStore::add(const QString &name, const QByteArray &bytes)
 {
+    return add(name, {name.toUtf8(), FlatRtfdEntry::Kind::File, bytes, {}}, std::nullopt);
+}
+
+QString AttachmentStore::add(const QString &name, FlatRtfdEntry entry,
+                             std::optional<FlatRtfdAttributes> attributes)
+{
     QString free = name;
     for (int number = 1; indexOf(free); ++number) {
         free = QString::number(number) + "__#$!@%!#__"_L1 + name;
     }
     Stored stored;
     stored.name = free;
+    stored.entry = std::move(entry);
     stored.entry.name = free.toUtf8();
-    stored.entry.bytes = bytes;
+    stored.attributes = std::move(attributes);
     stored.isPlaced = true;
     m_entries.push_back(std::move(stored));
     index(m_entries.size() - 1);

@@ -34,6 +34,9 @@ public:
 
     /// Adds a file; a name that is taken gets a number in front. \return the name it has now.
     QString add(const QString &name, const QByteArray &bytes);
+    /// Adds a file or a folder of another text, in the same way.
+    QString add(const QString &name, FlatRtfdEntry entry,
+                std::optional<FlatRtfdAttributes> attributes);
 
     /// The entry of that name, or nullptr.
     const FlatRtfdEntry *entry(const QString &name) const;

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "richtext/attachmentstore.h"
+
+#include <QMimeData>
+#include <QPointer>
+#include <QTextBlockFormat>
+#include <QTextDocumentFragment>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QTextCursor;
+class QTextDocument;
+
+namespace quorvane {
+
+/// The text as it would be saved, with its attachments. No other program knows it.
+inline constexpr QLatin1StringView rtfdFormat("application/x-quorvane-rtfd");
+
+/// What was copied from a text: in the formats that everyone knows, and as a body of its own.
+/// Nothing is written before it is asked for.
+class CopiedText final : public QMimeData
+{
+    Q_OBJECT
+
+public:
+    /// \a common offers the formats that everyone knows; \a source is the editor it comes from.
+    CopiedText(std::unique_ptr<QMimeData> common, const QTextCursor &selection,
+               const QObject *source);
+
+    /// Clears each clipboard that this program owns with what was copied from \a source.
+    static void clearClipboards(const QObject *source);
+
+    QStringList formats() const override;
+    bool hasFormat(const QString &format) const override;
+
+protected:
+    QVariant retrieveData(const QString &format, QMetaType type) const override;
+
+private:
+    struct Entry
+    {
+        FlatRtfdEntry entry;
+        FlatRtfdAttributes attributes;
+    };
+
+    QByteArray body() const;
+
+    std::unique_ptr<QMimeData> m_common;
+    QTextDocumentFragment m_text;
+    std::optional<QTextBlockFormat> m_firstParagraph; // where it was copied from its beginning
+    std::vector<Entry> m_entries;
+    QPointer<const QObject> m_source;
+};
+
+/// The text that \a body holds, to be inserted into \a target. The files of its attachments are in
+/// the store of \a target already, under the names that the text calls them by; a file that is
+/// there and that no attachment of \a target stands for, since it was cut, is not put there again.
+std::unique_ptr<QTextDocument> pastedBody(const QByteArray &body, QTextDocument &target);
+
+} // namespace quorvane
