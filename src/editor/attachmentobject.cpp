@@ -77,7 +77,6 @@ void drawFile(QPainter &painter, const QRectF &rect, const QString &name)
     }
     QRectF icon(0, 0, extent, extent);
     icon.moveCenter(rect.center());
-    const double left = icon.right() - rect.left();
     const bool hasName = rect.width() >= iconFrame.width() / 2;
     if (hasName) {
         icon.moveLeft(rect.left() + gap);
@@ -85,7 +84,7 @@ void drawFile(QPainter &painter, const QRectF &rect, const QString &name)
     QApplication::style()
         ->standardIcon(QStyle::SP_FileIcon)
         .paint(&painter, icon.toRect(), Qt::AlignCenter);
-    if (!hasName || left <= 0) {
+    if (!hasName) {
         return;
     }
     const QRectF place(icon.right() + gap, rect.top(), rect.right() - icon.right() - 2 * gap,
