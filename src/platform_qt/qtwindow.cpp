@@ -105,7 +105,14 @@ void QtWindow::setDocumentEdited(bool edited)
 
 void QtWindow::beginSheet(NSSheet &sheet, std::function<void(int code)> completion)
 {
-    m_sheets.begin(sheet, std::move(completion));
+    m_sheets.begin(sheet, [self = QPointer(this), completion = std::move(completion)](int code) {
+        if (completion) {
+            completion(code);
+        }
+        if (self) {
+            self->settleKeyLater();
+        }
+    });
 }
 
 void QtWindow::endSheet(NSSheet &sheet, int returnCode)
@@ -117,7 +124,7 @@ void QtWindow::beginAlert(const NSAlert &alert, AlertCompletion completion)
 {
     auto *dialog = new AlertDialog(alert, &m_widget);
     auto *sheet = new DialogSheet(*dialog);
-    m_sheets.begin(*sheet, [dialog, completion = std::move(completion)](int code) {
+    beginSheet(*sheet, [dialog, completion = std::move(completion)](int code) {
         dialog->deleteLater();
         if (completion) {
             completion(static_cast<AlertAnswer>(code));
@@ -130,11 +137,21 @@ NSSheet *QtWindow::attachedSheet() const
     return m_sheets.attachedSheet();
 }
 
+void QtWindow::settleKeyLater()
+{
+    QMetaObject::invokeMethod(this, &QtWindow::settleKey, Qt::QueuedConnection);
+}
+
+// Window managers give a blocked window the keyboard all the same when it is clicked: the sheet
+// gets it back. And a window can get it while its sheet is just going: that is told once it is
+// gone.
 void QtWindow::settleKey()
 {
     if (m_sheets.attachedSheet() != nullptr) {
-        m_sheets.putForward();
-    } else if (m_widget.isActiveWindow()) {
+        if (m_owesKey) {
+            m_sheets.putForward();
+        }
+    } else if (std::exchange(m_owesKey, false) && m_widget.isActiveWindow()) {
         Q_EMIT becameKey();
     }
 }
@@ -143,12 +160,14 @@ bool QtWindow::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
         if (m_sheets.attachedSheet() == nullptr) {
+            m_owesKey = false;
             Q_EMIT becameKey();
         } else {
-            // Window managers give a blocked window the keyboard all the same when it is clicked.
-            // And a sheet that is just going may still be attached.
-            QMetaObject::invokeMethod(this, &QtWindow::settleKey, Qt::QueuedConnection);
+            m_owesKey = true;
+            settleKeyLater();
         }
+    } else if (event->type() == QEvent::WindowDeactivate) {
+        m_owesKey = false;
     }
     if (event->type() == QEvent::Close && m_closeRequested && !m_isClosing) {
         event->ignore();

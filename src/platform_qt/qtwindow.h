@@ -51,6 +51,7 @@ Q_SIGNALS:
 
 private:
     void settleKey();
+    void settleKeyLater();
 
     QWidget &m_widget;
     WindowPlacement m_placement;
@@ -58,6 +59,7 @@ private:
     std::function<void()> m_closeRequested;
     bool m_showsResizeIndicator = true;
     bool m_isClosing = false;
+    bool m_owesKey = false; // has become key under a sheet, and nobody was told
 };
 
 } // namespace quorvane

@@ -238,6 +238,8 @@ void Watch::strike(const SystemCall &call)
         return;
     }
     m_run.isHit = true;
+    // No save is quite as long as the one that was watched: a check record varies in length.
+    const quint64 length = std::min(m_fault.length, call.arguments.at(m_fault.argument));
     if (m_fault.kind == Kind::KillBefore) {
         skipCall(m_process);
         kill();
@@ -246,12 +248,12 @@ void Watch::strike(const SystemCall &call)
     } else if (m_fault.kind == Kind::Fail || m_fault.kind == Kind::FailFromHere) {
         answer(-m_fault.code);
     } else if (m_fault.kind == Kind::Lie) {
-        answer(static_cast<qint64>(m_fault.length));
+        answer(static_cast<qint64>(length));
     } else {
         m_cut = call;
         m_isCutCall = true;
         m_isKillDue = m_fault.kind == Kind::CutThenKill;
-        if (!setArgument(m_process, m_fault.argument, m_fault.length)) {
+        if (!setArgument(m_process, m_fault.argument, length)) {
             giveUp(u"changing an argument: "_s + qt_error_string(errno));
         }
     }
