@@ -47,10 +47,9 @@ WindowEvents DocumentWindowController::windowEvents()
             }};
 }
 
-void DocumentWindowController::setShouldCascadeWindows(bool cascades)
-{
-    m_cascades = cascades;
-}
+// Where a new window stands is the window manager's to say.
+void DocumentWindowController::setShouldCascadeWindows(bool)
+{ }
 
 void DocumentWindowController::connectOutlets()
 {

@@ -57,7 +57,6 @@ private:
     std::unique_ptr<PasswordSheet> m_mandatorySheet;
     std::unique_ptr<PasswordSheet> m_changeSheet;
     std::unique_ptr<PasswordSheet> m_insertSheet;
-    bool m_cascades = true;
     bool m_hasToldSurplus = false;
 };
 
