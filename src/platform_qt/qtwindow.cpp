@@ -47,10 +47,8 @@ void QtWindow::setMaxSize(const NSSize &size)
 }
 
 // The border that resizes belongs to the window manager, which follows the greatest size.
-void QtWindow::setShowsResizeIndicator(bool shows)
-{
-    m_showsResizeIndicator = shows;
-}
+void QtWindow::setShowsResizeIndicator(bool)
+{ }
 
 void QtWindow::center()
 {

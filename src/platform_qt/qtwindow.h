@@ -20,8 +20,6 @@ public:
 
     QWidget &widget() const { return m_widget; }
 
-    bool showsResizeIndicator() const { return m_showsResizeIndicator; }
-
     /// Asked when the user closes the window, which then stays. Without it the widget decides.
     void setCloseRequested(std::function<void()> requested);
 
@@ -57,7 +55,6 @@ private:
     WindowPlacement m_placement;
     SheetQueue m_sheets;
     std::function<void()> m_closeRequested;
-    bool m_showsResizeIndicator = true;
     bool m_isClosing = false;
     bool m_owesKey = false; // has become key under a sheet, and nobody was told
 };
