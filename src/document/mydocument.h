@@ -80,6 +80,9 @@ public:
     /// The editor reports each change here; the edited mark follows what the editor says of itself.
     void textDidChange();
 
+    /// How the menu item of a command stands: enabled or not, its title, its check mark.
+    MenuItemState validateMenuItem(DocumentAction action) const;
+
     void lockDocument();
     void doLockDocument();
 

@@ -61,10 +61,17 @@ void QVCryptoDoc::showAlert(NSWindow *window, const NSAlert &alert, AlertComplet
 
 bool QVCryptoDoc::validateUserInterfaceItem(DocumentAction action) const
 {
-    if (action == DocumentAction::LockDocument) {
-        return !m_isEncrypted && !m_plainPassword.isEmpty() && fileURL();
+    switch (action) {
+    case DocumentAction::SaveDocument:
+    case DocumentAction::SaveDocumentAs:
+    case DocumentAction::DocumentPassword:
+    case DocumentAction::RevertDocumentToSaved:
+    case DocumentAction::RunPageLayout:
+    case DocumentAction::PrintDocument:
+        return !m_isEncrypted;
+    default:
+        return true;
     }
-    return !m_isEncrypted;
 }
 
 void QVCryptoDoc::canCloseDocument(std::function<void(bool should)> shouldClose)

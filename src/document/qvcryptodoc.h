@@ -1,19 +1,9 @@
 #pragma once
 
+#include "document/documentaction.h"
 #include "platform/nsdocument.h"
 
 namespace quorvane {
-
-/// The commands that a document decides about.
-enum class DocumentAction {
-    SaveDocument,
-    SaveDocumentAs,
-    DocumentPassword,
-    RevertDocumentToSaved,
-    RunPageLayout,
-    PrintDocument,
-    LockDocument,
-};
 
 /// The protection of a document that is neither cipher nor file: whether it may be read now, the
 /// passwords in memory, the sheets that ask for them, and how it closes while it is unreadable.
@@ -69,6 +59,7 @@ public:
     /// \a tag is the button's: 1000 accepts, any other declines.
     void confirmMandatoryPasswordSheet(int tag);
 
+    /// Whether a command may be given now. What would show the content waits for the password.
     bool validateUserInterfaceItem(DocumentAction action) const;
     void canCloseDocument(std::function<void(bool should)> shouldClose) override;
 

@@ -51,6 +51,29 @@ WindowEvents DocumentWindowController::windowEvents()
 void DocumentWindowController::setShouldCascadeWindows(bool)
 { }
 
+DocumentCommands DocumentWindowController::commands()
+{
+    MyDocument *document = &m_document;
+    return {
+        {DocumentAction::SaveDocument,
+         [document] {
+             document->saveDocument();
+         }},
+        {DocumentAction::SaveDocumentAs,
+         [document] {
+             document->saveDocumentAs();
+         }},
+        {DocumentAction::DocumentPassword,
+         [document] {
+             document->documentPassword();
+         }},
+        {DocumentAction::LockDocument,
+         [document] {
+             document->lockDocument();
+         }},
+    };
+}
+
 void DocumentWindowController::connectOutlets()
 {
     m_document.myWindow = m_adapter.get();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/documentaction.h"
 #include "platform/nsuserdefaults.h"
 #include "platform/nswindow.h"
 #include "platform/nswindowcontroller.h"
@@ -33,6 +34,9 @@ public:
     ~DocumentWindowController() override;
 
     DocumentWindow &window() const { return *m_window; }
+
+    /// The commands of this document, for its menus. They outlive neither document nor window.
+    DocumentCommands commands();
 
     void setShouldCascadeWindows(bool cascades) override;
 

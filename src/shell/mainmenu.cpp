@@ -50,12 +50,12 @@ QAction *MainMenu::addDocumentItem(QMenu &menu, const QString &title, DocumentAc
     QAction *item = menu.addAction(title);
     connect(item, &QAction::triggered, &m_document,
             [this, operation = std::move(operation), action] {
-                if (m_document.validateUserInterfaceItem(action)) {
+                if (m_document.validateMenuItem(action).enabled) {
                     operation(m_document);
                 }
             });
     m_items.push_back({item, [this, action] {
-                           return m_document.validateUserInterfaceItem(action);
+                           return m_document.validateMenuItem(action).enabled;
                        }});
     return item;
 }

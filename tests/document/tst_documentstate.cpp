@@ -43,6 +43,8 @@ private Q_SLOTS:
     void theEditedMarkFollowsItsTable_data();
     void theEditedMarkFollowsItsTable();
     void commandsAreOfferedByState();
+    void titlesAndMarksFollowTheReadOnlySwitch_data();
+    void titlesAndMarksFollowTheReadOnlySwitch();
     void lockingAsksAndLocksOnALaterTurn();
     void aDocumentOfThisRunComesBackSmallAfterALock();
     void lockedDocumentsCloseAtOnceAndAnswerNobody_data();
@@ -230,22 +232,57 @@ void TestDocumentState::commandsAreOfferedByState()
              {DocumentAction::SaveDocument, DocumentAction::SaveDocumentAs,
               DocumentAction::DocumentPassword, DocumentAction::RevertDocumentToSaved,
               DocumentAction::RunPageLayout, DocumentAction::PrintDocument,
-              DocumentAction::LockDocument}) {
-            marks += document.validateUserInterfaceItem(action) ? u'+' : u'-';
+              DocumentAction::EditPublicNote, DocumentAction::ImportFromTEXT,
+              DocumentAction::ImportFromRTF, DocumentAction::ImportFromRTFD,
+              DocumentAction::ExportToTEXT, DocumentAction::ExportToRTF,
+              DocumentAction::ExportToRTFD, DocumentAction::SwitchReadAndWrite,
+              DocumentAction::MakePlainText, DocumentAction::LockDocument,
+              DocumentAction::SetReadOnly, DocumentAction::SetReadAndWrite}) {
+            marks += document.validateMenuItem(action).enabled ? u'+' : u'-';
         }
         return marks;
     };
-    QCOMPARE(offered(), u"-------"_s);
+    // Who may write and who may only read stays on offer: it says nothing of the content.
+    QCOMPARE(offered(), u"----------------++"_s);
     document.submitPasswordToDecrypt(password);
-    QCOMPARE(offered(), u"++++++-"_s); // no file yet: there is nothing to lock back to
+    QCOMPARE(offered(), u"+++++++++++++++-++"_s); // no file yet: there is nothing to lock back to
     document.setFileURL(u"/documents/a.quorvane"_s);
-    QCOMPARE(offered(), u"+++++++"_s);
+    QCOMPARE(offered(), u"++++++++++++++++++"_s);
+    document.setMyIsEditable(false);
+    QCOMPARE(offered(), u"++++++++++++++-+++"_s);
     document.doLockDocument();
-    QCOMPARE(offered(), u"-------"_s);
+    QCOMPARE(offered(), u"----------------++"_s);
     WindowedDocument fresh(world);
     fresh.document->setFileURL(u"/documents/b.quorvane"_s);
-    QVERIFY(!fresh.document->validateUserInterfaceItem(DocumentAction::LockDocument));
-    QVERIFY(fresh.document->validateUserInterfaceItem(DocumentAction::SaveDocument));
+    QVERIFY(!fresh.document->validateMenuItem(DocumentAction::LockDocument).enabled);
+    QVERIFY(fresh.document->validateMenuItem(DocumentAction::SaveDocument).enabled);
+}
+
+void TestDocumentState::titlesAndMarksFollowTheReadOnlySwitch_data()
+{
+    QTest::addColumn<bool>("isEditable");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("a document that may be edited") << true << u"Prevent Editing"_s;
+    QTest::newRow("a read-only document") << false << u"Allow Editing"_s;
+}
+
+void TestDocumentState::titlesAndMarksFollowTheReadOnlySwitch()
+{
+    QFETCH(const bool, isEditable);
+    QFETCH(const QString, title);
+    World world;
+    WindowedDocument windowed(world, fileOf(world, "text", password));
+    MyDocument &document = *windowed.document;
+    document.setMyIsEditable(isEditable);
+    for (const bool locked : {true, false}) { // the title is told of a disabled item too
+        QCOMPARE(document.validateMenuItem(DocumentAction::SwitchReadAndWrite),
+                 (MenuItemState {!locked, title, {}}));
+        QCOMPARE(document.validateMenuItem(DocumentAction::SetReadOnly),
+                 (MenuItemState {true, {}, !isEditable}));
+        QCOMPARE(document.validateMenuItem(DocumentAction::SetReadAndWrite),
+                 (MenuItemState {true, {}, isEditable}));
+        document.submitPasswordToDecrypt(password);
+    }
 }
 
 void TestDocumentState::lockingAsksAndLocksOnALaterTurn()
