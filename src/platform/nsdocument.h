@@ -57,6 +57,8 @@ public:
 
     virtual void saveDocument();
     void saveDocumentAs();
+    /// Saves an edited document that has a file, without a command. A failure is told of.
+    void autosave();
     /// Saves to the file, or asks for one first; \a done learns whether the document was written.
     void saveDocument(std::function<void(bool saved)> done);
 
@@ -91,8 +93,6 @@ protected:
     /// To be called whenever isTextEdited may answer otherwise than before.
     void textEditedMayHaveChanged();
 
-    /// Saves an edited document that has a file, without a command. A failure is told of.
-    void autosave();
     /// Runs on a later turn of the main loop, unless the document is gone by then.
     void later(std::function<void()> operation);
 

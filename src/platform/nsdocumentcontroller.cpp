@@ -136,6 +136,13 @@ void NSDocumentController::tellNotOpened(const QString &path, const QString &rea
     m_alerts.runModal(alert, [](AlertAnswer) {});
 }
 
+void NSDocumentController::autosaveDocuments()
+{
+    for (NSDocument *document : documents()) {
+        document->autosave();
+    }
+}
+
 void NSDocumentController::closeAllDocuments(std::function<void(bool closed)> done)
 {
     reviewNext(std::move(done));

@@ -29,6 +29,8 @@ public:
     /// Opens a file, or brings forward the document that has it open, by whatever path. A file that
     /// does not open is told of.
     void openDocumentWithContentsOfURL(const QString &path, const OpenCompletion &completion = {});
+    /// Saves every edited document that may be saved without a question, at once.
+    void autosaveDocuments();
     /// Reviews the edited documents one by one, then closes all. \a done learns whether all agreed.
     void closeAllDocuments(std::function<void(bool closed)> done);
 
