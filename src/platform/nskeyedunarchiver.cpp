@@ -29,7 +29,7 @@ constexpr int greatestDepth = 64; // of dictionaries in dictionaries
 constexpr quint64 weightOfObject = 64;
 constexpr quint64 weightOfEntry = 128;
 
-enum class Class { Unknown, Data, Date, Dictionary, Number, String };
+enum class Class { Unknown, AttributedString, Data, Date, Dictionary, Number, String };
 
 struct ClassName
 {
@@ -38,6 +38,7 @@ struct ClassName
 };
 
 constexpr ClassName knownClasses[] = {
+    {"NSAttributedString"_L1, Class::AttributedString},
     {"NSData"_L1, Class::Data},
     {"NSMutableData"_L1, Class::Data},
     {"NSDate"_L1, Class::Date},
@@ -100,6 +101,7 @@ private:
     std::optional<NSObject> instance(const Value &value, int depth);
     std::optional<Class> classOf(const Value &instance);
 
+    std::optional<NSObject> attributedStringInstance(const Value &instance, int depth);
     std::optional<NSObject> dataInstance(const Value &instance);
     std::optional<NSObject> dateInstance(const Value &instance);
     std::optional<NSObject> numberInstance(const Value &instance);
@@ -231,6 +233,8 @@ std::optional<NSObject> Unarchiver::instance(const Value &value, int depth)
     switch (*itsClass) {
     case Class::Unknown:
         return NSObject::unknown();
+    case Class::AttributedString:
+        return attributedStringInstance(value, depth);
     case Class::Data:
         return dataInstance(value);
     case Class::Date:
@@ -273,6 +277,17 @@ std::optional<Class> Unarchiver::classOf(const Value &instance)
 
 // An instance of a known class without the contents that we know is a subclass with ways of its
 // own; contents of the wrong kind are damage.
+
+// A styled text is taken for its characters.
+std::optional<NSObject> Unarchiver::attributedStringInstance(const Value &instance, int depth)
+{
+    const std::optional<Value> characters = find(instance, "NSString"_L1);
+    if (!characters) {
+        return NSObject::unknown();
+    }
+    std::optional<NSObject> string = object(*characters, depth + 1);
+    return string && string->string() ? std::move(string) : std::nullopt;
+}
 
 std::optional<NSObject> Unarchiver::dataInstance(const Value &instance)
 {
