@@ -14,18 +14,18 @@ from pathlib import Path
 CORE = {"QtCore"}
 GUI = CORE | {"QtGui"}
 WIDGETS = GUI | {"QtWidgets", "QtPrintSupport"}
-BELOW = {"util", "platform"}
+BELOW = {"platform"}
 ROOMS = {
-    "util": (set(), CORE, set()),
-    "platform": ({"util"}, CORE, set()),
+    "platform": (set(), CORE, set()),
     "platform_qt": (BELOW, WIDGETS | {"QtNetwork", "QtDBus"}, {"fontconfig"}),
     "product": (BELOW, CORE, set()),
     "crypto": (BELOW, CORE, {"openssl"}),
+    "util": (BELOW | {"crypto"}, GUI, set()),
     "document": (BELOW | {"product", "crypto"}, CORE, set()),
     "update": (BELOW | {"product", "crypto"}, CORE, set()),
     "richtext": (BELOW, GUI, set()),
-    "editor": (BELOW | {"product", "document", "richtext"}, WIDGETS, set()),
-    "shell": (BELOW | {"product", "crypto", "document", "update", "richtext", "editor"},
+    "editor": (BELOW | {"product", "util", "document", "richtext"}, WIDGETS, set()),
+    "shell": (BELOW | {"product", "crypto", "util", "document", "update", "richtext", "editor"},
               WIDGETS, set()),
 }
 ROOMS["app"] = (set(ROOMS), WIDGETS | {"QtNetwork", "QtDBus"}, set())
