@@ -22,7 +22,7 @@ ROOMS = {
     "crypto": (BELOW, CORE, {"openssl"}),
     "util": (BELOW | {"crypto"}, GUI, set()),
     "document": (BELOW | {"product", "crypto"}, CORE, set()),
-    "update": (BELOW | {"product", "crypto"}, CORE, set()),
+    "update": (BELOW | {"product"}, CORE, set()),
     "richtext": (BELOW, GUI, set()),
     "editor": (BELOW | {"product", "util", "document", "richtext"}, WIDGETS, set()),
     "shell": (BELOW | {"product", "crypto", "util", "document", "update", "richtext", "editor"},
