@@ -1,12 +1,18 @@
 #include "product/qvappsupportutility.h"
 
+#include "product/release.h"
+
 #include <QStringList>
+#include <QSysInfo>
 
 namespace quorvane {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// What RFC 3986 lets stand in a query as it is, beside the unreserved characters.
+constexpr char allowedInQuery[] = "!$&'()*+,;=:@/?";
 
 QString withoutLeadingZero(const QString &pair)
 {
@@ -41,6 +47,30 @@ void QVAppSupportUtility::visitUs(NSWorkspace &workspace)
     workspace.openURL(QUrl(QStringLiteral(QUORVANE_HOME_PAGE)));
 }
 
+void QVAppSupportUtility::visitAppUrl(NSWorkspace &workspace)
+{
+    workspace.openURL(QUrl(QStringLiteral(QUORVANE_PRODUCT_PAGE)));
+}
+
+void QVAppSupportUtility::visitTwitter(NSWorkspace &workspace)
+{
+    workspace.openURL(QUrl(QStringLiteral(QUORVANE_TWITTER_PAGE)));
+}
+
+void QVAppSupportUtility::emailUs(NSWorkspace &workspace)
+{
+    const QString subject = u"Support Request for %1 rel. %2 - macOS %3"_s.arg(
+        productName, calcReleaseString(releaseNumber), QSysInfo::prettyProductName());
+    const QByteArray encoded = QUrl::toPercentEncoding(subject, allowedInQuery);
+    workspace.openURL(QUrl(u"mailto:%1?subject=%2"_s.arg(QStringLiteral(QUORVANE_SUPPORT_ADDRESS),
+                                                         QString::fromLatin1(encoded))));
+}
+
+void QVAppSupportUtility::emailArdelis(NSWorkspace &workspace)
+{
+    emailUs(workspace);
+}
+
 void QVAppSupportUtility::visitArdelis(NSWorkspace &workspace)
 {
     visitUs(workspace);
@@ -59,6 +89,25 @@ void QVAppSupportUtility::sayFilecreatedWithANewerVersion(ModalAlerts &alerts,
         "last version of this application from our site"_s,
         {u"Go to Download Last Version"_s, u"Cancel"_s},
     };
+    sayNewer(alert, alerts, workspace, answered);
+}
+
+void QVAppSupportUtility::dataIn_ApplicationSupportFolder_CreatedWithANewerVersion(
+    ModalAlerts &alerts, NSWorkspace &workspace, const std::function<void(bool)> &answered)
+{
+    const NSAlert alert {
+        u"Data file the software tryed to open from the Application Support folder was created with a more recent version of this application"_s,
+        u"You need a release of this application equal or successive to the one used to create "
+        u"this data file.\n\nPlease use a more recent version of this application"_s,
+        {u"Go to Download Last Version"_s, u"Cancel"_s},
+    };
+    sayNewer(alert, alerts, workspace, answered);
+}
+
+void QVAppSupportUtility::sayNewer(const NSAlert &alert, ModalAlerts &alerts,
+                                   NSWorkspace &workspace,
+                                   const std::function<void(bool)> &answered)
+{
     alerts.runModal(alert, [&workspace, answered](AlertAnswer answer) {
         if (answer == AlertAnswer::First) {
             visitArdelis(workspace);
