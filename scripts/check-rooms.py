@@ -21,7 +21,7 @@ ROOMS = {
     "platform_qt": (BELOW, WIDGETS | {"QtNetwork", "QtDBus"}, {"fontconfig"}),
     "product": (BELOW, CORE, set()),
     "crypto": (BELOW, CORE, {"openssl"}),
-    "document": (BELOW | {"product", "crypto"}, CORE, set()),
+    "document": (BELOW | {"product", "crypto"}, CORE, {"zxcvbn"}),
     "update": (BELOW | {"product", "crypto"}, CORE, set()),
     "richtext": (BELOW, GUI, set()),
     "editor": (BELOW | {"product", "document", "richtext"}, WIDGETS, set()),
