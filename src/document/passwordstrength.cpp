@@ -164,8 +164,8 @@ QString PasswordStrength::text() const
     const QString reaching = protectingCharacters > 1
         ? u"Only the first %1 characters protect the document"_s.arg(protectingCharacters)
         : u"Only the first character protects the document"_s;
-    return u"%1: letters beyond plain Latin ones use up the room of those behind them. %2"_s.arg(
-        reaching, sentence);
+    return u"%1: accents and other alphabets use up the room of the rest. %2"_s.arg(reaching,
+                                                                                    sentence);
 }
 
 } // namespace quorvane

@@ -127,13 +127,16 @@ LockedPage::LockedPage(QWidget *parent)
     kept.setRetainSizeWhenHidden(true); // nothing jumps when it shows
     m_progress->setSizePolicy(kept);
     m_progress->hide();
-    column->addWidget(m_progress);
     m_capsLock = new CapsLockNotice(this);
     m_capsLock->watch(*m_password);
     connect(m_capsLock, &CapsLockNotice::changed, this, [this](bool on) {
         m_password->setAccessibleDescription(on ? m_capsLock->text() : QString());
     });
-    column->addWidget(m_capsLock);
+    auto *notices = new QVBoxLayout;
+    notices->setSpacing(4);
+    notices->addWidget(m_progress);
+    notices->addWidget(m_capsLock);
+    column->addLayout(notices);
 
     m_field = std::make_unique<Field>(*m_password);
     m_indicator = std::make_unique<Indicator>(*m_progress);

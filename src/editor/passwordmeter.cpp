@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QPainter>
 
-#include <algorithm>
 #include <array>
 
 namespace quorvane {
@@ -85,26 +84,11 @@ void PasswordMeter::setPassword(const QString &password)
     const PasswordStrength strength = PasswordStrength::of(password);
     m_bar->setLevel(static_cast<int>(strength.level));
     m_words->setText(strength.text());
-    makeRoom();
 }
 
 QString PasswordMeter::text() const
 {
     return m_words->text();
-}
-
-void PasswordMeter::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    makeRoom();
-}
-
-// Layouts do not enlarge a window for words that wrap. What was needed once is kept: a sheet that
-// went up and down with each key would be worse.
-void PasswordMeter::makeRoom()
-{
-    const int needed = m_words->heightForWidth(width());
-    m_words->setMinimumHeight(std::max(m_words->minimumHeight(), needed));
 }
 
 } // namespace quorvane

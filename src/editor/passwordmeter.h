@@ -18,13 +18,8 @@ public:
     void setPassword(const QString &password);
     QString text() const; ///< The words, empty where nothing is shown.
 
-protected:
-    void resizeEvent(QResizeEvent *event) override;
-
 private:
     class Bar;
-
-    void makeRoom();
 
     Bar *m_bar = nullptr;
     QLabel *m_words = nullptr;

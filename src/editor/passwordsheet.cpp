@@ -108,10 +108,7 @@ void PasswordSheet::addFields(QFormLayout &form)
     m_inserted = addField(form, texts.inserted);
     connect(m_inserted, &QLineEdit::textEdited, this,
             [this](const QString &text) { emit insertedEdited(typeable(*m_inserted, text)); });
-    connect(m_inserted, &QLineEdit::textChanged, this, [this](const QString &text) {
-        m_meter->setPassword(text);
-        describeFields();
-    });
+    connect(m_inserted, &QLineEdit::textChanged, this, &PasswordSheet::judge);
     form.addRow(QString(), m_meter);
     m_retype = addField(form, texts.retype);
     connect(m_retype, &QLineEdit::textEdited, this,
@@ -137,6 +134,14 @@ QLineEdit *PasswordSheet::addField(QFormLayout &form, const QString &name)
     m_capsLock->watch(*field);
     form.addRow(name + u':', field);
     return field;
+}
+
+void PasswordSheet::judge()
+{
+    if (isVisible()) { // the fields of all sheets follow each other
+        m_meter->setPassword(m_inserted->text());
+        describeFields();
+    }
 }
 
 // The notices are read with the field that they are about.
@@ -213,6 +218,7 @@ void PasswordSheet::beginSheet(std::function<void(int code)> ended)
 
 void PasswordSheet::focusFirst()
 {
+    judge();
     QLineEdit *first = m_previous ? m_previous : m_inserted;
     first->setFocus();
     first->deselect();

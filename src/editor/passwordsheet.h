@@ -62,6 +62,7 @@ private:
     QLineEdit *addField(QFormLayout &form, const QString &name);
     void addButtons();
     void setEcho(bool clear);
+    void judge();
     void describeFields();
 
     Kind m_kind;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QBoxLayout>
+#include <QEvent>
 #include <QLabel>
 
 #include <utility>
@@ -38,6 +39,25 @@ void SheetDialog::beginSheet(std::function<void(int code)> ended)
     m_ended = std::move(ended);
     open();
     focusFirst();
+}
+
+bool SheetDialog::event(QEvent *event)
+{
+    const bool isTaken = QDialog::event(event);
+    if (event->type() == QEvent::LayoutRequest) {
+        makeRoom();
+    }
+    return isTaken;
+}
+
+// Layouts do not enlarge a window for words that wrap. It stays as large as it was needed once: a
+// sheet that went up and down with each key would be worse.
+void SheetDialog::makeRoom()
+{
+    const int needed = layout()->totalHeightForWidth(width());
+    if (isVisible() && needed > minimumHeight()) {
+        setMinimumHeight(needed);
+    }
 }
 
 void SheetDialog::endSheet(int code)

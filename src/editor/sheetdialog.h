@@ -29,7 +29,11 @@ protected:
     /// The sheet is up: gives the keyboard to its first field.
     virtual void focusFirst() = 0;
 
+    bool event(QEvent *event) override;
+
 private:
+    void makeRoom();
+
     QBoxLayout *m_column = nullptr;
     std::function<void(int)> m_ended;
 };
