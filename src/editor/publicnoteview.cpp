@@ -131,6 +131,15 @@ void PublicNoteView::noteChange()
     emit edited();
 }
 
+void PublicNoteView::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (isReadOnly()) { // the toolkit would insert it, as the caret can be moved
+        event->ignore();
+        return;
+    }
+    QPlainTextEdit::inputMethodEvent(event);
+}
+
 void PublicNoteView::focusOutEvent(QFocusEvent *event)
 {
     QPlainTextEdit::focusOutEvent(event);

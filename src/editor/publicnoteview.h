@@ -34,6 +34,7 @@ signals:
 
 protected:
     QMimeData *createMimeDataFromSelection() const override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;

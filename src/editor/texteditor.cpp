@@ -423,8 +423,11 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
 
 void TextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
-    if (!isReadOnly() && insertsText(event->commitString())
-        && !hasRoomFor(2 * cursorRect().height())) {
+    if (isReadOnly()) { // the toolkit would insert it, as the caret can be moved
+        event->ignore();
+        return;
+    }
+    if (insertsText(event->commitString()) && !hasRoomFor(2 * cursorRect().height())) {
         refuse();
         return;
     }

@@ -119,6 +119,9 @@ private slots:
         window.view.setText(u"see https://example.org"_s);
         window.view.setForReading();
         QTest::keyClicks(&window.view, u"typed"_s);
+        QInputMethodEvent composed;
+        composed.setCommitString(u"composed"_s);
+        QCoreApplication::sendEvent(&window.view, &composed);
         QTest::keyClick(&window.view, Qt::Key_End, Qt::ShiftModifier);
         QCOMPARE(window.view.textCursor().selectedText(), u"see https://example.org"_s);
         QVERIFY(!(window.view.textInteractionFlags() & Qt::LinksAccessibleByMouse));
