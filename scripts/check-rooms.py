@@ -21,7 +21,7 @@ ROOMS = {
     "product": (BELOW, CORE, set()),
     "crypto": (BELOW, CORE, {"openssl"}),
     "util": (BELOW | {"crypto"}, GUI, set()),
-    "document": (BELOW | {"product", "crypto"}, CORE, set()),
+    "document": (BELOW | {"product", "crypto"}, CORE, {"zxcvbn"}),
     "update": (BELOW | {"product"}, CORE, set()),
     "richtext": (BELOW, GUI, set()),
     "editor": (BELOW | {"product", "util", "document", "richtext"}, WIDGETS, set()),

@@ -15,7 +15,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr int derivationRounds = 10000;
 constexpr qsizetype keyLength = 32;
 constexpr qsizetype saltLength = 8;
 constexpr qsizetype blockSize = 16;
@@ -40,18 +39,15 @@ uchar *bytesOf(QByteArray &data)
 bool derive(const std::optional<QString> &password, const std::optional<QByteArray> &salt,
             QByteArray &key)
 {
-    const QString text = password.value_or(QString());
-    const QByteArray utf8 = text.toUtf8();
+    const QByteArray hashed = QVCommonCrypto::keyBytesOf(password.value_or(QString()));
     const QByteArray salting = salt.value_or(QByteArray());
-    // Existing files hash as many UTF-8 bytes as the password has UTF-16 units.
-    const qsizetype hashed = std::min(text.size(), utf8.size());
     constexpr qsizetype longest = std::numeric_limits<int>::max();
-    if (hashed > longest || salting.size() > longest) {
+    if (hashed.size() > longest || salting.size() > longest) {
         return false;
     }
-    return PKCS5_PBKDF2_HMAC(utf8.constData(), static_cast<int>(hashed), bytesOf(salting),
-                             static_cast<int>(salting.size()), derivationRounds, EVP_sha1(),
-                             static_cast<int>(key.size()), bytesOf(key))
+    return PKCS5_PBKDF2_HMAC(hashed.constData(), static_cast<int>(hashed.size()), bytesOf(salting),
+                             static_cast<int>(salting.size()), QVCommonCrypto::derivationRounds,
+                             EVP_sha1(), static_cast<int>(key.size()), bytesOf(key))
         == 1;
 }
 
@@ -207,6 +203,12 @@ QByteArray QVCommonCrypto::AESKeyForPassword(const std::optional<QString> &passw
     QByteArray key(keyLength, '\0');
     derive(password, salt, key);
     return key;
+}
+
+QByteArray QVCommonCrypto::keyBytesOf(const QString &password)
+{
+    // Existing files hash as many UTF-8 bytes as the password has UTF-16 units.
+    return password.toUtf8().left(password.size());
 }
 
 std::optional<QByteArray> QVCommonCrypto::dataSHA1(const std::optional<QByteArray> &data)

@@ -24,6 +24,8 @@ struct [[nodiscard]] Outcome
 class QVCommonCrypto final
 {
 public:
+    static constexpr int derivationRounds = 10000;
+
     static constexpr qint32 statusParameter = -4300; ///< Vector, salt or context of no use.
     static constexpr qint32 statusMemory = -4302; ///< No room for the result.
     static constexpr qint32 statusAlignment = -4303; ///< Not a whole number of blocks.
@@ -68,6 +70,9 @@ public:
     /// Always 32 bytes. An absent password or salt counts as an empty one.
     [[nodiscard]] static QByteArray AESKeyForPassword(const std::optional<QString> &password,
                                                       const std::optional<QByteArray> &salt);
+    /// The bytes of a password that reach the key: as many of its UTF-8 bytes as it has UTF-16
+    /// units. All else that stands behind them counts for nothing.
+    [[nodiscard]] static QByteArray keyBytesOf(const QString &password);
     /// 20 bytes; absent where the digest fails. Absent data counts as zero bytes.
     [[nodiscard]] static std::optional<QByteArray> dataSHA1(const std::optional<QByteArray> &data);
     /// 256 characters of the codes 1 to 255, not ASCII alone. No key material.

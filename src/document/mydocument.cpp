@@ -36,6 +36,8 @@ void MyDocument::disconnectOutlets()
     myScrollView = nullptr;
     modernToolbar = nullptr;
     passwordToDecryptField = nullptr;
+    myPublicTextSheet = nullptr;
+    myPublicNoteView = nullptr;
 }
 
 std::optional<QByteArray> MyDocument::myTextViewData() const
@@ -109,6 +111,10 @@ void MyDocument::windowControllerDidLoadNib()
         prepareUnlockedWindow();
     }
     applyDefaults();
+    if (myPublicNoteView) {
+        myPublicNoteView->setUsesFontPanel(false);
+        myPublicNoteView->setUsesRuler(false);
+    }
     updateChangeCount(NSDocumentChangeType::Cleared);
 }
 
@@ -135,11 +141,17 @@ void MyDocument::prepareUnlockedWindow()
 void MyDocument::applyDefaults()
 {
     const NSUserDefaults &defaults = m_surroundings.defaults;
-    myTextView->setTypingAttributes(m_surroundings.fontManager.fontWithName(
-        defaults.value(settings::startupFontFamily), defaults.value(settings::startupFontSize)));
+    myTextView->setTypingAttributes(startupFont());
     myTextView->setRulerVisible(defaults.value(settings::startWithRuler));
     myTextView->setContinuousSpellCheckingEnabled(defaults.value(settings::startWithSpelling));
     myTextView->setUsesAdaptiveColorMappingForDarkAppearance(true);
+}
+
+std::optional<NSFont> MyDocument::startupFont() const
+{
+    const NSUserDefaults &defaults = m_surroundings.defaults;
+    return m_surroundings.fontManager.fontWithName(defaults.value(settings::startupFontFamily),
+                                                   defaults.value(settings::startupFontSize));
 }
 
 // The top edge keeps its place, up to the fraction that the cut drops.

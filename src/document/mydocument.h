@@ -83,6 +83,18 @@ public:
     /// How the menu item of a command stands: enabled or not, its title, its check mark.
     MenuItemState validateMenuItem(DocumentAction action) const;
 
+    /// Opens the sheet in which the note is edited. Editing takes effect as it goes.
+    void editPublicNote();
+    void closePublicNoteSheet();
+
+    // None of these marks the document as edited.
+    void switchReadAndWrite();
+    void setReadOnly();
+    void setReadAndWrite();
+    /// Asks, then takes all styles from the text.
+    void makePlainText();
+    void doMakePlainText();
+
     void lockDocument();
     void doLockDocument();
 
@@ -94,6 +106,8 @@ public:
     NSResponder *myScrollView = nullptr;
     NSToolbar *modernToolbar = nullptr;
     NSSecureTextField *passwordToDecryptField = nullptr;
+    NSSheet *myPublicTextSheet = nullptr;
+    NSPlainTextView *myPublicNoteView = nullptr;
 
 Q_SIGNALS:
     void myPublicTextDataChanged();
@@ -111,6 +125,7 @@ private:
     void prepareLockedWindow();
     void prepareUnlockedWindow();
     void applyDefaults();
+    std::optional<NSFont> startupFont() const;
     NSRect lockedFrame() const;
 
     bool hasEngineForPassword() const;

@@ -12,6 +12,8 @@ class QVCryptoDoc : public NSDocument
     Q_OBJECT
 
 public:
+    static constexpr qsizetype leastPasswordLength = 6; ///< UTF-16 units.
+
     QVCryptoDoc(const DocumentSurroundings &surroundings, QString extension);
 
     bool isEncrypted() const { return m_isEncrypted; } ///< The content may not be shown.

@@ -8,12 +8,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype leastPasswordLength = 6; // UTF-16 units
 constexpr int acceptingTag = 1000;
 
 bool isLongEnough(const std::optional<QString> &password)
 {
-    return password && password->size() >= leastPasswordLength;
+    return password && password->size() >= QVCryptoDoc::leastPasswordLength;
 }
 
 // An absent field is equal to nothing, not even to another absent one.

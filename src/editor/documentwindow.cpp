@@ -89,6 +89,9 @@ void DocumentWindow::setReadOnly(bool readOnly)
 {
     m_readOnly = readOnly;
     m_editor->setReadOnly(readOnly);
+    if (readOnly) { // the caret goes on leading through the text
+        m_editor->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    }
     updateFormatting();
 }
 

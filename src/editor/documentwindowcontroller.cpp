@@ -6,6 +6,8 @@
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/passwordsheet.h"
+#include "editor/publicnotesheet.h"
+#include "editor/publicnoteview.h"
 #include "editor/texteditor.h"
 #include "product/settings.h"
 
@@ -24,6 +26,8 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
           std::make_unique<PasswordSheet>(PasswordSheet::Kind::Mandatory, m_window.get()))
     , m_changeSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Change, m_window.get()))
     , m_insertSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Insert, m_window.get()))
+    , m_noteSheet(std::make_unique<PublicNoteSheet>(m_window.get()))
+    , m_noteDelegate(document)
 {
     connectOutlets();
     bindAppearance();
@@ -36,6 +40,7 @@ DocumentWindowController::~DocumentWindowController()
 {
     // The widgets still tell of changes while they go, and the outlets go before them.
     m_window->editor().disconnect(&m_document);
+    m_noteSheet->view().disconnect(this);
     m_document.disconnectOutlets();
 }
 
@@ -71,6 +76,26 @@ DocumentCommands DocumentWindowController::commands()
          [document] {
              document->lockDocument();
          }},
+        {DocumentAction::EditPublicNote,
+         [document] {
+             document->editPublicNote();
+         }},
+        {DocumentAction::SwitchReadAndWrite,
+         [document] {
+             document->switchReadAndWrite();
+         }},
+        {DocumentAction::SetReadOnly,
+         [document] {
+             document->setReadOnly();
+         }},
+        {DocumentAction::SetReadAndWrite,
+         [document] {
+             document->setReadAndWrite();
+         }},
+        {DocumentAction::MakePlainText,
+         [document] {
+             document->makePlainText();
+         }},
     };
 }
 
@@ -85,12 +110,15 @@ void DocumentWindowController::connectOutlets()
     m_document.mandatoryPasswordSheet = m_mandatorySheet.get();
     m_document.changePasswordSheet = m_changeSheet.get();
     m_document.insertPasswordSheet = m_insertSheet.get();
+    m_document.myPublicTextSheet = m_noteSheet.get();
+    m_document.myPublicNoteView = &m_noteSheet->view();
 }
 
 void DocumentWindowController::bindAppearance()
 {
     const auto follow = [this] {
         if (m_document.isEncrypted()) {
+            showNote();
             m_window->showLockedAppearance();
         } else {
             m_window->showEditorAppearance();
@@ -166,13 +194,29 @@ void DocumentWindowController::tellSurplusOnce()
 
 void DocumentWindowController::bindPublicNote()
 {
-    const auto show = [this] {
-        m_window->lockedPage().setPublicNote(m_document.myPublicTextData().value_or(QString()));
-    };
-    connect(&m_document, &MyDocument::myPublicTextDataChanged, this, show);
-    show();
+    connect(&m_document, &MyDocument::myPublicTextDataChanged, this,
+            &DocumentWindowController::showNote);
+    showNote();
+    PublicNoteView &view = m_noteSheet->view();
+    connect(&view, &PublicNoteView::edited, this, [this, &view] {
+        m_document.setMyPublicTextData(view.text());
+        m_noteDelegate.textDidChange();
+    });
+    connect(&view, &PublicNoteView::editingEnded, this,
+            [this] { m_noteDelegate.textDidEndEditing(); });
+    connect(m_noteSheet.get(), &PublicNoteSheet::closeAsked, &m_document,
+            &MyDocument::closePublicNoteSheet);
     connect(&m_defaults, &NSUserDefaults::changed, this, &DocumentWindowController::applyNoteFont);
     applyNoteFont();
+}
+
+void DocumentWindowController::showNote()
+{
+    const QString note = m_document.myPublicTextData().value_or(QString());
+    m_noteSheet->view().setText(note);
+    if (m_document.isEncrypted()) { // else nobody sees it, and each key would lay it out
+        m_window->lockedPage().setPublicNote(note);
+    }
 }
 
 void DocumentWindowController::applyNoteFont()
@@ -184,6 +228,7 @@ void DocumentWindowController::applyNoteFont()
     font.setBold(m_defaults.value(settings::publicNoteFontBold));
     font.setItalic(m_defaults.value(settings::publicNoteFontItalic));
     m_window->lockedPage().setNoteFont(font);
+    m_noteSheet->view().setNoteFont(font);
 }
 
 void DocumentWindowController::bindSheets()

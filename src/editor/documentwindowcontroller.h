@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/documentaction.h"
+#include "document/publicnotedelegate.h"
 #include "platform/nsuserdefaults.h"
 #include "platform/nswindow.h"
 #include "platform/nswindowcontroller.h"
@@ -18,6 +19,7 @@ class DocumentWindow;
 class EditorView;
 class MyDocument;
 class PasswordSheet;
+class PublicNoteSheet;
 
 /// Builds a document's window and joins its widgets to the document: outlets, actions, and each
 /// property with the field that shows it, in both directions.
@@ -51,6 +53,7 @@ private:
     void tellBodyIsTooTall();
     void tellSurplusOnce();
     void applyEditable();
+    void showNote();
     void applyNoteFont();
 
     MyDocument &m_document;
@@ -61,6 +64,8 @@ private:
     std::unique_ptr<PasswordSheet> m_mandatorySheet;
     std::unique_ptr<PasswordSheet> m_changeSheet;
     std::unique_ptr<PasswordSheet> m_insertSheet;
+    std::unique_ptr<PublicNoteSheet> m_noteSheet;
+    PublicNoteDelegate m_noteDelegate;
     bool m_hasToldSurplus = false;
 };
 

@@ -1,9 +1,11 @@
 #include "editor/editorview.h"
 
+#include "editor/plaintext.h"
 #include "editor/texteditor.h"
 #include "richtext/body.h"
 
 #include <QTextDocument>
+#include <QTextOption>
 
 #include <tuple>
 
@@ -56,8 +58,46 @@ void EditorView::markUnedited()
     m_editor.content()->setModified(false);
 }
 
+qsizetype EditorView::length() const
+{
+    return m_editor.content()->characterCount() - 1;
+}
+
+bool EditorView::setAttributes(const std::optional<NSFont> &font)
+{
+    QTextCharFormat format;
+    if (font) {
+        format.setFontFamilies({font->family});
+        format.setFontPointSize(font->pointSize);
+    }
+    if (!m_editor.showInPlace(plainCopy(*m_editor.content(), format))) {
+        return false;
+    }
+    m_revision = -1; // no bytes stand for this text yet
+    m_holdsSurplus = false;
+    return true;
+}
+
+NSParagraphStyle EditorView::defaultParagraphStyle() const
+{
+    return {m_editor.content()->defaultTextOption().tabStopDistance()};
+}
+
+void EditorView::setDefaultParagraphStyle(const NSParagraphStyle &style)
+{
+    if (style == defaultParagraphStyle()) {
+        return; // setting it lays the whole text out
+    }
+    QTextOption option = m_editor.content()->defaultTextOption();
+    option.setTabStopDistance(style.defaultTabInterval);
+    m_editor.content()->setDefaultTextOption(option);
+}
+
 void EditorView::setTypingAttributes(const std::optional<NSFont> &font)
 {
+    if (m_editor.content()->isEmpty() && !m_editor.isContentHidden()) {
+        m_editor.setCurrentCharFormat(QTextCharFormat());
+    }
     m_editor.setTypingFont(font);
 }
 

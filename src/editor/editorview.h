@@ -18,6 +18,13 @@ public:
     std::optional<QByteArray> body() const override;
     bool isEdited() const override;
     void markUnedited() override;
+
+    bool isRichText() const override { return !m_isTooTall; }
+
+    qsizetype length() const override;
+    bool setAttributes(const std::optional<NSFont> &font) override;
+    NSParagraphStyle defaultParagraphStyle() const override;
+    void setDefaultParagraphStyle(const NSParagraphStyle &style) override;
     void setTypingAttributes(const std::optional<NSFont> &font) override;
     void setRulerVisible(bool visible) override;
     void setContinuousSpellCheckingEnabled(bool enabled) override;

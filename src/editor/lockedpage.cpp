@@ -1,12 +1,14 @@
 #include "editor/lockedpage.h"
 
+#include "editor/capslocknotice.h"
 #include "editor/glyphicon.h"
+#include "editor/publicnoteview.h"
 
 #include <QBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPlainTextEdit>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -107,10 +109,8 @@ LockedPage::LockedPage(QWidget *parent)
     column->setSpacing(14);
     column->addWidget(newHeader());
 
-    m_note = new QPlainTextEdit(this);
-    m_note->setReadOnly(true);
-    m_note->setAccessibleName(u"Public Note"_s);
-    m_note->setTabChangesFocus(true);
+    m_note = new PublicNoteView(this);
+    m_note->setForReading();
     m_note->setMinimumHeight(40);
     column->addWidget(m_note, 1);
     m_noNote = new QLabel(u"No public note"_s, this);
@@ -127,7 +127,16 @@ LockedPage::LockedPage(QWidget *parent)
     kept.setRetainSizeWhenHidden(true); // nothing jumps when it shows
     m_progress->setSizePolicy(kept);
     m_progress->hide();
-    column->addWidget(m_progress);
+    m_capsLock = new CapsLockNotice(this);
+    m_capsLock->watch(*m_password);
+    connect(m_capsLock, &CapsLockNotice::changed, this, [this](bool on) {
+        m_password->setAccessibleDescription(on ? m_capsLock->text() : QString());
+    });
+    auto *notices = new QVBoxLayout;
+    notices->setSpacing(4);
+    notices->addWidget(m_progress);
+    notices->addWidget(m_capsLock);
+    column->addLayout(notices);
 
     m_field = std::make_unique<Field>(*m_password);
     m_indicator = std::make_unique<Indicator>(*m_progress);
@@ -188,29 +197,14 @@ void LockedPage::setDocumentName(const QString &name)
 
 void LockedPage::setPublicNote(const QString &note)
 {
-    m_note->setPlainText(note);
+    m_note->setText(note);
     m_note->setVisible(!note.isEmpty());
     m_noNote->setVisible(note.isEmpty());
 }
 
 void LockedPage::setNoteFont(const QFont &font)
 {
-    m_noteFont = font;
-    applyNoteFont();
-}
-
-// Not before the note is seen: a new document would pay for the font of a page that it never shows.
-void LockedPage::applyNoteFont()
-{
-    if (isVisible()) {
-        m_note->document()->setDefaultFont(m_noteFont);
-    }
-}
-
-void LockedPage::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    applyNoteFont();
+    m_note->setNoteFont(font);
 }
 
 void LockedPage::focusPassword()
@@ -231,7 +225,12 @@ NSProgressIndicator &LockedPage::progressIndicator()
 
 void LockedPage::submit()
 {
+    const QPointer<LockedPage> self(this);
     emit passwordSubmitted(m_password->text());
+    // A wrong password stays, ready to be typed over.
+    if (self && m_password->isVisible()) {
+        focusPassword();
+    }
 }
 
 } // namespace quorvane

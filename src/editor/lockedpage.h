@@ -2,18 +2,20 @@
 
 #include "platform/nswindow.h"
 
-#include <QFont>
 #include <QWidget>
 
 #include <memory>
 
+class QFont;
 class QLabel;
 class QLineEdit;
-class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
 
 namespace quorvane {
+
+class CapsLockNotice;
+class PublicNoteView;
 
 /// What a locked document shows: its name, its public note, and the place for the password.
 class LockedPage final : public QWidget
@@ -38,9 +40,6 @@ signals:
     /// Return in the field, or the button; an empty password too.
     void passwordSubmitted(const QString &password);
 
-protected:
-    void showEvent(QShowEvent *event) override;
-
 private:
     class Field;
     class Indicator;
@@ -48,14 +47,13 @@ private:
     QWidget *newHeader();
     QWidget *newPasswordRow();
     void submit();
-    void applyNoteFont();
 
-    QFont m_noteFont;
     QLabel *m_name = nullptr;
-    QPlainTextEdit *m_note = nullptr;
+    PublicNoteView *m_note = nullptr;
     QLabel *m_noNote = nullptr;
     QLineEdit *m_password = nullptr;
     QPushButton *m_unlock = nullptr;
+    CapsLockNotice *m_capsLock = nullptr;
     QProgressBar *m_progress = nullptr;
     std::unique_ptr<Field> m_field;
     std::unique_ptr<Indicator> m_indicator;

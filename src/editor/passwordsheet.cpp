@@ -1,9 +1,11 @@
 #include "editor/passwordsheet.h"
 
+#include "editor/capslocknotice.h"
+#include "editor/passwordmeter.h"
+
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -68,52 +70,58 @@ void showIn(QLineEdit *field, const QString &password)
     }
 }
 
+// What comes with a pasted password from the end of its line cannot be typed again.
+QString typeable(QLineEdit &field, QString text)
+{
+    if (text.contains(u'\n') || text.contains(u'\r')) {
+        text.remove(u'\n').remove(u'\r');
+        field.setText(text);
+    }
+    return text;
+}
+
 } // namespace
 
 PasswordSheet::PasswordSheet(Kind kind, QWidget *host)
-    : QDialog(host)
+    : SheetDialog(textsOf(kind).title, textsOf(kind).explanation, host)
     , m_kind(kind)
 {
-    const SheetTexts texts = textsOf(kind);
-    setWindowTitle(texts.title);
-    setWindowModality(Qt::WindowModal);
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(24, 20, 24, 20);
-    column->setSpacing(14);
-    auto *title = new QLabel(texts.title, this);
-    QFont font = title->font();
-    font.setBold(true);
-    font.setPointSizeF(font.pointSizeF() * 1.2);
-    title->setFont(font);
-    column->addWidget(title);
-    auto *explanation = new QLabel(texts.explanation, this);
-    explanation->setWordWrap(true);
-    column->addWidget(explanation);
-
     auto *form = new QFormLayout;
     form->setSpacing(10);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    if (kind == Kind::Change) {
-        m_previous = addField(*form, u"Old Master Password"_s);
+    addFields(*form);
+    column().addLayout(form);
+    column().addStretch(1);
+    addButtons();
+    setMinimumWidth(480);
+}
+
+void PasswordSheet::addFields(QFormLayout &form)
+{
+    const SheetTexts texts = textsOf(m_kind);
+    m_capsLock = new CapsLockNotice(this);
+    m_meter = new PasswordMeter(this);
+    if (m_kind == Kind::Change) {
+        m_previous = addField(form, u"Old Master Password"_s);
         connect(m_previous, &QLineEdit::textEdited, this, &PasswordSheet::previousEdited);
     }
-    m_inserted = addField(*form, texts.inserted);
-    connect(m_inserted, &QLineEdit::textEdited, this, &PasswordSheet::insertedEdited);
-    m_retype = addField(*form, texts.retype);
-    connect(m_retype, &QLineEdit::textEdited, this, &PasswordSheet::retypeEdited);
-    m_showPassword = new QCheckBox(u"Show password"_s, this);
-    form->addRow(QString(), m_showPassword);
+    m_inserted = addField(form, texts.inserted);
+    connect(m_inserted, &QLineEdit::textEdited, this,
+            [this](const QString &text) { emit insertedEdited(typeable(*m_inserted, text)); });
+    connect(m_inserted, &QLineEdit::textChanged, this, &PasswordSheet::judge);
+    form.addRow(QString(), m_meter);
+    m_retype = addField(form, texts.retype);
+    connect(m_retype, &QLineEdit::textEdited, this,
+            [this](const QString &text) { emit retypeEdited(typeable(*m_retype, text)); });
+    m_showPassword = new QCheckBox(u"&Show password"_s, this);
     connect(m_showPassword, &QCheckBox::toggled, this, &PasswordSheet::setEcho);
     connect(m_showPassword, &QCheckBox::clicked, this, &PasswordSheet::showsClearPasswordChanged);
-    column->addLayout(form);
-    column->addStretch(1);
-    column->addLayout(newButtons());
-    setMinimumWidth(440);
-    connect(this, &QDialog::finished, this, [this](int code) {
-        if (const auto ended = std::exchange(m_ended, nullptr)) {
-            ended(code);
-        }
-    });
+    auto *row = new QHBoxLayout;
+    row->addWidget(m_showPassword);
+    row->addStretch(1);
+    row->addWidget(m_capsLock);
+    form.addRow(QString(), row);
+    connect(m_capsLock, &CapsLockNotice::changed, this, &PasswordSheet::describeFields);
 }
 
 QLineEdit *PasswordSheet::addField(QFormLayout &form, const QString &name)
@@ -123,11 +131,32 @@ QLineEdit *PasswordSheet::addField(QFormLayout &form, const QString &name)
     field->setAccessibleName(name);
     field->setMinimumHeight(28);
     field->setTextMargins(4, 0, 4, 0);
+    m_capsLock->watch(*field);
     form.addRow(name + u':', field);
     return field;
 }
 
-QLayout *PasswordSheet::newButtons()
+void PasswordSheet::judge()
+{
+    if (isVisible()) { // the fields of all sheets follow each other
+        m_meter->setPassword(m_inserted->text());
+        describeFields();
+    }
+}
+
+// The notices are read with the field that they are about.
+void PasswordSheet::describeFields()
+{
+    const QString capsLock = m_capsLock->isOn() ? m_capsLock->text() : QString();
+    for (QLineEdit *field : {m_previous, m_inserted, m_retype}) {
+        if (field) {
+            const QString meter = field == m_inserted ? m_meter->text() : QString();
+            field->setAccessibleDescription(QStringList({capsLock, meter}).join(u' ').trimmed());
+        }
+    }
+}
+
+void PasswordSheet::addButtons()
 {
     const SheetTexts texts = textsOf(m_kind);
     auto *row = new QHBoxLayout;
@@ -142,7 +171,7 @@ QLayout *PasswordSheet::newButtons()
     connect(declines, &QPushButton::clicked, this, &PasswordSheet::reject);
     declines->setMinimumHeight(28);
     row->addWidget(declines);
-    return row;
+    column().addLayout(row);
 }
 
 void PasswordSheet::setPrevious(const QString &password)
@@ -180,23 +209,20 @@ void PasswordSheet::setEcho(bool clear)
 
 void PasswordSheet::beginSheet(std::function<void(int code)> ended)
 {
-    m_ended = std::move(ended);
-    open();
+    const bool isRetry = !m_inserted->text().isEmpty() || !m_retype->text().isEmpty();
+    if (!isRetry) {
+        setShowsClearPassword(false); // what was shown once is not shown to the next who comes by
+    }
+    SheetDialog::beginSheet(std::move(ended));
+}
+
+void PasswordSheet::focusFirst()
+{
+    judge();
     QLineEdit *first = m_previous ? m_previous : m_inserted;
     first->setFocus();
     first->deselect();
     first->end(false);
-}
-
-void PasswordSheet::endSheet(int code)
-{
-    done(code);
-}
-
-void PasswordSheet::putForward()
-{
-    raise();
-    activateWindow();
 }
 
 void PasswordSheet::accept()

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/nswindow.h"
-
-#include <QDialog>
+#include "editor/sheetdialog.h"
 
 class QCheckBox;
 class QFormLayout;
@@ -10,11 +8,14 @@ class QLineEdit;
 
 namespace quorvane {
 
+class CapsLockNotice;
+class PasswordMeter;
+
 /// Asks for a new password, twice, and for the old one where there is one.
 ///
 /// It decides nothing and does not end by itself: its buttons only tell. Whoever began it ends it
 /// with endSheet. Its fields keep what was typed until they are set to something else.
-class PasswordSheet final : public QDialog, public NSSheet
+class PasswordSheet final : public SheetDialog
 {
     Q_OBJECT
 
@@ -40,12 +41,13 @@ public:
     void setShowsClearPassword(bool shows);
 
     void beginSheet(std::function<void(int code)> ended) override;
-    void endSheet(int code) override;
-    void putForward() override;
 
     /// Return and the first button; Escape, the window manager and the second button.
     void accept() override;
     void reject() override;
+
+protected:
+    void focusFirst() override;
 
 signals:
     void previousEdited(const QString &password);
@@ -56,16 +58,20 @@ signals:
     void declined(); ///< Stands for declineTag.
 
 private:
+    void addFields(QFormLayout &form);
     QLineEdit *addField(QFormLayout &form, const QString &name);
-    QLayout *newButtons();
+    void addButtons();
     void setEcho(bool clear);
+    void judge();
+    void describeFields();
 
     Kind m_kind;
     QLineEdit *m_previous = nullptr;
     QLineEdit *m_inserted = nullptr;
     QLineEdit *m_retype = nullptr;
     QCheckBox *m_showPassword = nullptr;
-    std::function<void(int)> m_ended;
+    PasswordMeter *m_meter = nullptr;
+    CapsLockNotice *m_capsLock = nullptr;
 };
 
 } // namespace quorvane

@@ -114,6 +114,23 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     return ShowResult::Shown;
 }
 
+bool TextEditor::showInPlace(std::unique_ptr<QTextDocument> document)
+{
+    const Place kept = isContentHidden() ? m_place : place();
+    const bool wasModified = m_content->isModified();
+    if (showDocument(std::move(document)) == ShowResult::TooTall) {
+        refuse();
+        return false;
+    }
+    m_content->setModified(wasModified);
+    if (isContentHidden()) {
+        m_place = kept;
+    } else {
+        restore(kept);
+    }
+    return true;
+}
+
 // Documents stay ours: the editor would delete a child of its own when it is given another one, and
 // a document that is no child of an editor would read files to find its images.
 void TextEditor::attach(QTextDocument *document)
@@ -406,8 +423,11 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
 
 void TextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
-    if (!isReadOnly() && insertsText(event->commitString())
-        && !hasRoomFor(2 * cursorRect().height())) {
+    if (isReadOnly()) { // the toolkit would insert it, as the caret can be moved
+        event->ignore();
+        return;
+    }
+    if (insertsText(event->commitString()) && !hasRoomFor(2 * cursorRect().height())) {
         refuse();
         return;
     }

@@ -38,6 +38,11 @@ public:
     /// is where the answer is TooTall. While the content is hidden it stays hidden.
     [[nodiscard]] ShowResult showDocument(std::unique_ptr<QTextDocument> document);
 
+    /// Shows another document of the same text in the place of this one: caret, selection, scroll
+    /// place and modified state stay. \return false, with tooTall() sent and nothing changed, where
+    /// it would not fit.
+    bool showInPlace(std::unique_ptr<QTextDocument> document);
+
     /// The document, also while it is hidden and document() is an empty stand-in.
     QTextDocument *content() const { return m_content.get(); }
 

@@ -54,6 +54,8 @@ struct Outlets final : NSWindowController
         document.mandatoryPasswordSheet = &mandatorySheet;
         document.changePasswordSheet = &changeSheet;
         document.insertPasswordSheet = &insertSheet;
+        document.myPublicTextSheet = &noteSheet;
+        document.myPublicNoteView = &noteView;
     }
 
     FakeTextView textView;
@@ -63,6 +65,8 @@ struct Outlets final : NSWindowController
     ScriptedSheet mandatorySheet;
     ScriptedSheet changeSheet;
     ScriptedSheet insertSheet;
+    ScriptedSheet noteSheet;
+    FakeNoteView noteView;
     bool shouldCascade = true;
     ScriptedWindow window;
 };

@@ -252,7 +252,16 @@ void TestPasswordSheets::theChangeSheetChanges()
     fill(*windowed.document, u"another"_s, u"another"_s, u"password"_s);
     windowed.document->confirmChangePasswordSheet();
     world.queue.runAll();
-    QCOMPARE(windowed.outlets->window.alerts.last().messageText, u"Password changed successfuly"_s);
+    const NSAlert changed {
+        u"Password changed successfuly"_s,
+        u"This new password will be used when saving this document.\nData will be stored on disk "
+        "encrypted using a secure algorithm.\n\nNext time, to open this document, this new "
+        "password "
+        "will be required.\nStore your new password in a safe place.\nThere is no way, even for "
+        "the "
+        "Orbelt, to open the document and decrypt the data without the right password."_s,
+        {u"OK"_s}};
+    QCOMPARE(windowed.outlets->window.alerts, QList<NSAlert>({changed}));
     QCOMPARE(windowed.document->plainPassword(), u"another"_s);
     QCOMPARE(windowed.document->plainPasswordPrevious(), std::optional(QString(u""_s)));
     QVERIFY(windowed.document->isDocumentEdited());

@@ -2,6 +2,8 @@
 
 #include "platform/nstextview.h"
 
+#include <QStringList>
+
 #include <utility>
 
 namespace quorvane {
@@ -31,7 +33,30 @@ public:
 
     void becomeFirstResponder() override { ++focused; }
 
-    void setTypingAttributes(const std::optional<NSFont> &font) override { typingFont = font; }
+    bool isRichText() const override { return isRich; }
+
+    qsizetype length() const override { return m_body ? m_body->size() : 0; }
+
+    bool setAttributes(const std::optional<NSFont> &font) override
+    {
+        calls << QStringLiteral("setAttributes");
+        textFont = font;
+        return !isTooTall;
+    }
+
+    NSParagraphStyle defaultParagraphStyle() const override { return paragraphs; }
+
+    void setDefaultParagraphStyle(const NSParagraphStyle &style) override
+    {
+        calls << QStringLiteral("setDefaultParagraphStyle");
+        paragraphs = style;
+    }
+
+    void setTypingAttributes(const std::optional<NSFont> &font) override
+    {
+        calls << QStringLiteral("setTypingAttributes");
+        typingFont = font;
+    }
 
     void setRulerVisible(bool visible) override { rulerVisible = visible; }
 
@@ -48,6 +73,10 @@ public:
         m_edited = true;
     }
 
+    QStringList calls; ///< What changed the look, in order.
+    bool isRich = true;
+    std::optional<NSFont> textFont;
+    NSParagraphStyle paragraphs {80};
     bool isTooTall = false; ///< Refuses what is set.
     int bodiesSet = 0;
     int focused = 0;
@@ -59,6 +88,17 @@ public:
 private:
     std::optional<QByteArray> m_body;
     bool m_edited = false;
+};
+
+class FakeNoteView final : public NSPlainTextView
+{
+public:
+    void setUsesFontPanel(bool uses) override { usesFontPanel = uses; }
+
+    void setUsesRuler(bool uses) override { usesRuler = uses; }
+
+    bool usesFontPanel = true;
+    bool usesRuler = true;
 };
 
 } // namespace quorvane

@@ -34,7 +34,9 @@ namespace quorvane {
 class RealProgram final
 {
 public:
-    RealProgram() { m_defaults.registerDefaults(settings::registeredDefaults()); }
+    RealProgram() { defaults.registerDefaults(settings::registeredDefaults()); }
+
+    InMemoryDefaults defaults;
 
     ~RealProgram()
     {
@@ -132,7 +134,7 @@ private:
     {
         return std::make_unique<MyDocument>(MyDocumentSurroundings {
             {m_queue, files, panels},
-            m_defaults,
+            defaults,
             m_fontManager,
             m_alerts,
             m_workspace,
@@ -148,14 +150,13 @@ private:
             QObject::connect(window.get(), &QtWindow::becameKey, events.becameKey);
             return window;
         };
-        auto controller = std::make_unique<DocumentWindowController>(made, m_defaults, adapt);
+        auto controller = std::make_unique<DocumentWindowController>(made, defaults, adapt);
         m_windows << &controller->window();
         new MainMenu(controller->window(), made, documents); // owned by the window
         return controller;
     }
 
     QtOperationQueue m_queue;
-    InMemoryDefaults m_defaults;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     RecordingWorkspace m_workspace;

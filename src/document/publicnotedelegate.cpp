@@ -1,0 +1,17 @@
+#include "document/publicnotedelegate.h"
+
+#include "document/mydocument.h"
+
+namespace quorvane {
+
+void PublicNoteDelegate::textDidChange()
+{
+    doc.updateChangeCount(NSDocumentChangeType::Done);
+}
+
+void PublicNoteDelegate::textDidEndEditing()
+{
+    doc.updateChangeCount(NSDocumentChangeType::Done);
+}
+
+} // namespace quorvane
