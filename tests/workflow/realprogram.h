@@ -15,6 +15,7 @@
 #include "shell/mainmenu.h"
 #include "support/failingfilestore.h"
 #include "support/inmemorydefaults.h"
+#include "support/listedrecents.h"
 #include "support/recordingworkspace.h"
 #include "support/scriptedpanels.h"
 
@@ -135,7 +136,7 @@ private:
             m_defaults,
             m_fontManager,
             m_alerts,
-            m_workspace,
+            workspace,
             [this](MyDocument &made) { return loadNib(made); },
         });
     }
@@ -150,7 +151,11 @@ private:
         };
         auto controller = std::make_unique<DocumentWindowController>(made, m_defaults, adapt);
         m_windows << &controller->window();
-        new MainMenu(controller->window(), made, documents); // owned by the window
+        const MenuSurroundings surroundings {documents, recents, m_alerts, workspace, [this] {
+                                                 documents.closeAllDocuments([](bool) {});
+                                             }};
+        new MainMenu(controller->window(), surroundings, // owned by the window
+                     MenuDocument {controller->window(), made, controller->commands()});
         return controller;
     }
 
@@ -158,12 +163,13 @@ private:
     InMemoryDefaults m_defaults;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
-    RecordingWorkspace m_workspace;
     QList<QPointer<DocumentWindow>> m_windows;
 
 public:
     FailingFileStore files;
     ScriptedPanels panels;
+    ListedRecents recents;
+    RecordingWorkspace workspace;
     NSDocumentController documents {{m_queue, files, panels}, m_alerts, documentExtension, [this] {
                                         return makeDocument();
                                     }};

@@ -1,0 +1,42 @@
+#include "shell/menuitems.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QPointer>
+
+#include <utility>
+
+namespace quorvane {
+
+QAction *MenuItems::add(QMenu &menu, const QString &title, const QKeySequence &shortcut,
+                        std::function<void()> run, State state)
+{
+    QAction *action = menu.addAction(title);
+    action->setShortcut(shortcut);
+    connect(action, &QAction::triggered, this, [this, run = std::move(run), state] {
+        const QPointer<MenuItems> self(this); // the item may close its window
+        if (state().enabled) {
+            run();
+        }
+        if (self) {
+            self->validate();
+        }
+    });
+    m_items.push_back({action, std::move(state)});
+    return action;
+}
+
+void MenuItems::validate()
+{
+    for (const Item &item : m_items) {
+        const MenuItemState state = item.state();
+        item.action->setEnabled(state.enabled);
+        if (state.title) {
+            item.action->setText(*state.title);
+        }
+        item.action->setCheckable(state.on.has_value());
+        item.action->setChecked(state.on.value_or(false));
+    }
+}
+
+} // namespace quorvane
