@@ -4,7 +4,6 @@
 #include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
 #include "editor/glyphicon.h"
-#include "editor/texteditor.h"
 #include "platform/nsdocumentcontroller.h"
 #include "product/qvappsupportutility.h"
 #include "product/release.h"
@@ -105,13 +104,6 @@ QMenu *MainMenu::addMenu(const QString &title)
     return menu;
 }
 
-QMenu *MainMenu::addSubmenu(QMenu &menu, const QString &title)
-{
-    QMenu *submenu = menu.addMenu(title);
-    connect(submenu, &QMenu::aboutToShow, m_items, &MenuItems::validate);
-    return submenu;
-}
-
 void MainMenu::addCommands(QMenu &menu, std::initializer_list<DocumentAction> actions)
 {
     for (const DocumentAction action : actions) {
@@ -176,9 +168,9 @@ void MainMenu::buildFileMenu()
     addCommands(*menu,
                 {Action::SaveDocument, Action::SaveDocumentAs, Action::RevertDocumentToSaved});
     menu->addSeparator();
-    addCommands(*addSubmenu(*menu, u"&Import"_s),
+    addCommands(*m_items->addSubmenu(*menu, u"&Import"_s),
                 {Action::ImportFromTEXT, Action::ImportFromRTF, Action::ImportFromRTFD});
-    addCommands(*addSubmenu(*menu, u"&Export"_s),
+    addCommands(*m_items->addSubmenu(*menu, u"&Export"_s),
                 {Action::ExportToTEXT, Action::ExportToRTF, Action::ExportToRTFD});
     menu->addSeparator();
     addCommands(*menu, {Action::DocumentPassword, Action::EditPublicNote, Action::LockDocument});
@@ -249,10 +241,6 @@ void MainMenu::followDocument()
     connect(document, &QVCryptoDoc::plainPasswordChanged, m_items, &MenuItems::validate);
     connect(document, &MyDocument::fileURLChanged, m_items, &MenuItems::validate);
     connect(document, &MyDocument::myIsEditableChanged, m_items, &MenuItems::validate);
-    const TextEditor *editor = &m_document->window.editor();
-    connect(editor, &QTextEdit::undoAvailable, m_items, &MenuItems::validate);
-    connect(editor, &QTextEdit::redoAvailable, m_items, &MenuItems::validate);
-    connect(editor, &QTextEdit::copyAvailable, m_items, &MenuItems::validate);
 }
 
 } // namespace quorvane

@@ -54,7 +54,6 @@ public:
 
 private:
     QMenu *addMenu(const QString &title);
-    QMenu *addSubmenu(QMenu &menu, const QString &title);
     void addCommand(QMenu &menu, DocumentAction action);
     void addCommands(QMenu &menu, std::initializer_list<DocumentAction> actions);
     void buildApplicationMenu();

@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 namespace quorvane {
@@ -26,6 +27,12 @@ QAction *MenuItems::add(QMenu &menu, const QString &title, const QKeySequence &s
     return action;
 }
 
+QMenu *MenuItems::addSubmenu(QMenu &menu, const QString &title)
+{
+    m_submenus.push_back(menu.addMenu(title));
+    return m_submenus.back();
+}
+
 void MenuItems::validate()
 {
     for (const Item &item : m_items) {
@@ -36,6 +43,12 @@ void MenuItems::validate()
         }
         item.action->setCheckable(state.on.has_value());
         item.action->setChecked(state.on.value_or(false));
+    }
+    for (const QMenu *submenu : m_submenus) {
+        const QList<QAction *> actions = submenu->actions();
+        submenu->menuAction()->setEnabled(
+            std::any_of(actions.begin(), actions.end(),
+                        [](const QAction *action) { return action->isEnabled(); }));
     }
 }
 

@@ -26,6 +26,8 @@ public:
 
     QAction *add(QMenu &menu, const QString &title, const QKeySequence &shortcut,
                  std::function<void()> run, State state = alwaysEnabled);
+    /// A submenu that opens only where one of its items is enabled.
+    QMenu *addSubmenu(QMenu &menu, const QString &title);
     void validate();
 
     static MenuItemState alwaysEnabled() { return {true, {}, {}}; }
@@ -38,6 +40,7 @@ private:
     };
 
     std::vector<Item> m_items;
+    std::vector<QMenu *> m_submenus;
 };
 
 } // namespace quorvane

@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
+
 namespace quorvane {
 
 using namespace Qt::StringLiterals;
@@ -19,6 +21,7 @@ constexpr int folderRole = Qt::UserRole + 1;
 constexpr int isThereRole = Qt::UserRole + 2;
 constexpr int padding = 8;
 constexpr int crossExtent = 9;
+constexpr float paleness = 0.65F;
 
 QRect crossPlace(const QRect &row)
 {
@@ -46,7 +49,7 @@ public:
         const bool isThere = index.data(isThereRole).toBool();
         const QColor strong = inkOf(row, isThere);
         QColor weak = strong;
-        weak.setAlphaF(isThere ? 0.65F : 0.85F);
+        weak.setAlphaF(isThere ? paleness : 1.0F);
         const bool hasCross = row.state & (QStyle::State_MouseOver | QStyle::State_Selected);
         const QRect words = row.rect.adjusted(padding, padding,
                                               -(crossPlace(row.rect).width() + padding), -padding);
@@ -126,7 +129,7 @@ void RecentList::reload()
             (isThere ? u"%1, in %2"_s : u"%1, not found in %2"_s).arg(item->text(), folder));
         item->setToolTip(path.toHtmlEscaped());
     }
-    setCurrentRow(qBound(0, row, count() - 1));
+    setCurrentRow(std::min(std::max(row, 0), count() - 1));
 }
 
 void RecentList::keyPressEvent(QKeyEvent *event)
@@ -188,7 +191,9 @@ void RecentList::paintEvent(QPaintEvent *event)
         return;
     }
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
+    QColor ink = palette().color(QPalette::Text);
+    ink.setAlphaF(paleness);
+    painter.setPen(ink);
     painter.drawText(viewport()->rect().adjusted(3 * padding, 0, -3 * padding, 0),
                      Qt::AlignCenter | Qt::TextWordWrap,
                      u"The documents that you open or save will be listed here."_s);

@@ -8,6 +8,7 @@
 
 #include <QBoxLayout>
 #include <QCloseEvent>
+#include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int markExtent = 56;
 constexpr double nameScale = 1.9; // of the usual size of text
+constexpr double paleness = 0.65;
 constexpr QSize initialSize(540, 560);
 constexpr QSize smallestSize(400, 400);
 
@@ -90,8 +92,10 @@ QWidget *StartWindow::newHeader()
     font.setWeight(QFont::DemiBold);
     name->setFont(font);
     auto *what = new QLabel(u"Documents that are kept encrypted, always."_s, header);
-    what->setForegroundRole(QPalette::PlaceholderText);
     what->setWordWrap(true);
+    auto *pale = new QGraphicsOpacityEffect(what); // not every palette has a colour for it
+    pale->setOpacity(paleness);
+    what->setGraphicsEffect(pale);
     words->addStretch();
     words->addWidget(name);
     words->addWidget(what);

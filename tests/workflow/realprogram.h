@@ -13,6 +13,7 @@
 #include "product/release.h"
 #include "product/settings.h"
 #include "shell/mainmenu.h"
+#include "shell/startwindowkeeper.h"
 #include "support/failingfilestore.h"
 #include "support/inmemorydefaults.h"
 #include "support/listedrecents.h"
@@ -32,7 +33,7 @@
 namespace quorvane {
 
 /// The program with its real windows, menus, sheets and alerts, over files in memory.
-class RealProgram final
+class RealProgram
 {
 public:
     RealProgram() { m_defaults.registerDefaults(settings::registeredDefaults()); }
@@ -117,9 +118,11 @@ public:
     }
 
     /// The menu item of that title, whatever its menu.
-    QAction *menuItem(const QString &title) const
+    QAction *menuItem(const QString &title) const { return menuItem(window(), title); }
+
+    static QAction *menuItem(const QWidget &root, const QString &title)
     {
-        const auto actions = window().findChildren<QAction *>();
+        const auto actions = root.findChildren<QAction *>();
         for (QAction *action : actions) {
             if (action->text().remove(u'&') == title) {
                 return action;
@@ -129,6 +132,18 @@ public:
     }
 
 private:
+    MenuSurroundings menuSurroundings()
+    {
+        return {documents, recents, m_alerts, workspace, [this] {
+                    documents.closeAllDocuments([this](bool closed) {
+                        if (closed) {
+                            startWindow.end();
+                            hasQuit = true;
+                        }
+                    });
+                }};
+    }
+
     std::unique_ptr<NSDocument> makeDocument()
     {
         return std::make_unique<MyDocument>(MyDocumentSurroundings {
@@ -151,10 +166,7 @@ private:
         };
         auto controller = std::make_unique<DocumentWindowController>(made, m_defaults, adapt);
         m_windows << &controller->window();
-        const MenuSurroundings surroundings {documents, recents, m_alerts, workspace, [this] {
-                                                 documents.closeAllDocuments([](bool) {});
-                                             }};
-        new MainMenu(controller->window(), surroundings, // owned by the window
+        new MainMenu(controller->window(), menuSurroundings(), // owned by the window
                      MenuDocument {controller->window(), made, controller->commands()});
         return controller;
     }
@@ -173,6 +185,8 @@ public:
     NSDocumentController documents {{m_queue, files, panels}, m_alerts, documentExtension, [this] {
                                         return makeDocument();
                                     }};
+    StartWindowKeeper startWindow {menuSurroundings(), m_queue}; ///< Only where a test begins it.
+    bool hasQuit = false;
 };
 
 } // namespace quorvane
