@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 
 namespace quorvane {
 
@@ -24,6 +25,7 @@ constexpr double nameScale = 1.9; // of the usual size of text
 constexpr double paleness = 0.65;
 constexpr QSize initialSize(540, 560);
 constexpr QSize smallestSize(400, 400);
+constexpr double largestShare = 0.9; // of the screen
 
 class Mark final : public QWidget
 {
@@ -68,7 +70,7 @@ StartWindow::StartWindow(const MenuSurroundings &surroundings)
     column->addWidget(m_recents, 1);
     setCentralWidget(page);
     setMinimumSize(smallestSize);
-    resize(initialSize);
+    resize(initialSize.boundedTo(screen()->availableSize() * largestShare));
     new MainMenu(*this, m_surroundings); // owned by the window
     connect(m_recents, &RecentList::chosen, this,
             [this](const QString &path) { openRecentDocument(path, m_surroundings); });
