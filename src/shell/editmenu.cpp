@@ -52,11 +52,10 @@ template <typename TextEdit> EditMenu::Abilities abilitiesOf(const TextEdit &edi
 EditMenu::EditMenu(QMenu &menu, QMainWindow &window, MenuItems &items)
     : QObject(&menu)
     , m_window(window)
-    , m_items(items)
 {
     const auto add = [&](const QString &title, const QKeySequence &shortcut, const char *operation,
                          bool Abilities::*ability) {
-        m_items.add(
+        items.add(
             menu, title, shortcut,
             [this, operation] { QMetaObject::invokeMethod(text(), operation); },
             [this, ability] {
@@ -69,7 +68,7 @@ EditMenu::EditMenu(QMenu &menu, QMainWindow &window, MenuItems &items)
     add(u"Cu&t"_s, QKeySequence::Cut, "cut", &Abilities::cut);
     add(u"&Copy"_s, QKeySequence::Copy, "copy", &Abilities::copy);
     add(u"&Paste"_s, QKeySequence::Paste, "paste", &Abilities::paste);
-    m_items.add(
+    items.add(
         menu, u"&Delete"_s, QKeySequence::Delete, [this] { deleteSelection(); },
         [this] {
             return MenuItemState {abilities().remove, {}, {}};

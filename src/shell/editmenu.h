@@ -38,7 +38,6 @@ private:
     void deleteSelection();
 
     QMainWindow &m_window;
-    MenuItems &m_items;
     QPointer<QWidget> m_last;
 };
 

@@ -3,8 +3,9 @@
 #include "document/documentaction.h"
 
 #include <QObject>
-#include <QPointer>
 
+#include <functional>
+#include <initializer_list>
 #include <optional>
 
 class QAction;
