@@ -13,10 +13,12 @@
 #include "platform_qt/qtwindow.h"
 #include "platform_qt/qtworkspace.h"
 #include "platform_qt/settingsdefaults.h"
+#include "platform_qt/xdgrecentdocuments.h"
 #include "product/qvappsupportutility.h"
 #include "product/release.h"
 #include "shell/mainmenu.h"
 #include "shell/myappdelegate.h"
+#include "shell/startwindowkeeper.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -38,8 +40,11 @@ public:
     Program();
 
     void start(const QStringList &files);
+    /// Closes all documents, with the questions that this takes, then ends the program.
+    void quit();
 
 private:
+    MenuSurroundings menuSurroundings();
     std::unique_ptr<NSDocument> makeDocument();
     std::unique_ptr<NSWindowController> loadNib(MyDocument &document);
 
@@ -53,14 +58,37 @@ private:
     QtWorkspace m_workspace;
     NSDocumentController m_documents;
     MyAppDelegate m_delegate;
+    XdgRecentDocuments m_recents;
+    StartWindowKeeper m_startWindow;
 };
 
 Program::Program()
     : m_documents({m_mainQueue, m_files, m_panels}, m_alerts, documentExtension,
                   [this] { return makeDocument(); })
     , m_delegate(m_defaults, m_documents, m_timers)
+    , m_recents(m_timers, {productName, u"quorvane %f"_s, documentType})
+    , m_startWindow(menuSurroundings(), m_mainQueue)
 {
     MyAppDelegate::initialize(m_defaults);
+    QObject::connect(&m_documents, &NSDocumentController::fileUsed, &m_recents,
+                     [this](const QString &path) { m_recents.note(path); });
+}
+
+MenuSurroundings Program::menuSurroundings()
+{
+    return {m_documents, m_recents, m_alerts, m_workspace, [this] {
+                quit();
+            }};
+}
+
+void Program::quit()
+{
+    m_documents.closeAllDocuments([this](bool closed) {
+        if (closed) {
+            m_startWindow.end();
+            QCoreApplication::quit();
+        }
+    });
 }
 
 std::unique_ptr<NSDocument> Program::makeDocument()
@@ -85,7 +113,8 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         return window;
     };
     auto controller = std::make_unique<DocumentWindowController>(document, m_defaults, adapt);
-    new MainMenu(controller->window(), document, m_documents); // owned by the window
+    new MainMenu(controller->window(), menuSurroundings(), // owned by the window
+                 MenuDocument {controller->window(), document, controller->commands()});
     return controller;
 }
 
@@ -97,6 +126,7 @@ void Program::start(const QStringList &files)
     if (files.isEmpty() && m_delegate.applicationShouldOpenUntitledFile()) {
         m_documents.newDocument();
     }
+    m_startWindow.begin();
     m_delegate.applicationDidFinishLaunching();
 }
 
@@ -150,6 +180,8 @@ int runWindowProgram(int argc, char **argv)
     QApplication::setApplicationDisplayName(productName);
     QApplication::setDesktopFileName(u"quorvane"_s);
     const QStringList files = filesOfCommandLine(application);
+    // The last document's window goes before the start window comes.
+    QApplication::setQuitOnLastWindowClosed(false);
     Program program;
     QObject::connect(&application, &QCoreApplication::aboutToQuit, clearOwnClipboard);
     program.start(files);

@@ -67,6 +67,7 @@ void drawPadlock(QPainter &painter, const QRectF &rect, bool isOpen)
     QPainterPath body;
     body.addRoundedRect(QRectF(2.5, 7, 11, 7.5), 1.5, 1.5);
     QPainterPath keyhole;
+    keyhole.setFillRule(Qt::WindingFill);
     keyhole.addEllipse(QPointF(8, 10.1), 1.1, 1.1);
     keyhole.addRect(QRectF(7.55, 10.2, 0.9, 2.4));
     painter.fillPath(body.subtracted(keyhole), painter.pen().color());

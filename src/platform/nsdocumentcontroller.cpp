@@ -49,6 +49,8 @@ void NSDocumentController::add(std::unique_ptr<NSDocument> document)
         return open != nullptr && open != added;
     });
     connect(added, &NSDocument::closed, this, [this, added] { remove(added); });
+    connect(added, &NSDocument::fileURLChanged, this,
+            [this, added] { Q_EMIT fileUsed(*added->fileURL()); });
     added->makeWindowControllers();
     added->showWindows();
     Q_EMIT documentsChanged();
@@ -126,6 +128,7 @@ void NSDocumentController::openDocumentWithContentsOfURL(const QString &path,
     document->setFileURL(path);
     NSDocument *opened = document.get();
     add(std::move(document));
+    Q_EMIT fileUsed(*opened->fileURL());
     complete(opened, false);
 }
 

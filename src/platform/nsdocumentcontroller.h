@@ -36,6 +36,8 @@ public:
 
 Q_SIGNALS:
     void documentsChanged();
+    /// A document was opened from the file, or saved to it.
+    void fileUsed(const QString &path);
 
 private:
     void add(std::unique_ptr<NSDocument> document);

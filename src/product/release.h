@@ -13,5 +13,6 @@ constexpr qint64 releaseNumber = 20601;
 constexpr QLatin1StringView productName = "Quorvane"_L1;
 constexpr QLatin1StringView vendorName = "Orbelt - Mirando"_L1;
 constexpr QLatin1StringView documentExtension = "quorvane"_L1;
+constexpr QLatin1StringView documentType = "application/x-quorvane"_L1; ///< As MIME names it.
 
 } // namespace quorvane

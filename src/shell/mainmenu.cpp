@@ -4,162 +4,243 @@
 #include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
 #include "editor/glyphicon.h"
-#include "editor/texteditor.h"
 #include "platform/nsdocumentcontroller.h"
+#include "product/qvappsupportutility.h"
 #include "product/release.h"
+#include "shell/editmenu.h"
+#include "shell/menuitems.h"
+#include "shell/recentmenu.h"
+#include "shell/windowmenu.h"
 
 #include <QAction>
-#include <QCoreApplication>
+#include <QEvent>
+#include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 
-#include <utility>
+#include <algorithm>
 
 namespace quorvane {
 
 using namespace Qt::StringLiterals;
 
-MainMenu::MainMenu(DocumentWindow &window, MyDocument &document, NSDocumentController &documents)
+namespace {
+
+struct CommandRow
+{
+    DocumentAction action;
+    QString title;
+    QKeySequence shortcut;
+};
+
+const CommandRow &rowOf(DocumentAction action)
+{
+    using Action = DocumentAction;
+    static const CommandRow rows[] = {
+        {Action::SaveDocument, u"&Save"_s, QKeySequence::Save},
+        {Action::SaveDocumentAs, u"Save &As…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S},
+        {Action::RevertDocumentToSaved, u"Re&vert to Saved…"_s, {}},
+        {Action::ImportFromTEXT, u"From &Plain Text…"_s, {}},
+        {Action::ImportFromRTF, u"From &RTF…"_s, {}},
+        {Action::ImportFromRTFD, u"From RTF&D…"_s, {}},
+        {Action::ExportToTEXT, u"To &Plain Text…"_s, {}},
+        {Action::ExportToRTF, u"To &RTF…"_s, {}},
+        {Action::ExportToRTFD, u"To RTF&D…"_s, {}},
+        {Action::DocumentPassword, u"Document Pass&word…"_s, {}},
+        {Action::EditPublicNote, u"Public No&te…"_s, {}},
+        {Action::LockDocument, u"&Lock Document…"_s, Qt::CTRL | Qt::Key_L},
+        {Action::RunPageLayout, u"Page Set&up…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_P},
+        {Action::PrintDocument, u"&Print…"_s, QKeySequence::Print},
+        {Action::MakePlainText, u"Make &Plain Text…"_s, {}},
+        {Action::SwitchReadAndWrite, u"Prevent Editing"_s, {}},
+        {Action::SetReadOnly, u"Read &Only"_s, {}},
+        {Action::SetReadAndWrite, u"Read and &Write"_s, {}},
+    };
+    return *std::find_if(std::begin(rows), std::end(rows),
+                         [action](const CommandRow &row) { return row.action == action; });
+}
+
+MenuItemState disabled()
+{
+    return {};
+}
+
+} // namespace
+
+MainMenu::MainMenu(QMainWindow &window, const MenuSurroundings &surroundings,
+                   const std::optional<MenuDocument> &document)
     : QObject(&window)
-    , m_bar(*window.menuBar())
     , m_window(window)
+    , m_surroundings(surroundings)
     , m_document(document)
-    , m_documents(documents)
+    , m_items(new MenuItems(this))
 {
     buildApplicationMenu();
     buildFileMenu();
-    buildEditMenu();
+    new EditMenu(*addMenu(u"&Edit"_s), m_window, *m_items);
     buildFormatMenu();
-    connect(&document, &QVCryptoDoc::isEncryptedChanged, this, &MainMenu::validate);
-    connect(&document, &QVCryptoDoc::plainPasswordChanged, this, &MainMenu::validate);
-    connect(&document, &MyDocument::fileURLChanged, this, &MainMenu::validate);
-    connect(&document, &MyDocument::myIsEditableChanged, this, &MainMenu::validate);
-    validate();
+    buildViewMenu();
+    new WindowMenu(*addMenu(u"&Window"_s), m_window, *m_items, m_surroundings.documents,
+                   m_document ? &m_document->document : nullptr);
+    buildHelpMenu();
+    followDocument();
+    m_window.installEventFilter(this);
+    m_items->validate();
+}
+
+// A key that nobody in the window wants for himself goes to the shortcuts next.
+bool MainMenu::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        m_items->validate();
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 QMenu *MainMenu::addMenu(const QString &title)
 {
-    QMenu *menu = m_bar.addMenu(title);
-    connect(menu, &QMenu::aboutToShow, this, &MainMenu::validate);
+    QMenu *menu = m_window.menuBar()->addMenu(title);
+    connect(menu, &QMenu::aboutToShow, m_items, &MenuItems::validate);
     return menu;
 }
 
-QAction *MainMenu::addDocumentItem(QMenu &menu, const QString &title, DocumentAction action,
-                                   std::function<void(MyDocument &)> operation)
+void MainMenu::addCommands(QMenu &menu, std::initializer_list<DocumentAction> actions)
 {
-    QAction *item = menu.addAction(title);
-    connect(item, &QAction::triggered, &m_document,
-            [this, operation = std::move(operation), action] {
-                if (m_document.validateMenuItem(action).enabled) {
-                    operation(m_document);
-                }
-            });
-    m_items.push_back({item, [this, action] {
-                           return m_document.validateMenuItem(action).enabled;
-                       }});
-    return item;
+    for (const DocumentAction action : actions) {
+        addCommand(menu, action);
+    }
+    menu.menuAction()->setVisible(!menu.isEmpty());
+}
+
+void MainMenu::addCommand(QMenu &menu, DocumentAction action)
+{
+    const CommandRow &row = rowOf(action);
+    if (!m_document) {
+        m_items->add(
+            menu, row.title, row.shortcut, [] {}, disabled);
+        return;
+    }
+    const auto command = m_document->commands.find(action);
+    if (command == m_document->commands.end()) {
+        return;
+    }
+    MyDocument *document = &m_document->document;
+    QAction *item = m_items->add(
+        menu, row.title, row.shortcut,
+        [document, run = command->second] {
+            // A sheet keeps people from the menus, but not assistive programs.
+            if (!document->windowForSheet() || !document->windowForSheet()->attachedSheet()) {
+                run();
+            }
+        },
+        [document, action] { return document->validateMenuItem(action); });
+    if (action == DocumentAction::LockDocument) {
+        showLockInToolbar(*item);
+    }
+}
+
+void MainMenu::showLockInToolbar(QAction &lock)
+{
+    lock.setIconText(u"Lock"_s);
+    lock.setIcon(glyphIcon(Glyph::Padlock));
+    lock.setIconVisibleInMenu(false);
+    m_document->window.formatToolbar().addLockAction(&lock);
 }
 
 void MainMenu::buildApplicationMenu()
 {
-    QMenu *menu = addMenu(productName);
-    QAction *quit = menu->addAction(u"&Quit %1"_s.arg(productName));
-    quit->setShortcut(QKeySequence(u"Ctrl+Q"_s));
-    quit->setMenuRole(QAction::QuitRole);
-    connect(quit, &QAction::triggered, &m_documents, [documents = &m_documents] {
-        documents->closeAllDocuments([](bool closed) {
-            if (closed) {
-                QCoreApplication::quit();
-            }
-        });
-    });
+    QMenu *menu = addMenu(u"&%1"_s.arg(productName));
+    m_items->add(*menu, u"&Quit %1"_s.arg(productName), Qt::CTRL | Qt::Key_Q, m_surroundings.quit)
+        ->setMenuRole(QAction::QuitRole);
 }
 
 void MainMenu::buildFileMenu()
 {
+    using Action = DocumentAction;
     QMenu *menu = addMenu(u"&File"_s);
-    QAction *newItem = menu->addAction(u"&New"_s, &m_documents, &NSDocumentController::newDocument);
-    newItem->setShortcut(QKeySequence::New);
-    QAction *open = menu->addAction(u"&Open…"_s, &m_documents, &NSDocumentController::openDocument);
-    open->setShortcut(QKeySequence::Open);
+    NSDocumentController *documents = &m_surroundings.documents;
+    m_items->add(*menu, u"&New"_s, QKeySequence::New, [documents] { documents->newDocument(); });
+    m_items->add(*menu, u"&Open…"_s, QKeySequence::Open,
+                 [documents] { documents->openDocument(); });
+    menu->addMenu(new RecentMenu(*menu, m_surroundings));
     menu->addSeparator();
-    QAction *close = menu->addAction(u"&Close"_s, &m_document, &NSDocument::performClose);
-    close->setShortcut(QKeySequence(u"Ctrl+W"_s));
-    addDocumentItem(*menu, u"&Save"_s, DocumentAction::SaveDocument, [](MyDocument &document) {
-        document.saveDocument();
-    })->setShortcut(QKeySequence::Save);
-    addDocumentItem(*menu, u"Save &As…"_s, DocumentAction::SaveDocumentAs,
-                    [](MyDocument &document) { document.saveDocumentAs(); })
-        ->setShortcut(QKeySequence(u"Ctrl+Shift+S"_s));
+    m_items->add(*menu, u"&Close"_s, Qt::CTRL | Qt::Key_W, [this] { m_window.close(); });
+    addCommands(*menu,
+                {Action::SaveDocument, Action::SaveDocumentAs, Action::RevertDocumentToSaved});
     menu->addSeparator();
-    addDocumentItem(*menu, u"Document &Password…"_s, DocumentAction::DocumentPassword,
-                    [](MyDocument &document) { document.documentPassword(); });
-    QAction *lock = addDocumentItem(*menu, u"&Lock Document…"_s, DocumentAction::LockDocument,
-                                    [](MyDocument &document) { document.lockDocument(); });
-    lock->setShortcut(QKeySequence(u"Ctrl+L"_s));
-    lock->setIconText(u"Lock"_s);
-    lock->setIcon(glyphIcon(Glyph::Padlock));
-    lock->setIconVisibleInMenu(false);
-    m_window.formatToolbar().addLockAction(lock);
-}
-
-void MainMenu::addEditorItem(QMenu &menu, QAction *action, const std::function<bool()> &isEnabled)
-{
-    menu.addAction(action);
-    m_items.push_back({action, [this, isEnabled] {
-                           return !m_document.isEncrypted() && isEnabled();
-                       }});
-}
-
-void MainMenu::buildEditMenu()
-{
-    QMenu *menu = addMenu(u"&Edit"_s);
-    TextEditor *editor = &m_window.editor();
-    const auto add = [this, menu, editor](const QString &title, QKeySequence::StandardKey key,
-                                          void (QTextEdit::*operation)(),
-                                          const std::function<bool()> &isEnabled) {
-        auto *action = new QAction(title, this);
-        action->setShortcut(key);
-        connect(action, &QAction::triggered, editor, operation);
-        addEditorItem(*menu, action, isEnabled);
-    };
-    const auto canWrite = [editor] {
-        return !editor->isReadOnly();
-    };
-    const auto hasSelection = [editor] {
-        return editor->textCursor().hasSelection();
-    };
-    const auto always = [] {
-        return true;
-    };
-    add(u"&Undo"_s, QKeySequence::Undo, &QTextEdit::undo,
-        [editor, canWrite] { return canWrite() && editor->content()->isUndoAvailable(); });
-    add(u"&Redo"_s, QKeySequence::Redo, &QTextEdit::redo,
-        [editor, canWrite] { return canWrite() && editor->content()->isRedoAvailable(); });
+    addCommands(*m_items->addSubmenu(*menu, u"&Import"_s),
+                {Action::ImportFromTEXT, Action::ImportFromRTF, Action::ImportFromRTFD});
+    addCommands(*m_items->addSubmenu(*menu, u"&Export"_s),
+                {Action::ExportToTEXT, Action::ExportToRTF, Action::ExportToRTFD});
     menu->addSeparator();
-    add(u"Cu&t"_s, QKeySequence::Cut, &QTextEdit::cut,
-        [hasSelection, canWrite] { return canWrite() && hasSelection(); });
-    add(u"&Copy"_s, QKeySequence::Copy, &QTextEdit::copy, hasSelection);
-    add(u"&Paste"_s, QKeySequence::Paste, &QTextEdit::paste, canWrite);
+    addCommands(*menu, {Action::DocumentPassword, Action::EditPublicNote, Action::LockDocument});
     menu->addSeparator();
-    add(u"Select &All"_s, QKeySequence::SelectAll, &QTextEdit::selectAll, always);
-    connect(editor, &QTextEdit::undoAvailable, this, &MainMenu::validate);
-    connect(editor, &QTextEdit::redoAvailable, this, &MainMenu::validate);
-    connect(editor, &QTextEdit::copyAvailable, this, &MainMenu::validate);
+    addCommands(*menu, {Action::RunPageLayout, Action::PrintDocument});
 }
 
 void MainMenu::buildFormatMenu()
 {
+    using Action = DocumentAction;
     QMenu *menu = addMenu(u"F&ormat"_s);
-    const FormatToolbar &toolbar = m_window.formatToolbar();
-    menu->addActions({toolbar.boldAction(), toolbar.italicAction(), toolbar.underlineAction()});
+    if (m_document) {
+        const FormatToolbar &toolbar = m_document->window.formatToolbar();
+        menu->addActions({toolbar.boldAction(), toolbar.italicAction(), toolbar.underlineAction()});
+    } else {
+        m_items->add(
+            *menu, u"Bold"_s, QKeySequence::Bold, [] {}, disabled);
+        m_items->add(
+            *menu, u"Italic"_s, QKeySequence::Italic, [] {}, disabled);
+        m_items->add(
+            *menu, u"Underline"_s, QKeySequence::Underline, [] {}, disabled);
+    }
+    menu->addSeparator();
+    addCommands(*menu, {Action::MakePlainText});
+    menu->addSeparator();
+    addCommands(*menu, {Action::SwitchReadAndWrite, Action::SetReadOnly, Action::SetReadAndWrite});
 }
 
-void MainMenu::validate()
+void MainMenu::buildViewMenu()
 {
-    for (const Item &item : m_items) {
-        item.action->setEnabled(item.isEnabled());
+    QMenu *menu = addMenu(u"&View"_s);
+    const auto isUnlocked = [this] {
+        return m_document && !m_document->document.isEncrypted();
+    };
+    m_items->add(
+        *menu, u"Hide &Toolbar"_s, {},
+        [this] {
+            NSToolbar &toolbar = m_document->window.modernToolbar();
+            toolbar.setVisible(!toolbar.isVisible());
+        },
+        [this, isUnlocked] {
+            const bool shows = m_document && m_document->window.modernToolbar().isVisible();
+            return MenuItemState {
+                isUnlocked(), shows || !isUnlocked() ? u"Hide &Toolbar"_s : u"Show &Toolbar"_s, {}};
+        });
+    m_items->add(
+        *menu, u"&Full Screen"_s, Qt::Key_F11,
+        [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); },
+        [this, isUnlocked] {
+            return MenuItemState {isUnlocked(), {}, m_window.isFullScreen()};
+        });
+}
+
+void MainMenu::buildHelpMenu()
+{
+    NSWorkspace *workspace = &m_surroundings.workspace;
+    m_items->add(*addMenu(u"&Help"_s), u"%1 &Home Page"_s.arg(productName), {},
+                 [workspace] { QVAppSupportUtility::visitUs(*workspace); });
+}
+
+void MainMenu::followDocument()
+{
+    if (!m_document) {
+        return;
     }
+    const MyDocument *document = &m_document->document;
+    connect(document, &QVCryptoDoc::isEncryptedChanged, m_items, &MenuItems::validate);
+    connect(document, &QVCryptoDoc::plainPasswordChanged, m_items, &MenuItems::validate);
+    connect(document, &MyDocument::fileURLChanged, m_items, &MenuItems::validate);
+    connect(document, &MyDocument::myIsEditableChanged, m_items, &MenuItems::validate);
 }
 
 } // namespace quorvane

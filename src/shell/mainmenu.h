@@ -1,53 +1,74 @@
 #pragma once
 
-#include "document/qvcryptodoc.h"
+#include "document/documentaction.h"
 
 #include <QObject>
 
 #include <functional>
-#include <vector>
+#include <initializer_list>
+#include <optional>
 
 class QAction;
+class QMainWindow;
 class QMenu;
-class QMenuBar;
 
 namespace quorvane {
 
 class DocumentWindow;
+class MenuItems;
+class ModalAlerts;
 class MyDocument;
 class NSDocumentController;
+class NSWorkspace;
+class RecentDocuments;
 
-/// The menu bar of a document's window. Its items are validated whenever a menu opens and whenever
-/// the document changes between locked and unlocked, so that no shortcut of a stale item fires.
+/// What every menu bar of the program stands on.
+struct MenuSurroundings
+{
+    NSDocumentController &documents;
+    RecentDocuments &recents;
+    ModalAlerts &alerts;
+    NSWorkspace &workspace;
+    std::function<void()> quit; ///< Ends the program, after the review of its documents.
+};
+
+/// The document that a menu bar's window shows.
+struct MenuDocument
+{
+    DocumentWindow &window;
+    MyDocument &document;
+    DocumentCommands commands;
+};
+
+/// The menu bar of a window, which owns it. Items of a document that the window does not have are
+/// there and disabled. The items are validated whenever a menu opens, before a key is taken for a
+/// shortcut, whenever the document changes its state, and when they are chosen.
 class MainMenu final : public QObject
 {
     Q_OBJECT
 
 public:
-    MainMenu(DocumentWindow &window, MyDocument &document, NSDocumentController &documents);
+    MainMenu(QMainWindow &window, const MenuSurroundings &surroundings,
+             const std::optional<MenuDocument> &document = {});
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    QMenu *addMenu(const QString &title);
+    void addCommand(QMenu &menu, DocumentAction action);
+    void addCommands(QMenu &menu, std::initializer_list<DocumentAction> actions);
     void buildApplicationMenu();
     void buildFileMenu();
-    void buildEditMenu();
     void buildFormatMenu();
-    QMenu *addMenu(const QString &title);
-    QAction *addDocumentItem(QMenu &menu, const QString &title, DocumentAction action,
-                             std::function<void(MyDocument &)> operation);
-    void addEditorItem(QMenu &menu, QAction *action, const std::function<bool()> &isEnabled);
-    void validate();
+    void buildViewMenu();
+    void buildHelpMenu();
+    void showLockInToolbar(QAction &lock);
+    void followDocument();
 
-    struct Item
-    {
-        QAction *action;
-        std::function<bool()> isEnabled;
-    };
-
-    QMenuBar &m_bar;
-    DocumentWindow &m_window;
-    MyDocument &m_document;
-    NSDocumentController &m_documents;
-    std::vector<Item> m_items;
+    QMainWindow &m_window;
+    MenuSurroundings m_surroundings;
+    std::optional<MenuDocument> m_document;
+    MenuItems *m_items;
 };
 
 } // namespace quorvane

@@ -35,6 +35,8 @@ class Names:
     accepted = "Password accepted"
     wrong = "Wrong Password"
     lock_question = "Lock Document back to the crypted state?"
+    new_document = "New Document"
+    recent_documents = "Recent Documents"
     ok, cancel, retry = "OK", "Cancel", "Retry"
 
 
@@ -79,11 +81,15 @@ class Tour:
         self.screen.program = self.desktop.spawn(
             self.log, [str(self.executable), *map(str, files)], cwd=self.desktop.home)
 
+    def close(self):
+        """Closes the one document; the start window is what is left."""
+        self.screen.keys("ctrl+w")
+        self.screen.find("push button", Names.new_document)
+
     def quit(self):
-        """Ends the program by its own command, where it has not ended with its last window."""
+        """Ends the program by its own command."""
         program = self.screen.program
-        if program.poll() is None and self.screen.sees("frame"):
-            self.screen.keys("ctrl+q")
+        self.screen.keys("ctrl+q")
         try:
             program.wait(60)
         except subprocess.TimeoutExpired:
@@ -196,9 +202,11 @@ def it_is_saved_encrypted(tour):
 
 @station("closed")
 def it_is_closed(tour):
-    tour.screen.keys("ctrl+w")
-    tour.screen.wait("the window closed", lambda: tour.screen.program.poll() is not None
-                     or not tour.screen.sees("text", Names.editor))
+    tour.close()
+    must(not tour.screen.sees("text", Names.editor), "the editor shows beside the start window")
+    recents = tour.screen.find("list", Names.recent_documents)
+    must(any(row.name.startswith(tour.document.stem) for row in recents.children()),
+         f"the document is not among the recent ones: {[row.name for row in recents.children()]}")
 
 
 @station("opened-locked")
@@ -257,7 +265,7 @@ def it_is_unlocked_again(tour):
 
 @station("read-without-the-program")
 def a_script_reads_the_file(tour):
-    tour.screen.keys("ctrl+w")
+    tour.close()
     tour.quit()
     reading, writing = os.pipe()
     os.write(writing, PASSWORD.encode())

@@ -13,8 +13,10 @@
 #include "product/release.h"
 #include "product/settings.h"
 #include "shell/mainmenu.h"
+#include "shell/startwindowkeeper.h"
 #include "support/failingfilestore.h"
 #include "support/inmemorydefaults.h"
+#include "support/listedrecents.h"
 #include "support/recordingworkspace.h"
 #include "support/scriptedpanels.h"
 
@@ -31,7 +33,7 @@
 namespace quorvane {
 
 /// The program with its real windows, menus, sheets and alerts, over files in memory.
-class RealProgram final
+class RealProgram
 {
 public:
     RealProgram() { defaults.registerDefaults(settings::registeredDefaults()); }
@@ -118,9 +120,11 @@ public:
     }
 
     /// The menu item of that title, whatever its menu.
-    QAction *menuItem(const QString &title) const
+    QAction *menuItem(const QString &title) const { return menuItem(window(), title); }
+
+    static QAction *menuItem(const QWidget &root, const QString &title)
     {
-        const auto actions = window().findChildren<QAction *>();
+        const auto actions = root.findChildren<QAction *>();
         for (QAction *action : actions) {
             if (action->text().remove(u'&') == title) {
                 return action;
@@ -130,6 +134,18 @@ public:
     }
 
 private:
+    MenuSurroundings menuSurroundings()
+    {
+        return {documents, recents, m_alerts, workspace, [this] {
+                    documents.closeAllDocuments([this](bool closed) {
+                        if (closed) {
+                            startWindow.end();
+                            hasQuit = true;
+                        }
+                    });
+                }};
+    }
+
     std::unique_ptr<NSDocument> makeDocument()
     {
         return std::make_unique<MyDocument>(MyDocumentSurroundings {
@@ -137,7 +153,7 @@ private:
             defaults,
             m_fontManager,
             m_alerts,
-            m_workspace,
+            workspace,
             [this](MyDocument &made) { return loadNib(made); },
         });
     }
@@ -152,22 +168,26 @@ private:
         };
         auto controller = std::make_unique<DocumentWindowController>(made, defaults, adapt);
         m_windows << &controller->window();
-        new MainMenu(controller->window(), made, documents); // owned by the window
+        new MainMenu(controller->window(), menuSurroundings(), // owned by the window
+                     MenuDocument {controller->window(), made, controller->commands()});
         return controller;
     }
 
     QtOperationQueue m_queue;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
-    RecordingWorkspace m_workspace;
     QList<QPointer<DocumentWindow>> m_windows;
 
 public:
     FailingFileStore files;
     ScriptedPanels panels;
+    ListedRecents recents;
+    RecordingWorkspace workspace;
     NSDocumentController documents {{m_queue, files, panels}, m_alerts, documentExtension, [this] {
                                         return makeDocument();
                                     }};
+    StartWindowKeeper startWindow {menuSurroundings(), m_queue}; ///< Only where a test begins it.
+    bool hasQuit = false;
 };
 
 } // namespace quorvane
