@@ -84,6 +84,8 @@ public:
     MenuItemState validateMenuItem(DocumentAction action) const;
 
     void lockDocument();
+    /// Locks without a question: an open document with a password and a file, a sheet on it or not.
+    void lockAutomatically();
     void doLockDocument();
 
     /// To be called by the window before its widgets go.
