@@ -1,5 +1,6 @@
 #include "app/windowprogram.h"
 
+#include "app/desktop.h"
 #include "document/mydocument.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
@@ -38,6 +39,7 @@ public:
     Program();
 
     void start(const QStringList &files);
+    Desktop::Program forDesktop();
 
 private:
     std::unique_ptr<NSDocument> makeDocument();
@@ -100,6 +102,17 @@ void Program::start(const QStringList &files)
     m_delegate.applicationDidFinishLaunching();
 }
 
+Desktop::Program Program::forDesktop()
+{
+    return {m_documents, m_delegate, m_defaults, m_mainQueue, [this] {
+                if (m_delegate.applicationShouldOpenUntitledFile()) {
+                    m_documents.newDocument();
+                } else {
+                    m_delegate.executeDocumentStartupAsInPref();
+                }
+            }};
+}
+
 QStringList filesOfCommandLine(const QCoreApplication &application)
 {
     QCommandLineParser parser;
@@ -151,7 +164,12 @@ int runWindowProgram(int argc, char **argv)
     QApplication::setDesktopFileName(u"quorvane"_s);
     const QStringList files = filesOfCommandLine(application);
     Program program;
+    Desktop desktop;
+    if (desktop.isServedByAnother(files)) {
+        return 0;
+    }
     QObject::connect(&application, &QCoreApplication::aboutToQuit, clearOwnClipboard);
+    desktop.serve(program.forDesktop());
     program.start(files);
     return QApplication::exec();
 }
