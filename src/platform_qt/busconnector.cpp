@@ -1,8 +1,15 @@
 #include "platform_qt/busconnector.h"
 
+#include <chrono>
+#include <cstdlib>
+
+#include <unistd.h>
+
 namespace quorvane {
 
 namespace {
+
+constexpr std::chrono::milliseconds endPatience {500};
 
 QDBusConnection connectionTo(QDBusConnection::BusType type)
 {
@@ -22,7 +29,13 @@ BusConnector::BusConnector(QDBusConnection::BusType type)
 
 BusConnector::~BusConnector()
 {
-    m_thread->wait();
+    if (m_thread->isFinished() || m_thread->wait(QDeadlineTimer(endPatience))) {
+        return;
+    }
+    // It cannot be stopped, and the library's own end would wait for it for ever. By now all that
+    // the program had to do is done.
+    static_cast<void>(m_thread.release());
+    on_exit([](int status, void *) { _exit(status); }, nullptr);
 }
 
 QDBusConnection BusConnector::bus() const

@@ -9,7 +9,8 @@
 
 namespace quorvane {
 
-/// Connects to a bus of the system on a thread of its own, so that one that hangs holds nobody up.
+/// Connects to a bus of the system on a thread of its own, so that one that hangs holds nobody up,
+/// not even the end of the program.
 class BusConnector final : public QObject
 {
     Q_OBJECT

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void theDesktopCanAskForANewDocument();
     void whatCannotBeServedIsRefused();
     void withoutABusEachStartIsAProgram();
+    void aBusThatHangsHoldsNobodyUp();
     void anOwnerThatDoesNotServeIsLeftAlone();
     void anOwnerThatDoesNotAnswerIsNotWaitedForLong();
     void theLockOfTheScreenReachesTheDocument();
@@ -237,6 +238,19 @@ void TestDesktop::withoutABusEachStartIsAProgram()
     DrivenProgram second({file(u"a.quorvane"_s)});
     QCOMPARE(second.titles(), QStringList {u"a"_s});
     QVERIFY(!second.errorText().contains(u"quorvane: "_s));
+}
+
+void TestDesktop::aBusThatHangsHoldsNobodyUp()
+{
+    const PrivateBus hung;
+    QCOMPARE(kill(static_cast<pid_t>(hung.processId()), SIGSTOP), 0);
+    qputenv("DBUS_SESSION_BUS_ADDRESS", hung.address());
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+    QCOMPARE(kill(static_cast<pid_t>(program.id()), SIGTERM), 0);
+    const int exitCode = program.exitCode();
+    QCOMPARE(kill(static_cast<pid_t>(hung.processId()), SIGCONT), 0);
+    QCOMPARE(exitCode, 0);
 }
 
 void TestDesktop::anOwnerThatDoesNotServeIsLeftAlone()

@@ -29,6 +29,8 @@ public:
 
     QByteArray address() const { return m_address; } ///< Empty where it did not start.
 
+    qint64 processId() const { return m_daemon.processId(); }
+
     /// Another one who is connected to it.
     QDBusConnection connectAs(const QString &name) const
     {
