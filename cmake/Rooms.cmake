@@ -31,13 +31,15 @@ function(quorvane_test name)
     quorvane_test_environment(${name} ${TEST_LABEL} ${TEST_TIMEOUT})
 endfunction()
 
-# Each test has a home of its own, so that no setting or file of the person who runs it counts.
+# Each test has a home of its own, so that no setting or file of the person who runs it counts, and no
+# bus but those that it starts: the program would meet the one that the person runs.
 function(quorvane_test_environment name label timeout)
     set(home ${CMAKE_BINARY_DIR}/tests/home/${name})
     file(MAKE_DIRECTORY ${home})
     set(environment
         LC_ALL=C.UTF-8 TZ=UTC HOME=${home} XDG_CONFIG_HOME=${home}/config XDG_STATE_HOME=${home}/state
         XDG_DATA_HOME=${home}/data XDG_CACHE_HOME=${home}/cache
+        DBUS_SESSION_BUS_ADDRESS=unix:path=${home}/none DBUS_SYSTEM_BUS_ADDRESS=unix:path=${home}/none
         LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
         UBSAN_OPTIONS=print_stacktrace=1)
     if(NOT label STREQUAL "x11")

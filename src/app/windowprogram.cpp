@@ -1,5 +1,6 @@
 #include "app/windowprogram.h"
 
+#include "app/desktop.h"
 #include "document/mydocument.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
@@ -42,6 +43,7 @@ public:
     void start(const QStringList &files);
     /// Closes all documents, with the questions that this takes, then ends the program.
     void quit();
+    Desktop::Program forDesktop();
 
 private:
     MenuSurroundings menuSurroundings();
@@ -130,6 +132,17 @@ void Program::start(const QStringList &files)
     m_delegate.applicationDidFinishLaunching();
 }
 
+Desktop::Program Program::forDesktop()
+{
+    return {m_documents, m_delegate, m_defaults, m_mainQueue, [this] {
+                if (m_delegate.applicationShouldOpenUntitledFile()) {
+                    m_documents.newDocument();
+                } else {
+                    m_delegate.executeDocumentStartupAsInPref();
+                }
+            }};
+}
+
 QStringList filesOfCommandLine(const QCoreApplication &application)
 {
     QCommandLineParser parser;
@@ -183,7 +196,12 @@ int runWindowProgram(int argc, char **argv)
     // The last document's window goes before the start window comes.
     QApplication::setQuitOnLastWindowClosed(false);
     Program program;
+    Desktop desktop;
+    if (desktop.isServedByAnother(files)) {
+        return 0;
+    }
     QObject::connect(&application, &QCoreApplication::aboutToQuit, clearOwnClipboard);
+    desktop.serve(program.forDesktop());
     program.start(files);
     return QApplication::exec();
 }

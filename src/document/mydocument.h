@@ -96,6 +96,8 @@ public:
     void doMakePlainText();
 
     void lockDocument();
+    /// Locks without a question: an open document with a password and a file, a sheet on it or not.
+    void lockAutomatically();
     void doLockDocument();
 
     /// To be called by the window before its widgets go.

@@ -28,6 +28,17 @@ void MyDocument::lockDocument()
     });
 }
 
+void MyDocument::lockAutomatically()
+{
+    if (isEncrypted() || plainPassword().isEmpty() || !fileURL()) {
+        return;
+    }
+    if (NSSheet *sheet = myWindow ? myWindow->attachedSheet() : nullptr) {
+        myWindow->endSheet(*sheet);
+    }
+    later([this] { doLockDocument(); });
+}
+
 void MyDocument::doLockDocument()
 {
     m_makeToolbarVisibleAtDecrypt = modernToolbar && modernToolbar->isVisible();

@@ -12,6 +12,8 @@ constexpr qint64 releaseNumber = 20601;
 
 constexpr QLatin1StringView productName = "Quorvane"_L1;
 constexpr QLatin1StringView vendorName = "Orbelt - Mirando"_L1;
+/// Under which the desktop knows the program.
+constexpr QLatin1StringView applicationId = "com.orbelt.Quorvane"_L1;
 constexpr QLatin1StringView documentExtension = "quorvane"_L1;
 constexpr QLatin1StringView documentType = "application/x-quorvane"_L1; ///< As MIME names it.
 

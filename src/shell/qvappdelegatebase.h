@@ -41,6 +41,8 @@ protected:
 
     NSDocumentController &documents() const { return m_documents; }
 
+    TimerFactory &timers() const { return m_timers; }
+
 private:
     bool mayOpenByItself() const;
     [[nodiscard]] std::unique_ptr<NSTimer> afterOneSecond(std::function<void()> step);

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform_qt/busconnector.h"
+#include "platform_qt/dbusapplication.h"
+#include "platform_qt/dbussessionevents.h"
+#include "platform_qt/terminationsignals.h"
+#include "shell/sessionguard.h"
+
+#include <QObject>
+
+#include <functional>
+#include <optional>
+
+namespace quorvane {
+
+class MyAppDelegate;
+
+/// The running program as the desktop sees it: whether it is in the background, which other starts
+/// want something of it, when the screen locks, when it has to end.
+class Desktop final : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Program
+    {
+        NSDocumentController &documents;
+        MyAppDelegate &delegate;
+        const NSUserDefaults &defaults;
+        NSOperationQueue &mainQueue;
+        std::function<void()> startAnew; ///< Shows what a start without files shows.
+    };
+
+    Desktop();
+
+    /// Whether another running program has taken the files, and this one is to end.
+    [[nodiscard]] bool isServedByAnother(const QStringList &files);
+    /// From now on the desktop reaches that program, which must outlive this.
+    void serve(const Program &program);
+
+private:
+    void followActivity(const Program &program);
+    void followOtherStarts(const Program &program);
+    void followEnds(const Program &program);
+
+    BusConnector m_sessionBus {QDBusConnection::SessionBus};
+    std::optional<BusConnector> m_systemBus;
+    std::optional<DBusApplication> m_application;
+    std::optional<DBusSessionEvents> m_sessionEvents;
+    std::optional<SessionGuard> m_guard;
+    std::optional<TerminationSignals> m_signals;
+    bool m_isActive = false;
+};
+
+} // namespace quorvane

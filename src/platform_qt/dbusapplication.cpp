@@ -1,0 +1,149 @@
+#include "platform_qt/dbusapplication.h"
+
+#include "platform_qt/applicationadaptor.h"
+
+#include <QDBusError>
+#include <QDir>
+#include <QUrl>
+
+#include <optional>
+
+namespace quorvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString interfaceName = u"org.freedesktop.Application"_s;
+const QString newDocumentAction = u"new-document"_s;
+constexpr uint doNotQueue = 4; // DBUS_NAME_FLAG_DO_NOT_QUEUE
+constexpr uint primaryOwner = 1; // DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER
+constexpr int attempts = 2;
+
+// A ".." is left to the system: cleaned by its spelling, it leads elsewhere where it follows a
+// link.
+QString uriOf(const QString &file)
+{
+    const QString path = file.startsWith(u'/') ? file : QDir::currentPath() + u'/' + file;
+    return QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+}
+
+std::optional<QString> pathOf(const QString &uri)
+{
+    const QUrl url(uri, QUrl::StrictMode);
+    const bool isHere = url.host().isEmpty() || url.host() == "localhost"_L1;
+    if (!url.isValid() || url.scheme() != "file"_L1 || !isHere || url.hasQuery()
+        || url.hasFragment()) {
+        return std::nullopt;
+    }
+    const QString path = url.path(QUrl::FullyDecoded);
+    const bool isName = path.startsWith(u'/') && !path.contains(QChar(u'\0'));
+    return isName ? std::optional(path) : std::nullopt;
+}
+
+QVariantMap platformData()
+{
+    QVariantMap data;
+    const std::pair<const char *, QString> variables[] = {
+        {"DESKTOP_STARTUP_ID", u"desktop-startup-id"_s},
+        {"XDG_ACTIVATION_TOKEN", u"activation-token"_s},
+    };
+    for (const auto &[variable, key] : variables) {
+        if (qEnvironmentVariableIsSet(variable)) {
+            data.insert(key, qEnvironmentVariable(variable));
+        }
+    }
+    return data;
+}
+
+bool saysThatOwnerIsGone(const QDBusMessage &reply)
+{
+    const QDBusError::ErrorType type = QDBusError(reply).type();
+    return type == QDBusError::ServiceUnknown
+        || reply.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1;
+}
+
+} // namespace
+
+DBusApplication::DBusApplication(const QDBusConnection &bus, const QString &name, int patience)
+    : m_bus(bus)
+    , m_name(name)
+    , m_path(u'/' + QString(name).replace(u'.', u'/').replace(u'-', u'_'))
+    , m_patience(patience)
+{
+    new ApplicationAdaptor(*this); // owned by this
+}
+
+DBusApplication::Start DBusApplication::start(const QStringList &files)
+{
+    // The object first: whoever sees the name may call.
+    if (!m_bus.isConnected() || !m_bus.registerObject(m_path, this)) {
+        return Start::Alone;
+    }
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (takeName()) {
+            return Start::First;
+        }
+        const QDBusMessage reply = m_bus.call(handOver(files), QDBus::Block, m_patience);
+        if (reply.type() == QDBusMessage::ReplyMessage) {
+            m_bus.unregisterObject(m_path);
+            return Start::HandedOver;
+        }
+        if (!saysThatOwnerIsGone(reply)) {
+            break;
+        }
+    }
+    m_bus.unregisterObject(m_path);
+    return Start::Unanswered;
+}
+
+bool DBusApplication::takeName()
+{
+    QDBusMessage request =
+        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                       u"org.freedesktop.DBus"_s, u"RequestName"_s);
+    request << m_name << doNotQueue;
+    const QDBusMessage reply = m_bus.call(request, QDBus::Block, m_patience);
+    return reply.arguments().value(0).toUInt() == primaryOwner;
+}
+
+QDBusMessage DBusApplication::handOver(const QStringList &files) const
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(m_name, m_path, interfaceName,
+                                                       files.isEmpty() ? u"Activate"_s : u"Open"_s);
+    if (!files.isEmpty()) {
+        QStringList uris;
+        for (const QString &file : files) {
+            uris << uriOf(file);
+        }
+        call << uris;
+    }
+    call << platformData();
+    call.setAutoStartService(false);
+    return call;
+}
+
+void DBusApplication::open(const QStringList &uris)
+{
+    QStringList paths;
+    for (const QString &uri : uris) {
+        const std::optional<QString> path = pathOf(uri);
+        if (!path) {
+            sendErrorReply(QDBusError::InvalidArgs, u"Only files of this machine can be opened"_s);
+            return;
+        }
+        paths << *path;
+    }
+    Q_EMIT openRequested(paths);
+}
+
+void DBusApplication::activateAction(const QString &name, bool hasParameter)
+{
+    if (name != newDocumentAction || hasParameter) {
+        sendErrorReply(QDBusError::InvalidArgs, u"There is no such action"_s);
+        return;
+    }
+    Q_EMIT newDocumentRequested();
+}
+
+} // namespace quorvane

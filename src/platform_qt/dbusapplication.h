@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QObject>
+#include <QStringList>
+
+namespace quorvane {
+
+/// The one running program of a user: it owns a name on the session bus, and takes there what later
+/// starts and the desktop ask of it (org.freedesktop.Application of the Desktop Entry
+/// Specification). It answers with success or an error, and gives nothing out.
+class DBusApplication final : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+
+public:
+    enum class Start {
+        First, ///< This is the one program from now on.
+        HandedOver, ///< Another one has taken the files.
+        Alone, ///< There is no bus to ask.
+        Unanswered, ///< There is another one, and it does not answer.
+    };
+
+    /// \a patience is how long the other program has for its answer, in milliseconds.
+    DBusApplication(const QDBusConnection &bus, const QString &name, int patience = 5000);
+
+    /// Takes the name, or hands \a files to the program that has it; without any, it comes forward.
+    /// Relative paths are counted from the folder of this process.
+    [[nodiscard]] Start start(const QStringList &files);
+
+Q_SIGNALS:
+    // Each on a call of its own, whose reply is sent on return.
+    void activateRequested();
+    void openRequested(const QStringList &paths);
+    void newDocumentRequested();
+
+private:
+    friend class ApplicationAdaptor;
+
+    void open(const QStringList &uris);
+    void activateAction(const QString &name, bool hasParameter);
+    bool takeName();
+    QDBusMessage handOver(const QStringList &files) const;
+
+    QDBusConnection m_bus;
+    QString m_name;
+    QString m_path;
+    int m_patience;
+};
+
+} // namespace quorvane

@@ -1,0 +1,310 @@
+#include "app/drivenprogram.h"
+#include "app/windowprogram.h"
+#include "document/documentfixture.h"
+#include "platform_qt/dbusapplication.h"
+#include "product/release.h"
+#include "support/privatebus.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+#include <tuple>
+
+#include <sys/types.h>
+
+using namespace quorvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString password = u"correct horse"_s;
+const QString path = u"/com/orbelt/Quorvane"_s;
+const QString mute = u"com.orbelt.Mute"_s;
+
+bool write(const QString &file, const QByteArray &data)
+{
+    QFile written(file);
+    return written.open(QIODevice::WriteOnly) && written.write(data) == data.size();
+}
+
+/// What stands in the clear in the document's file.
+QByteArray bodyOf(const QString &file)
+{
+    World world;
+    MyDocument document(world.surroundings());
+    QFile read(file);
+    if (!read.open(QIODevice::ReadOnly) || !document.readFromData(read.readAll())) {
+        return "not read";
+    }
+    document.setPlainPassword(password);
+    return document.Decript() == 0 ? document.myTextViewData().value_or("nothing")
+                                   : "not decrypted";
+}
+
+} // namespace
+
+/// A program that takes calls and never answers.
+class Mute final : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public Q_SLOTS:
+
+    Q_SCRIPTABLE void Activate(const QVariantMap &) { setDelayedReply(true); }
+};
+
+/// The program among others: real processes on a bus of their own.
+class TestDesktop : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void aSignalSavesAndEnds_data();
+    void aSignalSavesAndEnds();
+    void aSecondStartHandsItsFilesOver_data();
+    void aSecondStartHandsItsFilesOver();
+    void aSecondStartWithoutFilesBringsTheFirstForward();
+    void theDesktopCanAskForANewDocument();
+    void whatCannotBeServedIsRefused();
+    void withoutABusEachStartIsAProgram();
+    void aBusThatHangsHoldsNobodyUp();
+    void anOwnerThatDoesNotServeIsLeftAlone();
+    void anOwnerThatDoesNotAnswerIsNotWaitedForLong();
+    void theLockOfTheScreenReachesTheDocument();
+
+private:
+    QString file(const QString &name) const { return QDir(m_folder->path()).filePath(name); }
+
+    QDBusMessage call(const QString &method, const QVariantList &arguments) const;
+
+    PrivateBus m_bus;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_data;
+};
+
+void TestDesktop::initTestCase()
+{
+    World world;
+    m_data = fileOf(world, "body", password);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+}
+
+void TestDesktop::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address());
+    qputenv("XDG_CONFIG_HOME", file(u"config"_s).toUtf8());
+    QVERIFY(write(file(u"a.quorvane"_s), m_data));
+}
+
+void TestDesktop::cleanup()
+{
+    QDBusConnection::disconnectFromBus(u"caller"_s);
+}
+
+QDBusMessage TestDesktop::call(const QString &method, const QVariantList &arguments) const
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(QString(applicationId), path,
+                                                          u"org.freedesktop.Application"_s, method);
+    message.setArguments(arguments);
+    return m_bus.connectAs(u"caller"_s).call(message);
+}
+
+void TestDesktop::aSignalSavesAndEnds_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<bool>("canSave");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("the end of the session") << SIGTERM << true << 0;
+    QTest::newRow("the terminal is gone") << SIGHUP << true << 0;
+    QTest::newRow("an interrupt") << SIGINT << true << 0;
+    QTest::newRow("what could not be saved is told") << SIGTERM << false << 128 + SIGTERM;
+}
+
+void TestDesktop::aSignalSavesAndEnds()
+{
+    QFETCH(int, number);
+    QFETCH(bool, canSave);
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.tell(u"unlock"_s, password), u"open"_s);
+    QCOMPARE(program.tell(u"type"_s, u"edited "_s), u"open"_s);
+    if (!canSave) {
+        QVERIFY(QDir(m_folder->path()).removeRecursively());
+    }
+    QCOMPARE(kill(static_cast<pid_t>(program.id()), number), 0);
+    QTEST(program.exitCode(), "exitCode");
+    if (canSave) {
+        QCOMPARE(bodyOf(file(u"a.quorvane"_s)).contains("edited body"), true);
+    }
+}
+
+void TestDesktop::aSecondStartHandsItsFilesOver_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QString>("title");
+    const QString names[] = {u"plain"_s, u"two words"_s, u"50%25 #1?"_s,
+                             u"Gr\u00fc\u00dfe \u4e2d"_s, u"semi;colon&amp"_s};
+    for (const QString &name : names) {
+        QTest::addRow("%s", qPrintable(name)) << name + u".quorvane"_s << name;
+    }
+    QTest::newRow("a path behind a link") << u"link/../up.quorvane"_s << u"up"_s;
+}
+
+void TestDesktop::aSecondStartHandsItsFilesOver()
+{
+    QFETCH(QString, argument);
+    QFETCH(QString, title);
+    const QDir folder(m_folder->path());
+    QVERIFY(folder.mkpath(u"here"_s) && folder.mkpath(u"other/inner"_s));
+    QVERIFY(QFile::link(file(u"other/inner"_s), file(u"here/link"_s)));
+    QVERIFY(write(file(u"here/"_s + argument), m_data));
+    DrivenProgram first({file(u"a.quorvane"_s)});
+    QCOMPARE(first.titles(), QStringList {u"a"_s});
+    DrivenProgram second({argument}, file(u"here"_s));
+    QCOMPARE(second.exitCode(), 0);
+    QStringList both {u"a"_s, title};
+    both.sort();
+    QTRY_COMPARE(first.titles(), both);
+}
+
+void TestDesktop::aSecondStartWithoutFilesBringsTheFirstForward()
+{
+    QVERIFY(write(file(u"b.quorvane"_s), m_data));
+    DrivenProgram first({file(u"a.quorvane"_s), file(u"b.quorvane"_s)});
+    first.tell(u"activate"_s, u"a"_s);
+    QTRY_COMPARE(first.tell(u"active"_s), u"a"_s);
+    DrivenProgram second({});
+    QCOMPARE(second.exitCode(), 0);
+    QTRY_COMPARE(first.tell(u"active"_s), u"b"_s);
+    QCOMPARE(first.titles(), (QStringList {u"a"_s, u"b"_s}));
+}
+
+void TestDesktop::theDesktopCanAskForANewDocument()
+{
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+    const QDBusMessage reply =
+        call(u"ActivateAction"_s, {u"new-document"_s, QVariantList(), QVariantMap()});
+    QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+    QVERIFY(reply.arguments().isEmpty());
+    QTRY_COMPARE(program.titles(), (QStringList {u"Untitled"_s, u"a"_s}));
+}
+
+void TestDesktop::whatCannotBeServedIsRefused()
+{
+    const QString open = u"Open"_s;
+    const QString action = u"ActivateAction"_s;
+    const QVariantMap none;
+    const auto uri = [&none](const QString &text) {
+        return QVariantList {QStringList {u"file:///b.quorvane"_s, text}, none};
+    };
+    const std::tuple<const char *, QString, QVariantList> rows[] = {
+        {"a page", open, uri(u"http://localhost/b.quorvane"_s)},
+        {"another machine's file", open, uri(u"file://elsewhere/b.quorvane"_s)},
+        {"a path that is no URI", open, uri(u"/b.quorvane"_s)},
+        {"a relative URI", open, uri(u"file:b.quorvane"_s)},
+        {"a broken escape", open, uri(u"file:///b%2.quorvane"_s)},
+        {"an escaped end of string", open, uri(u"file:///b%00.quorvane"_s)},
+        {"a query", open, uri(u"file:///b.quorvane?c"_s)},
+        {"nothing", open, uri(u""_s)},
+        {"no such action", action, {u"quit"_s, QVariantList(), none}},
+        {"a parameter too many", action, {u"new-document"_s, QVariantList {1}, none}},
+        {"no such method", u"objectName"_s, {}},
+        {"arguments of another type", open, {u"a"_s}},
+    };
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+    for (const auto &[name, method, arguments] : rows) {
+        const QDBusMessage reply = call(method, arguments);
+        QVERIFY2(reply.type() == QDBusMessage::ErrorMessage, name);
+        QVERIFY2(reply.errorName().startsWith("org.freedesktop.DBus.Error."_L1), name);
+    }
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+}
+
+void TestDesktop::withoutABusEachStartIsAProgram()
+{
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    DrivenProgram first({file(u"a.quorvane"_s)});
+    QCOMPARE(first.titles(), QStringList {u"a"_s});
+    DrivenProgram second({file(u"a.quorvane"_s)});
+    QCOMPARE(second.titles(), QStringList {u"a"_s});
+    QVERIFY(!second.errorText().contains(u"quorvane: "_s));
+}
+
+void TestDesktop::aBusThatHangsHoldsNobodyUp()
+{
+    const PrivateBus hung;
+    QCOMPARE(kill(static_cast<pid_t>(hung.processId()), SIGSTOP), 0);
+    qputenv("DBUS_SESSION_BUS_ADDRESS", hung.address());
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+    QCOMPARE(kill(static_cast<pid_t>(program.id()), SIGTERM), 0);
+    const int exitCode = program.exitCode();
+    QCOMPARE(kill(static_cast<pid_t>(hung.processId()), SIGCONT), 0);
+    QCOMPARE(exitCode, 0);
+}
+
+void TestDesktop::anOwnerThatDoesNotServeIsLeftAlone()
+{
+    QDBusConnection other = m_bus.connectAs(u"other"_s);
+    QVERIFY(other.registerService(QString(applicationId)));
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+    QVERIFY(program.errorText().contains(u"the running program does not answer"_s));
+    QVERIFY(other.unregisterService(QString(applicationId)));
+}
+
+void TestDesktop::anOwnerThatDoesNotAnswerIsNotWaitedForLong()
+{
+    QDBusConnection other = m_bus.connectAs(u"other"_s);
+    Mute object;
+    QVERIFY(other.registerObject(u"/com/orbelt/Mute"_s, &object,
+                                 QDBusConnection::ExportScriptableSlots));
+    QVERIFY(other.registerService(mute));
+    constexpr int patience = 50; // milliseconds
+    DBusApplication application(m_bus.connectAs(u"second"_s), mute, patience);
+    QCOMPARE(application.start({}), DBusApplication::Start::Unanswered);
+    QVERIFY(other.unregisterService(mute));
+    QCOMPARE(application.start({}), DBusApplication::Start::First);
+}
+
+void TestDesktop::theLockOfTheScreenReachesTheDocument()
+{
+    QVERIFY(QDir().mkpath(file(u"config/quorvane"_s)));
+    QVERIFY(write(file(u"config/quorvane/quorvane.ini"_s),
+                  "[General]\nautolocBackgroundEnabled=true\n"));
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.tell(u"unlock"_s, password), u"open"_s);
+    QCOMPARE(program.tell(u"type"_s, u"edited "_s), u"open"_s);
+    const QString name = u"org.freedesktop.ScreenSaver"_s;
+    QDBusConnection screenSaver = m_bus.connectAs(u"screen saver"_s);
+    QVERIFY(screenSaver.registerService(name));
+    QVERIFY(QTest::qWaitFor([&] {
+        QDBusMessage active =
+            QDBusMessage::createSignal(u"/ScreenSaver"_s, name, u"ActiveChanged"_s);
+        active << true;
+        return screenSaver.send(active) && program.tell(u"state"_s) == "locked"_L1;
+    }));
+    QVERIFY(bodyOf(file(u"a.quorvane"_s)).contains("edited body"));
+}
+
+int main(int argc, char **argv)
+{
+    if (DrivenProgram::isMeant()) {
+        return runWindowProgram(argc, argv);
+    }
+    QCoreApplication application(argc, argv);
+    TestDesktop test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_desktop.moc"
