@@ -14,7 +14,8 @@ namespace quorvane {
 using namespace Qt::StringLiterals;
 
 DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
-                                                   const WindowAdapter &adapt)
+                                                   const WindowAdapter &adapt,
+                                                   const EditorSurroundings &surroundings)
     : m_document(document)
     , m_defaults(defaults)
     , m_window(std::make_unique<DocumentWindow>())
@@ -24,6 +25,10 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
           std::make_unique<PasswordSheet>(PasswordSheet::Kind::Mandatory, m_window.get()))
     , m_changeSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Change, m_window.get()))
     , m_insertSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Insert, m_window.get()))
+    , m_transfer(std::make_unique<TextTransfer>(document, m_window->editor(), *m_view,
+                                                surroundings.transfer))
+    , m_printer(std::make_unique<DocumentPrinter>(document, m_window->editor(), *m_view, *m_window,
+                                                  surroundings.printing))
 {
     connectOutlets();
     bindAppearance();
@@ -71,6 +76,14 @@ DocumentCommands DocumentWindowController::commands()
          [document] {
              document->lockDocument();
          }},
+        {DocumentAction::ImportFromTEXT, [this] { m_transfer->importFromTEXT(); }},
+        {DocumentAction::ImportFromRTF, [this] { m_transfer->importFromRTF(); }},
+        {DocumentAction::ImportFromRTFD, [this] { m_transfer->importFromRTFD(); }},
+        {DocumentAction::ExportToTEXT, [this] { m_transfer->exportToTEXT(); }},
+        {DocumentAction::ExportToRTF, [this] { m_transfer->exportToRTF(); }},
+        {DocumentAction::ExportToRTFD, [this] { m_transfer->exportToRTFD(); }},
+        {DocumentAction::RunPageLayout, [this] { m_printer->runPageLayout(); }},
+        {DocumentAction::PrintDocument, [this] { m_printer->printDocument(); }},
     };
 }
 

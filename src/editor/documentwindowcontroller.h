@@ -1,6 +1,8 @@
 #pragma once
 
 #include "document/documentaction.h"
+#include "editor/documentprinter.h"
+#include "editor/texttransfer.h"
 #include "platform/nsuserdefaults.h"
 #include "platform/nswindow.h"
 #include "platform/nswindowcontroller.h"
@@ -19,6 +21,13 @@ class EditorView;
 class MyDocument;
 class PasswordSheet;
 
+/// What the commands on a document's text ask of the world.
+struct EditorSurroundings
+{
+    TransferSurroundings transfer;
+    PrintingSurroundings printing;
+};
+
 /// Builds a document's window and joins its widgets to the document: outlets, actions, and each
 /// property with the field that shows it, in both directions.
 class DocumentWindowController final : public QObject, public NSWindowController
@@ -30,7 +39,7 @@ public:
         std::function<std::unique_ptr<NSWindow>(QWidget &window, const WindowEvents &events)>;
 
     DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
-                             const WindowAdapter &adapt);
+                             const WindowAdapter &adapt, const EditorSurroundings &surroundings);
     ~DocumentWindowController() override;
 
     DocumentWindow &window() const { return *m_window; }
@@ -61,6 +70,8 @@ private:
     std::unique_ptr<PasswordSheet> m_mandatorySheet;
     std::unique_ptr<PasswordSheet> m_changeSheet;
     std::unique_ptr<PasswordSheet> m_insertSheet;
+    std::unique_ptr<TextTransfer> m_transfer;
+    std::unique_ptr<DocumentPrinter> m_printer;
     bool m_hasToldSurplus = false;
 };
 

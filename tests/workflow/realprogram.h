@@ -6,6 +6,8 @@
 #include "editor/lockedpage.h"
 #include "editor/texteditor.h"
 #include "platform/nsdocumentcontroller.h"
+#include "platform/posixpackagestore.h"
+#include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -148,7 +150,18 @@ private:
             QObject::connect(window.get(), &QtWindow::becameKey, events.becameKey);
             return window;
         };
-        auto controller = std::make_unique<DocumentWindowController>(made, m_defaults, adapt);
+        const auto isOpen = [this](const QString &path) {
+            return documents.hasOpen(path);
+        };
+        const auto sheetOf = [](QDialog &dialog) -> NSSheet & {
+            return *new DialogSheet(dialog);
+        };
+        const EditorSurroundings surroundings {
+            {{m_queue, files, panels}, m_packages, isOpen},
+            {m_queue, files, sheetOf, isOpen},
+        };
+        auto controller =
+            std::make_unique<DocumentWindowController>(made, m_defaults, adapt, surroundings);
         m_windows << &controller->window();
         new MainMenu(controller->window(), made, documents); // owned by the window
         return controller;
@@ -159,6 +172,7 @@ private:
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     RecordingWorkspace m_workspace;
+    PosixPackageStore m_packages;
     QList<QPointer<DocumentWindow>> m_windows;
 
 public:
