@@ -213,9 +213,8 @@ std::unique_ptr<QTextDocument> CopiedText::document() const
 
 bool offersRtf(const QMimeData &source)
 {
-    return std::any_of(rtfFormats.begin(), rtfFormats.end(), [&source](QLatin1StringView format) {
-        return source.hasFormat(format);
-    });
+    return std::any_of(rtfFormats.begin(), rtfFormats.end(),
+                       [&source](QLatin1StringView format) { return source.hasFormat(format); });
 }
 
 QByteArray rtfOf(const QMimeData &source)

@@ -42,7 +42,8 @@ void deleteWhenIdle(QDialog *dialog, int loopLevel)
         dialog->deleteLater();
         return;
     }
-    QTimer::singleShot(patience, dialog, [dialog, loopLevel] { deleteWhenIdle(dialog, loopLevel); });
+    QTimer::singleShot(patience, dialog,
+                       [dialog, loopLevel] { deleteWhenIdle(dialog, loopLevel); });
 }
 
 class ProgressDialog final : public QDialog
@@ -88,7 +89,8 @@ public:
             m_writer->setPageLayout(printer.pageLayout());
             m_writer->setTitle(printer.docName());
         }
-        QPagedPaintDevice &device = m_writer ? static_cast<QPagedPaintDevice &>(*m_writer) : printer;
+        QPagedPaintDevice &device =
+            m_writer ? static_cast<QPagedPaintDevice &>(*m_writer) : printer;
         job = std::make_unique<PrintJob>(content, device);
         const bool isPart = printer.printRange() == QPrinter::PageRange;
         const bool repeats = !m_writer && !printer.supportsMultipleCopies();
@@ -171,13 +173,14 @@ void DocumentPrinter::beginSheet(QDialog *dialog, std::function<void(int code)> 
         delete dialog;
         return;
     }
-    window->beginSheet(m_surroundings.sheetOf(*dialog),
-                       [self = QPointer(this), dialog, loopLevel, ended = std::move(ended)](int code) {
-                           deleteWhenIdle(dialog, loopLevel);
-                           if (self) {
-                               ended(code);
-                           }
-                       });
+    window->beginSheet(
+        m_surroundings.sheetOf(*dialog),
+        [self = QPointer(this), dialog, loopLevel, ended = std::move(ended)](int code) {
+            deleteWhenIdle(dialog, loopLevel);
+            if (self) {
+                ended(code);
+            }
+        });
 }
 
 void DocumentPrinter::print()
@@ -268,9 +271,9 @@ void DocumentPrinter::dropRun()
 void DocumentPrinter::tellFailure(const QString &reason)
 {
     if (NSWindow *window = m_document.windowForSheet()) {
-        window->beginAlert({u"“%1” could not be printed."_s.arg(m_document.displayName()), reason,
-                            {u"OK"_s}},
-                           [](AlertAnswer) {});
+        window->beginAlert(
+            {u"“%1” could not be printed."_s.arg(m_document.displayName()), reason, {u"OK"_s}},
+            [](AlertAnswer) {});
     }
 }
 

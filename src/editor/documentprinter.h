@@ -32,7 +32,8 @@ struct PrintingSurroundings
 
 /// Prints the text of a document and keeps the settings of its window. Paper and printer are chosen
 /// in the toolkit's own dialogs, as sheets. A PDF is made in memory and put in place in one step,
-/// readable by its owner alone; a job for a printer is the printing system's from its first page on.
+/// readable by its owner alone; a job for a printer is the printing system's from its first page
+/// on.
 class DocumentPrinter final : public QObject
 {
 public:

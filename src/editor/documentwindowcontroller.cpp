@@ -76,14 +76,38 @@ DocumentCommands DocumentWindowController::commands()
          [document] {
              document->lockDocument();
          }},
-        {DocumentAction::ImportFromTEXT, [this] { m_transfer->importFromTEXT(); }},
-        {DocumentAction::ImportFromRTF, [this] { m_transfer->importFromRTF(); }},
-        {DocumentAction::ImportFromRTFD, [this] { m_transfer->importFromRTFD(); }},
-        {DocumentAction::ExportToTEXT, [this] { m_transfer->exportToTEXT(); }},
-        {DocumentAction::ExportToRTF, [this] { m_transfer->exportToRTF(); }},
-        {DocumentAction::ExportToRTFD, [this] { m_transfer->exportToRTFD(); }},
-        {DocumentAction::RunPageLayout, [this] { m_printer->runPageLayout(); }},
-        {DocumentAction::PrintDocument, [this] { m_printer->printDocument(); }},
+        {DocumentAction::ImportFromTEXT,
+         [this] {
+             m_transfer->importFromTEXT();
+         }},
+        {DocumentAction::ImportFromRTF,
+         [this] {
+             m_transfer->importFromRTF();
+         }},
+        {DocumentAction::ImportFromRTFD,
+         [this] {
+             m_transfer->importFromRTFD();
+         }},
+        {DocumentAction::ExportToTEXT,
+         [this] {
+             m_transfer->exportToTEXT();
+         }},
+        {DocumentAction::ExportToRTF,
+         [this] {
+             m_transfer->exportToRTF();
+         }},
+        {DocumentAction::ExportToRTFD,
+         [this] {
+             m_transfer->exportToRTFD();
+         }},
+        {DocumentAction::RunPageLayout,
+         [this] {
+             m_printer->runPageLayout();
+         }},
+        {DocumentAction::PrintDocument,
+         [this] {
+             m_printer->printDocument();
+         }},
     };
 }
 

@@ -6,8 +6,8 @@
 #include "richtext/textproperties.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QPagedPaintDevice>
 #include <QPageRanges>
+#include <QPagedPaintDevice>
 #include <QPalette>
 #include <QSet>
 #include <QTextBlock>
@@ -110,7 +110,9 @@ PrintJob::PrintJob(const QTextDocument &content, QPagedPaintDevice &device)
 
 PrintJob::~PrintJob()
 {
-    m_painter.end(); // before the device goes
+    if (m_painter.isActive()) {
+        m_painter.end(); // before the device goes
+    }
 }
 
 int PrintJob::pageCount() const
@@ -158,7 +160,8 @@ void PrintJob::paint(int page)
     m_painter.translate(-view.topLeft());
     m_painter.setClipRect(view);
     QAbstractTextDocumentLayout::PaintContext context;
-    context.clip = view;
+    // What only touches the page belongs to its neighbour.
+    context.clip = view.adjusted(0, 1, 0, -1);
     context.palette = paper();
     m_text->documentLayout()->draw(&m_painter, context);
     m_painter.restore();

@@ -50,8 +50,8 @@ void restoreOriginalUnits(const QTextDocument &document, QString &text)
         for (auto part = block.begin(); !part.atEnd(); ++part) {
             const QTextFragment fragment = part.fragment();
             const int unit = fragment.charFormat().intProperty(OriginalUnit);
-            for (int i = fragment.position(); unit != 0 && i < fragment.position() + fragment.length();
-                 ++i) {
+            for (int i = fragment.position();
+                 unit != 0 && i < fragment.position() + fragment.length(); ++i) {
                 if (text.at(i) == QChar::ReplacementCharacter) {
                     text[i] = QChar(char16_t(unit));
                 }
@@ -203,7 +203,8 @@ void TextTransfer::insertBody(const QByteArray &body)
 std::optional<QByteArray> TextTransfer::read(const QString &path)
 {
     FileStore::ReadResult file = m_surroundings.machinery.files.read(path);
-    const bool isTooLarge = file.data ? file.data->size() > largestImport : file.error.code == EFBIG;
+    const bool isTooLarge =
+        file.data ? file.data->size() > largestImport : file.error.code == EFBIG;
     if (isTooLarge) {
         emit m_editor.tooTall();
         return std::nullopt;

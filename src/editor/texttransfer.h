@@ -30,10 +30,10 @@ struct TransferSurroundings
 
 /// The commands that move text between a document's editor and files outside it.
 ///
-/// An import puts the text of a file in the place of the selection, in one step of undo, and does so
-/// in a read-only document too. A file that gives no text changes nothing; no failure is told of,
-/// but for a text that is too long to be shown. An export warns, asks where to, and replaces what
-/// stands there in one step; it changes nothing of the document. What is exported is what the
+/// An import puts the text of a file in the place of the selection, in one step of undo, and does
+/// so in a read-only document too. A file that gives no text changes nothing; no failure is told
+/// of, but for a text that is too long to be shown. An export warns, asks where to, and replaces
+/// what stands there in one step; it changes nothing of the document. What is exported is what the
 /// editor holds when the panel is answered. Nothing is read or written once the document is locked.
 class TextTransfer final : public QObject
 {

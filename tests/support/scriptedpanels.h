@@ -42,7 +42,8 @@ public:
         });
     }
 
-    /// The user chose \a path in the sheet that is up, or dismissed it. \return false where none is.
+    /// The user chose \a path in the sheet that is up, or dismissed it. \return false where none
+    /// is.
     bool answerSheet(const std::optional<QString> &path)
     {
         for (const auto &sheet : m_sheets) {
