@@ -32,6 +32,7 @@ namespace quorvane {
 namespace {
 
 constexpr qint64 turnMilliseconds = 50; // of painting, before the windows have their turn
+constexpr double margin = 20; // millimetres
 constexpr qint64 quietMilliseconds = 500; // before the progress is shown
 
 /// Once the questions that the toolkit runs inside the dialog, in loops of its own, have returned.
@@ -141,6 +142,7 @@ QPrinter &DocumentPrinter::printer()
     if (!m_printer) {
         m_printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
         m_printer->setResolution(PrintJob::bestResolution);
+        m_printer->setPageMargins({margin, margin, margin, margin}, QPageLayout::Millimeter);
     }
     m_printer->setDocName(m_document.displayName());
     return *m_printer;
