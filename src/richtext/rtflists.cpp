@@ -16,7 +16,8 @@ namespace {
 constexpr int deepestIndent = 9; // RTF 1.9.1: nine levels.
 constexpr int firstListId = 1;
 constexpr int templateBase = 100; // Identifiers of levels that no other list has.
-constexpr qsizetype longestLevelText = 120;
+constexpr qsizetype longestLevelText = 60;
+constexpr qsizetype longestAffix = 29;
 
 struct Style
 {
@@ -115,8 +116,8 @@ QString levelText(const QTextListFormat &format, const Style &style, int level)
     if (!own.isEmpty()) {
         return own.left(longestLevelText);
     }
-    return format.numberPrefix().left(longestLevelText) + QChar(level)
-        + format.numberSuffix().left(longestLevelText);
+    return format.numberPrefix().left(longestAffix) + QChar(level)
+        + format.numberSuffix().left(longestAffix);
 }
 
 int startOf(const QTextListFormat &format)
@@ -143,9 +144,9 @@ QByteArray markerWords(const QTextListFormat &format, const Style &style,
         return words + "\\{" + name + "\\}}";
     }
     RtfEscaper escaper(words, fallback);
-    escaper.text(format.numberPrefix().left(longestLevelText));
+    escaper.text(format.numberPrefix().left(longestAffix));
     words += "\\{" + QByteArray(style.marker) + "\\}";
-    escaper.text(format.numberSuffix().left(longestLevelText));
+    escaper.text(format.numberSuffix().left(longestAffix));
     return words + '}';
 }
 

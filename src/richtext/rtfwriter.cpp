@@ -3,7 +3,6 @@
 #include "richtext/attachmentstore.h"
 #include "richtext/rtfparagraph.h"
 #include "richtext/rtfpicture.h"
-#include "richtext/rtfrows.h"
 #include "richtext/textproperties.h"
 
 #include <QBuffer>
@@ -21,7 +20,10 @@ namespace quorvane {
 
 namespace {
 
-constexpr int deepestNesting = 32;
+constexpr int deepestNesting = 32; // Of frames of any kind.
+// No reader takes more than that.
+constexpr int deepestTable = 8;
+constexpr int mostColumns = 512;
 constexpr char paragraphEnding[] = "\\\n";
 constexpr char cellEnding[] = "\\cell\n";
 constexpr char nestedCellEnding[] = "\\nestcell\n";
@@ -118,12 +120,14 @@ void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &
 
 void RtfWriter::writeChild(QTextFrame &frame)
 {
-    if (m_nesting >= deepestNesting) {
+    const auto *table = qobject_cast<const QTextTable *>(&frame);
+    const bool isReadable = !table || (m_depth < deepestTable && table->columns() <= mostColumns);
+    if (m_nesting >= deepestNesting || !isReadable) {
         writeFlat(frame);
         return;
     }
     ++m_nesting;
-    if (const auto *table = qobject_cast<const QTextTable *>(&frame)) {
+    if (table) {
         writeTable(*table);
     } else {
         writeFrame(frame.begin(), frame.end(), paragraphEnding);
@@ -143,7 +147,9 @@ void RtfWriter::writeFlat(const QTextFrame &frame)
 void RtfWriter::writeTable(const QTextTable &table)
 {
     ++m_depth;
-    const RtfRows rows(table, m_depth, m_tables);
+    const auto spans = m_form == Form::Alone ? RtfRows::Spans::Wide : RtfRows::Spans::Merged;
+    const qint64 roomOutside = m_room;
+    const RtfRows rows(table, m_depth, m_room, m_tables, spans);
     const bool isNested = m_depth > 1;
     for (int row = 0; row < table.rows(); ++row) {
         const QByteArray definition = rows.definition(row);
@@ -151,7 +157,7 @@ void RtfWriter::writeTable(const QTextTable &table)
         if (!isNested) {
             m_body += '\n' + definition;
         }
-        writeRow(table, row);
+        writeRow(table, row, rows);
         const QByteArray last = row + 1 == table.rows() ? "\\lastrow" : "";
         if (isNested) {
             m_body +=
@@ -161,17 +167,19 @@ void RtfWriter::writeTable(const QTextTable &table)
         }
     }
     m_hasParagraph = false;
+    m_room = roomOutside;
     --m_depth;
 }
 
-void RtfWriter::writeRow(const QTextTable &table, int row)
+void RtfWriter::writeRow(const QTextTable &table, int row, const RtfRows &rows)
 {
     const char *ending = m_depth > 1 ? nestedCellEnding : cellEnding;
     for (int column = 0; column < table.columns(); ++column) {
         const QTextTableCell cell = table.cellAt(row, column);
         if (cell.row() == row && cell.column() == column) {
+            m_room = rows.widthOf(cell);
             writeFrame(cell.begin(), cell.end(), ending);
-        } else {
+        } else if (!rows.isSwallowed(row, column)) {
             switchParagraph(defaultTabWords, QByteArray());
             m_body += ending;
         }
@@ -290,7 +298,7 @@ void RtfWriter::openLink(const QString &address)
     m_body +=
         isPlace ? "{\\field{\\*\\fldinst{HYPERLINK \\\\l \"" : "{\\field{\\*\\fldinst{HYPERLINK \"";
     QString target = isPlace ? address.sliced(1) : address;
-    target.replace(u'\\', u"\\\\"_s).replace(u'"', u"%22"_s);
+    target.replace(u'"', u"%22"_s);
     RtfEscaper(m_body, m_fallback).text(target);
     m_body += "\"}}{\\fldrslt ";
 }
@@ -337,9 +345,12 @@ const RtfWriter::Style &RtfWriter::styleOf(int index, const QTextCharFormat &for
     if (!style) {
         const bool isText = !format.hasProperty(QTextFormat::ObjectType)
             && !format.hasProperty(OriginalUnit) && !format.isImageFormat();
-        style = std::make_unique<Style>(Style {RtfLook(format, m_tables),
-                                               format.isAnchor() ? format.anchorHref() : QString(),
-                                               isText});
+        const auto dialect =
+            m_form == Form::Alone ? RtfLook::Dialect::Common : RtfLook::Dialect::Platform;
+        style = std::make_unique<Style>();
+        style->look = RtfLook(format, m_tables, dialect);
+        style->link = format.isAnchor() ? format.anchorHref() : QString();
+        style->isText = isText;
     }
     return *style;
 }

@@ -3,6 +3,7 @@
 #include "richtext/rtfescape.h"
 #include "richtext/rtflists.h"
 #include "richtext/rtflook.h"
+#include "richtext/rtfrows.h"
 #include "richtext/rtfwritertables.h"
 
 #include <QByteArray>
@@ -65,7 +66,7 @@ private:
                     const char *lastEnding);
     void writeChild(QTextFrame &frame);
     void writeTable(const QTextTable &table);
-    void writeRow(const QTextTable &table, int row);
+    void writeRow(const QTextTable &table, int row, const RtfRows &rows);
     void writeFlat(const QTextFrame &frame);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeListMarker(const QTextBlock &block, const QByteArray &marker);
@@ -93,6 +94,7 @@ private:
 
     int m_nesting = 0; ///< Of frames and tables.
     int m_depth = 0; ///< Of tables.
+    qint64 m_room = RtfRows::pageWidth; ///< For a table, in twips.
     QByteArray m_paragraph; ///< The words of the present paragraph.
     bool m_hasParagraph = false;
     std::vector<std::optional<Paragraph>> m_paragraphs; ///< By block format.
