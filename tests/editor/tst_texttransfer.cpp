@@ -157,7 +157,8 @@ private slots:
     void anImportAsksForAnyFileAndNothingMore();
     void whatWasExportedComesBack_data();
     void whatWasExportedComesBack();
-    void aListThatBeginsTheFileBringsNoParagraphBeforeIt();
+    void everyRoadBringsWhatASaveBrings_data();
+    void everyRoadBringsWhatASaveBrings();
 
 private:
     QString inFolder(const QString &name) const { return m_folder->filePath(name); }
@@ -491,22 +492,48 @@ void TestTextTransfer::whatWasExportedComesBack()
     }
 }
 
-void TestTextTransfer::aListThatBeginsTheFileBringsNoParagraphBeforeIt()
+void TestTextTransfer::everyRoadBringsWhatASaveBrings_data()
 {
-    Desk desk;
-    QTextDocument list;
-    QTextCursor cursor(&list);
-    cursor.insertText(u"one"_s);
-    cursor.createList(QTextListFormat::ListDecimal);
-    cursor.insertText(u"\ntwo"_s);
-    QVERIFY(desk.editor.insertDocument(list));
-    QCOMPARE(desk.editor.toPlainText(), u"one\ntwo"_s);
-    const QTextBlock first = desk.editor.content()->begin();
-    QVERIFY(first.textList() && first.textList() == first.next().textList());
-    desk.editor.selectAll();
-    desk.editor.cut();
-    desk.editor.paste();
-    QCOMPARE(desk.editor.toPlainText(), u"one\ntwo"_s);
+    QTest::addColumn<QByteArray>("text");
+    const QByteArray list =
+        "{\\pard\\ls1\\ilvl0 one\\\n\\ls1\\ilvl1 in it\\\n\\ls1\\ilvl0 two\\\n}";
+    const QByteArray table = "{\\trowd\\cellx2000\\cellx4000\\pard\\intbl a\\cell b\\cell\\row}";
+    const QByteArray others =
+        "\\pard\\qc {\\field{\\*\\fldinst{HYPERLINK \"http://a/\"}}{\\fldrslt link}} "
+        "{\\ul\\strike\\fs60 loud}{{\\NeXTGraphic a.bin \\width400 \\height300\n}\xac}\\\n";
+    QTest::newRow("a list at the beginning") << list + others + table + "\\pard end";
+    QTest::newRow("a list at the end") << others + "\\pard\\ls1\\ilvl0 one\\\ntwo";
+    QTest::newRow("a table at the beginning") << table + others + list + "\\pard end";
+    QTest::newRow("a table at the end") << "\\pard first\\\n" + list + others + table;
+}
+
+void TestTextTransfer::everyRoadBringsWhatASaveBrings()
+{
+    QFETCH(QByteArray, text);
+    const QByteArray rtf =
+        "{\\rtf1\\ansi{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'02\\'00.;}"
+        "{\\levelnumbers\\'01;}}{\\listlevel\\levelnfc23{\\leveltext\\'01\\u8226 ?;}"
+        "{\\levelnumbers;}}\\listid1}}{\\*\\listoverridetable{\\listoverride\\listid1\\ls1}}"
+        + text + "}";
+    Desk from(writeFlatRtfd({{"a.bin", FlatRtfdEntry::Kind::File, "bytes", {}},
+                             {"TXT.rtf", FlatRtfdEntry::Kind::File, rtf, {}}}));
+    QTextDocument saved;
+    readBody(bodyFromDocument(*from.editor.content()), saved);
+    const QByteArray expected = bodyFromDocument(saved);
+
+    from.beginExport(exportRtfd);
+    from.world.panels.answerSheet(inFolder(u"a.rtfd"_s));
+    Desk imported;
+    imported.import(importRtfd, inFolder(u"a.rtfd"_s));
+    QCOMPARE(bodyFromDocument(*imported.editor.content()), expected);
+    from.editor.selectAll();
+    from.editor.copy();
+    Desk pasted;
+    pasted.editor.paste();
+    QCOMPARE(bodyFromDocument(*pasted.editor.content()), expected);
+    from.editor.cut();
+    from.editor.paste();
+    QCOMPARE(bodyFromDocument(*from.editor.content()), expected);
 }
 
 QTEST_MAIN(TestTextTransfer)
