@@ -47,6 +47,8 @@ void deleteWhenIdle(QDialog *dialog, int loopLevel)
                        [dialog, loopLevel] { deleteWhenIdle(dialog, loopLevel); });
 }
 
+constexpr int smallestWidth = 360;
+
 class ProgressDialog final : public QDialog
 {
 public:
@@ -63,6 +65,7 @@ public:
         auto *cancel = new QPushButton(u"Cancel"_s, this);
         connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
         layout->addWidget(cancel, 0, Qt::AlignRight);
+        setMinimumWidth(smallestWidth);
     }
 
     void setPainted(int pages) { m_bar->setValue(pages); }
@@ -202,6 +205,11 @@ void DocumentPrinter::print()
         m_run = std::make_unique<Run>(unshown, *m_printer);
     } else {
         m_run = std::make_unique<Run>(*m_editor.content(), *m_printer);
+    }
+    if (m_run->job->total() == 0) {
+        dropRun();
+        tellFailure(u"It has no such pages."_s);
+        return;
     }
     printNextPages();
 }

@@ -169,7 +169,7 @@ void PrintJob::paint(int page)
 
 bool PrintJob::finish()
 {
-    return m_painter.end();
+    return m_painter.isActive() && m_painter.end();
 }
 
 } // namespace quorvane

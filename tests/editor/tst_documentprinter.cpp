@@ -91,7 +91,7 @@ private slots:
     void pagesComeInTheOrderThatIsAskedFor_data();
     void pagesComeInTheOrderThatIsAskedFor();
     void aLongTextIsPrintedAtAResolutionThatHoldsIt();
-    void theColoursOfTheDesktopAreNotPrinted();
+    void thePaperIsWhiteUnderTheColoursOfTheText();
     void aPdfIsPutInPlaceForItsOwnerAlone_data();
     void aPdfIsPutInPlaceForItsOwnerAlone();
 };
@@ -168,29 +168,37 @@ void TestDocumentPrinter::aLongTextIsPrintedAtAResolutionThatHoldsIt()
     QVERIFY(resolution < PrintJob::bestResolution && resolution >= 96);
 }
 
-void TestDocumentPrinter::theColoursOfTheDesktopAreNotPrinted()
+void TestDocumentPrinter::thePaperIsWhiteUnderTheColoursOfTheText()
 {
     const QPalette before = QApplication::palette();
     QApplication::setPalette(QPalette(QColor(20, 20, 20)));
-    const QByteArray file =
+    QImage red(8, 8, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QBuffer png;
+    QVERIFY(png.open(QIODevice::WriteOnly) && red.save(&png, "PNG"));
+    const QImage page = firstPage(printed(
         writeFlatRtfd({{"a.bin", FlatRtfdEntry::Kind::File, "bytes", {}},
+                       {"a.png", FlatRtfdEntry::Kind::File, png.data(), {}},
                        {"TXT.rtf",
                         FlatRtfdEntry::Kind::File,
-                        "{\\rtf1 \\fs96 text {{\\NeXTGraphic a.bin \\width400 \\height300\n}\xac}}",
-                        {}}});
-    const QImage page = firstPage(printed(file));
+                        "{\\rtf1 \\fs96 text {{\\NeXTGraphic a.bin \\width400 \\height300\n}\xac}"
+                        "{{\\NeXTGraphic a.png \\width1440 \\height1440\n}\xac}}",
+                        {}}})));
     QApplication::setPalette(before);
     int dark = 0;
     int light = 0;
+    int reddish = 0;
     for (int y = 0; y < page.height(); ++y) {
         for (int x = 0; x < page.width(); ++x) {
-            const int grey = qGray(page.pixel(x, y));
-            dark += grey < 64 ? 1 : 0;
-            light += grey > 240 ? 1 : 0;
+            const QRgb colour = page.pixel(x, y);
+            dark += qGray(colour) < 64 && qRed(colour) < 64 ? 1 : 0;
+            light += qGray(colour) > 240 ? 1 : 0;
+            reddish += qRed(colour) > 240 && qGreen(colour) < 16 ? 1 : 0;
         }
     }
     QVERIFY(dark > 100); // the letters
     QVERIFY(light > page.width() * page.height() * 9 / 10);
+    QVERIFY(reddish > 48 * 48 && reddish < 52 * 52); // an inch, at 50 dots
 }
 
 void TestDocumentPrinter::aPdfIsPutInPlaceForItsOwnerAlone_data()

@@ -146,6 +146,7 @@ private slots:
     void anExportThatIsNotWantedWritesNothing();
     void textGoesOutAsItsCharacters();
     void anExportIsItsOwnersAloneAndLeavesTheDocumentAlone();
+    void anEmptyEditorExportsEmptyFiles();
     void whatCannotBeWrittenIsPassedOverInSilence_data();
     void whatCannotBeWrittenIsPassedOverInSilence();
     void anOpenDocumentIsNotExportedOnto();
@@ -279,6 +280,19 @@ void TestTextTransfer::anExportIsItsOwnersAloneAndLeavesTheDocumentAlone()
     }
     QVERIFY(!desk.document->isDocumentEdited());
     QCOMPARE(desk.view.body(), std::optional(body));
+}
+
+void TestTextTransfer::anEmptyEditorExportsEmptyFiles()
+{
+    Desk desk;
+    for (const Command command : {exportText, exportRtf}) {
+        desk.beginExport(command);
+        const QString path = inFolder(command == exportText ? u"a.txt"_s : u"a.rtf"_s);
+        desk.world.panels.answerSheet(path);
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(plainTextFromBody(contentOf(path)), QString());
+        QCOMPARE(formOf(contentOf(path)), command == exportText ? BodyForm::Empty : BodyForm::Rtf);
+    }
 }
 
 void TestTextTransfer::whatCannotBeWrittenIsPassedOverInSilence_data()
