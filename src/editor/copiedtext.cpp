@@ -1,6 +1,5 @@
 #include "editor/copiedtext.h"
 
-#include "editor/insertion.h"
 #include "editor/texteditor.h"
 #include "richtext/body.h"
 #include "richtext/richtextexport.h"
@@ -118,6 +117,7 @@ CopiedText::CopiedText(std::unique_ptr<QMimeData> common, const QTextCursor &sel
                        const TextEditor *source)
     : m_common(std::move(common))
     , m_text(selection)
+    , m_length(selection.selectionEnd() - selection.selectionStart())
     , m_source(source)
 {
     const QTextDocument &document = *selection.document();
@@ -196,8 +196,11 @@ std::unique_ptr<QTextDocument> CopiedText::document() const
     auto document = std::make_unique<QTextDocument>();
     document->setUndoRedoEnabled(false);
     QTextCursor cursor(document.get());
-    insertFragment(cursor, m_text, m_beginsInItem);
+    cursor.insertFragment(m_text);
     cursor.movePosition(QTextCursor::Start);
+    if (m_beginsInItem && document->characterCount() - 1 > m_length) {
+        cursor.deleteChar(); // the toolkit may put an empty paragraph before a list
+    }
     const bool isOnlyPartOfItem = m_beginsInItem && !m_beginsWithItem;
     if (isOnlyPartOfItem) {
         cursor.setBlockFormat(QTextBlockFormat()); // words of an item are no item

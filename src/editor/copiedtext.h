@@ -56,6 +56,7 @@ private:
     QTextDocumentFragment m_text;
     std::optional<QTextBlockFormat> m_firstParagraph; // where it was copied from its beginning
     std::vector<Entry> m_entries;
+    int m_length; // in characters
     bool m_beginsInItem = false; // of a list, or in the midst of one
     bool m_beginsWithItem = false; // and all of it was copied
     QPointer<const TextEditor> m_source;

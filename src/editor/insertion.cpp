@@ -2,31 +2,13 @@
 
 #include "richtext/textproperties.h"
 
-#include <QTextBlock>
+#include <QString>
+#include <QTextCharFormat>
 #include <QTextCursor>
-#include <QTextDocument>
-#include <QTextDocumentFragment>
-#include <QTextList>
 
 #include <algorithm>
 
 namespace quorvane {
-
-void insertFragment(QTextCursor &cursor, const QTextDocumentFragment &fragment, bool beginsInList)
-{
-    cursor.beginEditBlock();
-    cursor.removeSelectedText();
-    QTextCursor start = cursor;
-    start.setKeepPositionOnInsert(true);
-    const bool wasEmpty = cursor.block().length() == 1;
-    cursor.insertFragment(fragment);
-    const QTextBlock first = start.block();
-    if (beginsInList && wasEmpty && first.length() == 1 && !first.textList()
-        && first.next().textList()) {
-        start.deleteChar();
-    }
-    cursor.endEditBlock();
-}
 
 void insertCharacters(QTextCursor &cursor, const QString &text)
 {

@@ -15,7 +15,6 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
-#include <QTextList>
 #include <QUrl>
 
 #include <algorithm>
@@ -235,7 +234,7 @@ bool TextEditor::insertDocument(const QTextDocument &inserted)
         look.setObjectIndex(-1); // its list is one of the other document
         cursor.mergeBlockFormat(look);
     }
-    insertFragment(cursor, QTextDocumentFragment(&inserted), inserted.begin().textList());
+    cursor.insertFragment(QTextDocumentFragment(&inserted));
     cursor.endEditBlock();
     ensureCursorVisible();
     return true;

@@ -392,9 +392,16 @@ void TestCopiedText::wordsOfAnItemAreNoItem()
     QCOMPARE(other->toPlainText(), u"xony"_s);
     other->selectAll();
     other->textCursor().removeSelectedText();
+    copyTo(1, 7);
+    QCOMPARE(other->toPlainText(), u"ne\ntwo"_s);
+    QVERIFY(!other->content()->begin().textList() && other->content()->lastBlock().textList());
+    other->selectAll();
     copyTo(0, 7);
     QCOMPARE(other->toPlainText(), u"one\ntwo"_s);
     QVERIFY(other->content()->begin().textList());
+    other->moveCursor(QTextCursor::Start);
+    copyTo(4, 7);
+    QCOMPARE(other->toPlainText(), u"twoone\ntwo"_s);
 }
 
 QTEST_MAIN(TestCopiedText)

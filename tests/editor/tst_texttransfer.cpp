@@ -71,6 +71,7 @@ public:
     void import(void (*command)(TextTransfer &), const QString &path)
     {
         command(*transfer);
+        world.queue.runAll(); // where a sheet was up before
         world.panels.answerSheet(path);
         world.queue.runAll();
     }
