@@ -6,6 +6,8 @@
 #include "editor/documentwindowcontroller.h"
 #include "platform/nsdocumentcontroller.h"
 #include "platform/posixfilestore.h"
+#include "platform/posixpackagestore.h"
+#include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -54,6 +56,7 @@ private:
     QtTimers m_timers;
     SettingsDefaults m_defaults;
     PosixFileStore m_files;
+    PosixPackageStore m_packages;
     QtPanels m_panels {m_mainQueue};
     QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
@@ -114,7 +117,18 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         QObject::connect(window.get(), &QtWindow::becameKey, events.becameKey);
         return window;
     };
-    auto controller = std::make_unique<DocumentWindowController>(document, m_defaults, adapt);
+    const auto isOpen = [this](const QString &path) {
+        return m_documents.hasOpen(path);
+    };
+    const auto sheetOf = [](QDialog &dialog) -> NSSheet & {
+        return *new DialogSheet(dialog); // owned by the dialog
+    };
+    const EditorSurroundings surroundings {
+        {{m_mainQueue, m_files, m_panels}, m_packages, isOpen},
+        {m_mainQueue, m_files, sheetOf, isOpen},
+    };
+    auto controller =
+        std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);
     new MainMenu(controller->window(), menuSurroundings(), // owned by the window
                  MenuDocument {controller->window(), document, controller->commands()});
     return controller;

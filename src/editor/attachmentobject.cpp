@@ -7,6 +7,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QBuffer>
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QImageReader>
 #include <QPainter>
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace quorvane {
 
@@ -65,9 +67,20 @@ const FlatRtfdEntry *fileOf(const QTextDocument &document, const QString &name)
     return entry && entry->kind == FlatRtfdEntry::Kind::File ? entry : nullptr;
 }
 
-void drawFile(QPainter &painter, const QRectF &rect, const QString &name)
+double screenResolution()
 {
-    const QPalette palette = QGuiApplication::palette();
+    return QFontMetricsF(QGuiApplication::font()).fontDpi();
+}
+
+/// Of what the document is laid out for.
+double resolutionOf(const QTextDocument &document)
+{
+    const QPaintDevice *device = document.documentLayout()->paintDevice();
+    return device ? device->logicalDpiY() : screenResolution();
+}
+
+void drawFile(QPainter &painter, const QRectF &rect, const QString &name, const QPalette &palette)
+{
     painter.setPen(palette.color(QPalette::Mid));
     painter.setBrush(palette.brush(QPalette::AlternateBase));
     painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), roundness, roundness);
@@ -89,7 +102,9 @@ void drawFile(QPainter &painter, const QRectF &rect, const QString &name)
     }
     const QRectF place(icon.right() + gap, rect.top(), rect.right() - icon.right() - 2 * gap,
                        rect.height());
-    painter.setFont(QGuiApplication::font());
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(QFontInfo(font).pixelSize());
+    painter.setFont(font);
     painter.setPen(palette.color(QPalette::Text));
     painter.drawText(
         place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
@@ -104,27 +119,26 @@ QSizeF largestAttachmentSize(const QTextFormat &format, double dotsPerInch)
                                   : iconFrame;
 }
 
-AttachmentObject::AttachmentObject(QTextDocument *document)
+AttachmentObject::AttachmentObject(QTextDocument *document, std::optional<QPalette> palette)
     : QObject(document)
+    , m_palette(std::move(palette))
     , m_pictures(cachedKilobytes)
 { }
 
-void AttachmentObject::registerFor(QTextDocument &document)
+void AttachmentObject::registerFor(QTextDocument &document, const std::optional<QPalette> &palette)
 {
     if (!document.findChild<AttachmentObject *>(QString(), Qt::FindDirectChildrenOnly)) {
         document.documentLayout()->registerHandler(attachmentObjectType,
-                                                   new AttachmentObject(&document));
+                                                   new AttachmentObject(&document, palette));
     }
 }
 
 QSizeF AttachmentObject::intrinsicSize(QTextDocument *document, int, const QTextFormat &format)
 {
     if (!isPicture(*document, format)) {
-        return iconFrame;
+        return iconFrame * (resolutionOf(*document) / screenResolution());
     }
-    const QPaintDevice *device = document->documentLayout()->paintDevice();
-    return pictureSize(
-        format, device ? device->logicalDpiY() : QFontMetricsF(QGuiApplication::font()).fontDpi());
+    return pictureSize(format, resolutionOf(*document));
 }
 
 void AttachmentObject::drawObject(QPainter *painter, const QRectF &rect, QTextDocument *document,
@@ -137,7 +151,12 @@ void AttachmentObject::drawObject(QPainter *painter, const QRectF &rect, QTextDo
     if (image) {
         painter->drawImage(rect, *image);
     } else {
-        drawFile(*painter, rect, name);
+        // Drawn as on the screen, whatever the paper's resolution.
+        const double scale = resolutionOf(*document) / screenResolution();
+        painter->translate(rect.topLeft());
+        painter->scale(scale, scale);
+        drawFile(*painter, QRectF(QPointF(), rect.size() / scale), name,
+                 m_palette.value_or(QGuiApplication::palette()));
     }
     painter->restore();
 }

@@ -4,8 +4,11 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QPalette>
 #include <QSizeF>
 #include <QTextObjectInterface>
+
+#include <optional>
 
 class QTextDocument;
 class QTextFormat;
@@ -23,21 +26,24 @@ class AttachmentObject final : public QObject, public QTextObjectInterface
     Q_INTERFACES(QTextObjectInterface)
 
 public:
-    /// Makes the document's layout draw attachments. It lasts as long as the document.
-    static void registerFor(QTextDocument &document);
+    /// Makes the document's layout draw attachments. It lasts as long as the document. The colours
+    /// are those of the desktop where no others are given.
+    static void registerFor(QTextDocument &document,
+                            const std::optional<QPalette> &palette = std::nullopt);
 
     QSizeF intrinsicSize(QTextDocument *document, int position, const QTextFormat &format) override;
     void drawObject(QPainter *painter, const QRectF &rect, QTextDocument *document, int position,
                     const QTextFormat &format) override;
 
 private:
-    explicit AttachmentObject(QTextDocument *document);
+    AttachmentObject(QTextDocument *document, std::optional<QPalette> palette);
 
     /// Whether a picture is shown: there is one in the file, and the text tells its size.
     bool isPicture(const QTextDocument &document, const QTextFormat &format);
     /// The picture in the file of that name, nothing where it cannot be read after all.
     const QImage *picture(const QTextDocument &document, const QString &name);
 
+    std::optional<QPalette> m_palette;
     QCache<QString, QImage> m_pictures; // costs are kilobytes
     QHash<QString, bool> m_beginsAsPicture;
 };

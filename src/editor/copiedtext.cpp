@@ -1,6 +1,8 @@
 #include "editor/copiedtext.h"
 
+#include "editor/texteditor.h"
 #include "richtext/body.h"
+#include "richtext/richtextexport.h"
 #include "richtext/textproperties.h"
 
 #include <QClipboard>
@@ -9,8 +11,10 @@
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextFragment>
+#include <QTextList>
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +24,10 @@ namespace {
 
 constexpr auto plainFormat = "text/plain"_L1;
 constexpr auto htmlFormat = "text/html"_L1;
+// Under the first two it is offered; office programs and others call it by all of these.
+constexpr std::array rtfFormats {"text/rtf"_L1, "application/rtf"_L1, "text/richtext"_L1,
+                                 "application/x-rtf"_L1};
+const QStringList offeredRtf {rtfFormats[0], rtfFormats[1]};
 
 struct Attachment
 {
@@ -106,15 +114,20 @@ QString moveFile(const QString &name, const AttachmentStore &from, AttachmentSto
 } // namespace
 
 CopiedText::CopiedText(std::unique_ptr<QMimeData> common, const QTextCursor &selection,
-                       const QObject *source)
+                       const TextEditor *source)
     : m_common(std::move(common))
     , m_text(selection)
+    , m_length(selection.selectionEnd() - selection.selectionStart())
     , m_source(source)
 {
     const QTextDocument &document = *selection.document();
     const QTextBlock first = document.findBlock(selection.selectionStart());
+    m_beginsInItem = first.textList();
     if (first.position() == selection.selectionStart()) {
         m_firstParagraph = first.blockFormat();
+        m_firstParagraph->setObjectIndex(-1); // a list is one of its own document
+        m_beginsWithItem =
+            m_beginsInItem && selection.selectionEnd() >= first.position() + first.length() - 1;
     }
     const auto names =
         namesOf(attachmentsOf(document, selection.selectionStart(), selection.selectionEnd()));
@@ -127,7 +140,7 @@ CopiedText::CopiedText(std::unique_ptr<QMimeData> common, const QTextCursor &sel
     }
 }
 
-void CopiedText::clearClipboards(const QObject *source)
+void CopiedText::clearClipboards(const TextEditor *source)
 {
     QClipboard *clipboard = QGuiApplication::clipboard();
     for (const QClipboard::Mode mode : {QClipboard::Clipboard, QClipboard::Selection}) {
@@ -141,7 +154,7 @@ void CopiedText::clearClipboards(const QObject *source)
 
 QStringList CopiedText::formats() const
 {
-    return QStringList {rtfdFormat} + m_common->formats();
+    return QStringList {rtfdFormat} + offeredRtf + m_common->formats();
 }
 
 bool CopiedText::hasFormat(const QString &format) const
@@ -149,10 +162,22 @@ bool CopiedText::hasFormat(const QString &format) const
     return formats().contains(format);
 }
 
+// A drag goes on while its document is locked, and asks only when it is dropped.
+bool CopiedText::isHidden() const
+{
+    return m_source && m_source->isContentHidden();
+}
+
 QVariant CopiedText::retrieveData(const QString &format, QMetaType) const
 {
+    if (isHidden()) {
+        return {};
+    }
     if (format == rtfdFormat) {
-        return body();
+        return bodyFromDocument(*document());
+    }
+    if (offeredRtf.contains(format)) {
+        return rtfFromDocument(*document());
     }
     if (!m_common->hasFormat(format)) {
         return {}; // an empty answer would be taken for the text
@@ -166,21 +191,46 @@ QVariant CopiedText::retrieveData(const QString &format, QMetaType) const
     return m_common->data(format);
 }
 
-QByteArray CopiedText::body() const
+std::unique_ptr<QTextDocument> CopiedText::document() const
 {
-    QTextDocument document;
-    document.setUndoRedoEnabled(false);
-    QTextCursor cursor(&document);
+    auto document = std::make_unique<QTextDocument>();
+    document->setUndoRedoEnabled(false);
+    QTextCursor cursor(document.get());
     cursor.insertFragment(m_text);
-    if (m_firstParagraph) {
-        cursor.movePosition(QTextCursor::Start);
+    cursor.movePosition(QTextCursor::Start);
+    if (m_beginsInItem && document->characterCount() - 1 > m_length) {
+        cursor.deleteChar(); // the toolkit may put an empty paragraph before a list
+    }
+    const bool isOnlyPartOfItem = m_beginsInItem && !m_beginsWithItem;
+    if (isOnlyPartOfItem) {
+        cursor.setBlockFormat(QTextBlockFormat()); // words of an item are no item
+    } else if (m_firstParagraph && !m_beginsWithItem) {
         cursor.setBlockFormat(*m_firstParagraph);
     }
-    AttachmentStore &store = AttachmentStore::of(document);
+    AttachmentStore &store = AttachmentStore::of(*document);
     for (const Entry &entry : m_entries) {
         store.add(QString::fromUtf8(entry.entry.name), entry.entry, entry.attributes);
     }
-    return bodyFromDocument(document);
+    return document;
+}
+
+bool offersRtf(const QMimeData &source)
+{
+    return std::any_of(rtfFormats.begin(), rtfFormats.end(),
+                       [&source](QLatin1StringView format) { return source.hasFormat(format); });
+}
+
+QByteArray rtfOf(const QMimeData &source)
+{
+    for (const QLatin1StringView format : rtfFormats) {
+        if (source.hasFormat(format)) {
+            QByteArray rtf = source.data(format);
+            if (formOf(rtf) == BodyForm::Rtf) {
+                return rtf;
+            }
+        }
+    }
+    return {};
 }
 
 std::unique_ptr<QTextDocument> pastedBody(const QByteArray &body, QTextDocument &target)

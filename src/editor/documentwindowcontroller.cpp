@@ -16,7 +16,8 @@ namespace quorvane {
 using namespace Qt::StringLiterals;
 
 DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
-                                                   const WindowAdapter &adapt)
+                                                   const WindowAdapter &adapt,
+                                                   const EditorSurroundings &surroundings)
     : m_document(document)
     , m_defaults(defaults)
     , m_window(std::make_unique<DocumentWindow>())
@@ -28,6 +29,10 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
     , m_insertSheet(std::make_unique<PasswordSheet>(PasswordSheet::Kind::Insert, m_window.get()))
     , m_noteSheet(std::make_unique<PublicNoteSheet>(m_window.get()))
     , m_noteDelegate(document)
+    , m_transfer(std::make_unique<TextTransfer>(document, m_window->editor(), *m_view,
+                                                surroundings.transfer))
+    , m_printer(std::make_unique<DocumentPrinter>(document, m_window->editor(), *m_view, *m_window,
+                                                  surroundings.printing))
 {
     connectOutlets();
     bindAppearance();
@@ -95,6 +100,38 @@ DocumentCommands DocumentWindowController::commands()
         {DocumentAction::MakePlainText,
          [document] {
              document->makePlainText();
+         }},
+        {DocumentAction::ImportFromTEXT,
+         [this] {
+             m_transfer->importFromTEXT();
+         }},
+        {DocumentAction::ImportFromRTF,
+         [this] {
+             m_transfer->importFromRTF();
+         }},
+        {DocumentAction::ImportFromRTFD,
+         [this] {
+             m_transfer->importFromRTFD();
+         }},
+        {DocumentAction::ExportToTEXT,
+         [this] {
+             m_transfer->exportToTEXT();
+         }},
+        {DocumentAction::ExportToRTF,
+         [this] {
+             m_transfer->exportToRTF();
+         }},
+        {DocumentAction::ExportToRTFD,
+         [this] {
+             m_transfer->exportToRTFD();
+         }},
+        {DocumentAction::RunPageLayout,
+         [this] {
+             m_printer->runPageLayout();
+         }},
+        {DocumentAction::PrintDocument,
+         [this] {
+             m_printer->printDocument();
          }},
     };
 }

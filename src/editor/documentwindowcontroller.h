@@ -2,6 +2,8 @@
 
 #include "document/documentaction.h"
 #include "document/publicnotedelegate.h"
+#include "editor/documentprinter.h"
+#include "editor/texttransfer.h"
 #include "platform/nsuserdefaults.h"
 #include "platform/nswindow.h"
 #include "platform/nswindowcontroller.h"
@@ -21,6 +23,13 @@ class MyDocument;
 class PasswordSheet;
 class PublicNoteSheet;
 
+/// What the commands on a document's text ask of the world.
+struct EditorSurroundings
+{
+    TransferSurroundings transfer;
+    PrintingSurroundings printing;
+};
+
 /// Builds a document's window and joins its widgets to the document: outlets, actions, and each
 /// property with the field that shows it, in both directions.
 class DocumentWindowController final : public QObject, public NSWindowController
@@ -32,7 +41,7 @@ public:
         std::function<std::unique_ptr<NSWindow>(QWidget &window, const WindowEvents &events)>;
 
     DocumentWindowController(MyDocument &document, NSUserDefaults &defaults,
-                             const WindowAdapter &adapt);
+                             const WindowAdapter &adapt, const EditorSurroundings &surroundings);
     ~DocumentWindowController() override;
 
     DocumentWindow &window() const { return *m_window; }
@@ -66,6 +75,8 @@ private:
     std::unique_ptr<PasswordSheet> m_insertSheet;
     std::unique_ptr<PublicNoteSheet> m_noteSheet;
     PublicNoteDelegate m_noteDelegate;
+    std::unique_ptr<TextTransfer> m_transfer;
+    std::unique_ptr<DocumentPrinter> m_printer;
     bool m_hasToldSurplus = false;
 };
 

@@ -3,6 +3,7 @@
 #include "editor/attachmentobject.h"
 #include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
+#include "editor/insertion.h"
 #include "editor/pastedtext.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -16,6 +17,7 @@
 #include <QTextDocumentFragment>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -44,6 +46,10 @@ QFont fontOf(const NSFont &font)
 /// Names of files are no text, though they are offered as one.
 bool hasPlainText(const QMimeData &source)
 {
+    const QList<QUrl> urls = source.urls();
+    if (std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); })) {
+        return false;
+    }
     return source.hasFormat(u"text/plain"_s) || source.hasFormat(utf8Format)
         || (source.hasText() && !source.hasUrls());
 }
@@ -241,10 +247,28 @@ bool TextEditor::insertDocument(const QTextDocument &inserted)
     cursor.beginEditBlock();
     cursor.removeSelectedText();
     if (cursor.block().length() == 1) { // nothing of its own that the paragraph's look belongs to
-        cursor.mergeBlockFormat(inserted.begin().blockFormat());
+        QTextBlockFormat look = inserted.begin().blockFormat();
+        look.setObjectIndex(-1); // its list is one of the other document
+        cursor.mergeBlockFormat(look);
     }
     cursor.insertFragment(QTextDocumentFragment(&inserted));
     cursor.endEditBlock();
+    ensureCursorVisible();
+    return true;
+}
+
+bool TextEditor::insertText(const QString &text)
+{
+    QTextDocument probe;
+    probe.setUndoRedoEnabled(false);
+    probe.setDefaultFont(m_content->defaultFont());
+    QTextCursor(&probe).insertText(text, currentCharFormat());
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe))) {
+        refuse();
+        return false;
+    }
+    QTextCursor cursor = textCursor();
+    insertCharacters(cursor, text);
     ensureCursorVisible();
     return true;
 }
@@ -479,7 +503,7 @@ QMimeData *TextEditor::createMimeDataFromSelection() const
 bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
 {
     return source
-        && (m_pasteReader || source->hasFormat(rtfdFormat) || source->hasHtml()
+        && (source->hasFormat(rtfdFormat) || offersRtf(*source) || source->hasHtml()
             || hasPlainText(*source));
 }
 
@@ -488,32 +512,23 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (!source || isReadOnly()) {
         return;
     }
-    if (source->hasFormat(rtfdFormat)) {
-        insertDocument(*pastedBody(source->data(rtfdFormat), *m_content));
-        return;
-    }
-    const std::unique_ptr<QTextDocument> pasted = m_pasteReader ? m_pasteReader(*source) : nullptr;
-    if (pasted) {
+    if (const std::unique_ptr<QTextDocument> pasted = documentOf(*source)) {
         insertDocument(*pasted);
-    } else if (source->hasHtml()) {
-        insertDocument(*pastedHtml(source->html(), m_content->defaultFont()));
     } else if (hasPlainText(*source)) {
-        insertPlain(plainTextOf(*source));
+        insertText(plainTextOf(*source));
     }
 }
 
-void TextEditor::insertPlain(const QString &text)
+/// What is offered with a look, in the form that says most; null where there is none.
+std::unique_ptr<QTextDocument> TextEditor::documentOf(const QMimeData &source)
 {
-    QTextDocument probe;
-    probe.setUndoRedoEnabled(false);
-    probe.setDefaultFont(m_content->defaultFont());
-    QTextCursor(&probe).insertText(text, currentCharFormat());
-    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe))) {
-        refuse();
-        return;
+    if (source.hasFormat(rtfdFormat)) {
+        return pastedBody(source.data(rtfdFormat), *m_content);
     }
-    textCursor().insertText(text);
-    ensureCursorVisible();
+    if (const QByteArray rtf = rtfOf(source); !rtf.isEmpty()) {
+        return pastedBody(rtf, *m_content);
+    }
+    return source.hasHtml() ? pastedHtml(source.html(), m_content->defaultFont()) : nullptr;
 }
 
 QVariant TextEditor::loadResource(int type, const QUrl &name)

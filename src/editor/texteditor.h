@@ -6,7 +6,6 @@
 #include <QTextEdit>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -26,7 +25,6 @@ class TextEditor final : public QTextEdit
 
 public:
     enum class ShowResult { Shown, TooTall };
-    using PasteReader = std::function<std::unique_ptr<QTextDocument>(const QMimeData &)>;
 
     static constexpr int referenceWidth = 760;
 
@@ -61,12 +59,10 @@ public:
     bool applyCharFormat(const QTextCharFormat &format);
     /// Inserts a text in the place of the selection, in one step of undo. \return as above.
     bool insertDocument(const QTextDocument &inserted);
+    /// Inserts characters in the place of the selection, in its look. \return as above.
+    bool insertText(const QString &text);
     /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
     bool hasRoomFor(double height);
-
-    /// Asked first when something is pasted or dropped; where it answers null, HTML or plain text
-    /// is taken.
-    void setPasteReader(PasteReader reader) { m_pasteReader = std::move(reader); }
 
     QVariant loadResource(int type, const QUrl &name) override;
 
@@ -119,13 +115,12 @@ private:
     Place place() const;
     void restore(const Place &place);
     void restoreScroll(const Place &place);
-    void insertPlain(const QString &text);
+    std::unique_ptr<QTextDocument> documentOf(const QMimeData &source);
 
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;
     LayoutGuard m_layoutGuard {*this};
     std::optional<NSFont> m_typingFont;
-    PasteReader m_pasteReader;
     Bound m_bound; // at the reference width
     Bound m_narrow; // at most as wide
     bool m_paginated = false;

@@ -23,6 +23,9 @@ public:
 
     std::vector<NSDocument *> documents() const;
 
+    /// Whether one of them has the file of that path, by whatever way to it.
+    bool hasOpen(const QString &path) const { return documentForPath(path) != nullptr; }
+
     void newDocument();
     /// Asks for files and opens them.
     void openDocument();

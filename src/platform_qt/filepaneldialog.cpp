@@ -36,8 +36,10 @@ QStringList patternsOf(const QStringList &types)
 
 } // namespace
 
-FilePanelDialog::FilePanelDialog(const NSOpenPanel &panel, const QString &directory)
-    : QFileDialog(nullptr, u"Open"_s)
+FilePanelDialog::FilePanelDialog(QWidget *parent, const NSOpenPanel &panel,
+                                 const QString &directory)
+    : QFileDialog(parent, u"Open"_s)
+    , m_packageTypes(panel.packageTypes)
     , m_loopLevel(QThread::currentThread()->loopLevel())
 {
     setUp(directory, panel.allowedFileTypes);
@@ -49,6 +51,7 @@ FilePanelDialog::FilePanelDialog(const NSOpenPanel &panel, const QString &direct
 FilePanelDialog::FilePanelDialog(QWidget *parent, const NSSavePanel &panel,
                                  const QString &directory)
     : QFileDialog(parent, u"Save"_s)
+    , m_packageTypes(panel.savesPackage ? panel.allowedFileTypes : QStringList())
     , m_loopLevel(QThread::currentThread()->loopLevel())
 {
     setUp(directory, panel.allowedFileTypes);
@@ -66,6 +69,13 @@ void FilePanelDialog::setUp(const QString &directory, const QStringList &types)
     setOption(QFileDialog::DontConfirmOverwrite);
     setDirectory(directory);
     showDatesInFull();
+    // A double click goes into every folder; a package is a folder for the disk alone.
+    connect(this, &QFileDialog::directoryEntered, this, [this](const QString &path) {
+        if (isPackage(path)) {
+            setDirectory(QFileInfo(path).path());
+            choosePackage(path);
+        }
+    });
     if (!types.isEmpty()) {
         setNameFilter(u"Files (%1)"_s.arg(patternsOf(types).join(u' ')));
     }
@@ -84,9 +94,26 @@ void FilePanelDialog::showDatesInFull()
     }
 }
 
+QStringList FilePanelDialog::chosenPaths() const
+{
+    return m_package.isEmpty() ? selectedFiles() : QStringList {m_package};
+}
+
+bool FilePanelDialog::isPackage(const QString &path) const
+{
+    const QFileInfo file(path);
+    return file.isDir() && m_packageTypes.contains(file.suffix(), Qt::CaseInsensitive);
+}
+
+void FilePanelDialog::choosePackage(const QString &path)
+{
+    m_package = path;
+    done(QDialog::Accepted);
+}
+
 QString FilePanelDialog::pathToSave() const
 {
-    const QStringList chosen = selectedFiles();
+    const QStringList chosen = chosenPaths();
     const QString path = chosen.isEmpty() ? QString() : chosen.first();
     const QString type = QFileInfo(path).suffix();
     if (m_types.isEmpty() || m_types.contains(type, Qt::CaseInsensitive)) {
@@ -95,9 +122,24 @@ QString FilePanelDialog::pathToSave() const
     return path + u'.' + m_types.first();
 }
 
+void FilePanelDialog::accept()
+{
+    m_package.clear();
+    const QStringList chosen = selectedFiles();
+    if (chosen.size() == 1 && isPackage(chosen.first())) {
+        choosePackage(chosen.first());
+        return;
+    }
+    QFileDialog::accept();
+}
+
 void FilePanelDialog::done(int result)
 {
     const bool saves = result == QDialog::Accepted && acceptMode() == QFileDialog::AcceptSave;
+    if (saves && QFileInfo(pathToSave()).isDir() && !isPackage(pathToSave())) {
+        setDirectory(pathToSave()); // no file can take the place of a folder
+        return;
+    }
     if (saves && !m_mayReplace && QFileInfo::exists(pathToSave())) {
         askToReplace(pathToSave());
         return;

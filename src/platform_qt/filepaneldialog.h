@@ -13,11 +13,13 @@ class FilePanelDialog final : public QFileDialog
     Q_OBJECT
 
 public:
-    FilePanelDialog(const NSOpenPanel &panel, const QString &directory);
+    FilePanelDialog(QWidget *parent, const NSOpenPanel &panel, const QString &directory);
     FilePanelDialog(QWidget *parent, const NSSavePanel &panel, const QString &directory);
 
+    QStringList chosenPaths() const; ///< What is to be opened.
     QString pathToSave() const; ///< With the extension that is added to a name without one.
 
+    void accept() override;
     void done(int result) override;
     /// Once the context menus and questions that Qt runs inside the dialog have returned.
     void deleteWhenIdle();
@@ -26,8 +28,12 @@ private:
     void setUp(const QString &directory, const QStringList &types);
     void showDatesInFull();
     void askToReplace(const QString &path);
+    bool isPackage(const QString &path) const;
+    void choosePackage(const QString &path);
 
     QStringList m_types;
+    QStringList m_packageTypes;
+    QString m_package; // that was chosen
     int m_loopLevel;
     bool m_mayReplace = false;
 };

@@ -23,6 +23,12 @@ QString firstDirectory()
     return QDir(documents).exists() ? documents : QDir::homePath();
 }
 
+QWidget *hostOf(NSWindow &window)
+{
+    const auto *host = dynamic_cast<QtWindow *>(&window);
+    return host != nullptr ? &host->widget() : nullptr;
+}
+
 } // namespace
 
 QtPanels::QtPanels(NSOperationQueue &queue)
@@ -38,7 +44,7 @@ void QtPanels::beginOpen(const NSOpenPanel &panel,
                          std::function<void(QStringList paths)> completion)
 {
     // Shared with the completion, which may be dropped in place of run.
-    const std::shared_ptr<FilePanelDialog> dialog(new FilePanelDialog(panel, m_directory),
+    const std::shared_ptr<FilePanelDialog> dialog(new FilePanelDialog(nullptr, panel, m_directory),
                                                   [](FilePanelDialog *d) { d->deleteWhenIdle(); });
     dialog->setWindowModality(Qt::ApplicationModal);
     auto *sheet = new DialogSheet(*dialog);
@@ -48,15 +54,30 @@ void QtPanels::beginOpen(const NSOpenPanel &panel,
         if (isChosen) {
             m_directory = dialog->directory().absolutePath();
         }
-        completion(isChosen ? dialog->selectedFiles() : QStringList());
+        completion(isChosen ? dialog->chosenPaths() : QStringList());
+    });
+}
+
+void QtPanels::beginOpenSheet(NSWindow &window, const NSOpenPanel &panel,
+                              std::function<void(QStringList paths)> completion)
+{
+    auto *dialog = new FilePanelDialog(hostOf(window), panel, m_directory);
+    auto *sheet = new DialogSheet(*dialog);
+    window.beginSheet(*sheet, [this, dialog, completion = std::move(completion)](int code) {
+        dialog->deleteWhenIdle();
+        if (code != QDialog::Accepted) {
+            completion({});
+            return;
+        }
+        m_directory = dialog->directory().absolutePath();
+        completion(dialog->chosenPaths());
     });
 }
 
 void QtPanels::beginSaveSheet(NSWindow &window, const NSSavePanel &panel,
                               std::function<void(std::optional<QString> path)> completion)
 {
-    const auto *host = dynamic_cast<QtWindow *>(&window);
-    auto *dialog = new FilePanelDialog(host != nullptr ? &host->widget() : nullptr, panel,
+    auto *dialog = new FilePanelDialog(hostOf(window), panel,
                                        panel.directory.isEmpty() ? m_directory : panel.directory);
     auto *sheet = new DialogSheet(*dialog);
     window.beginSheet(*sheet, [this, dialog, completion = std::move(completion)](int code) {

@@ -16,7 +16,10 @@ public:
 
     void beginOpen(const NSOpenPanel &panel,
                    std::function<void(QStringList paths)> completion) override;
-    /// The window is a QtWindow. An existing file is asked about before it is answered.
+    /// The window is a QtWindow, here and below.
+    void beginOpenSheet(NSWindow &window, const NSOpenPanel &panel,
+                        std::function<void(QStringList paths)> completion) override;
+    /// An existing file is asked about before it is answered.
     void beginSaveSheet(NSWindow &window, const NSSavePanel &panel,
                         std::function<void(std::optional<QString> path)> completion) override;
 

@@ -1,3 +1,4 @@
+#include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
 #include "editor/texteditor.h"
 #include "richtext/attachmentstore.h"
@@ -13,6 +14,7 @@
 #include <QTest>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextList>
 
 #include <map>
 #include <memory>
@@ -129,6 +131,10 @@ private slots:
     void attachmentsTakeTheRoomThatWasEstimated();
     void aPictureIsDrawn();
     void textInUtf8AloneIsTaken();
+    void whatSaysMostIsTaken_data();
+    void whatSaysMostIsTaken();
+    void aDragGivesOutNothingOnceItsTextIsHidden();
+    void wordsOfAnItemAreNoItem();
 };
 
 void TestCopiedText::whatALockedTextGaveToAClipboardIsGone()
@@ -312,6 +318,90 @@ void TestCopiedText::textInUtf8AloneIsTaken()
     QVERIFY(editor->canPaste());
     editor->paste();
     QCOMPARE(editor->toPlainText(), u"d\u00e9j\u00e0"_s);
+}
+
+void TestCopiedText::whatSaysMostIsTaken_data()
+{
+    using Offers = QMap<QString, QByteArray>;
+    QTest::addColumn<Offers>("offers");
+    QTest::addColumn<QString>("text");
+    const QByteArray rtf = "{\\rtf1 {\\b rich}}";
+    QTest::newRow("RTF before HTML and text")
+        << Offers {{u"text/plain"_s, "text"}, {u"text/html"_s, "<i>html</i>"}, {u"text/rtf"_s, rtf}}
+        << u"rich"_s;
+    QTest::newRow("RTF as office programs call it")
+        << Offers {{u"text/plain"_s, "text"}, {u"text/richtext"_s, rtf}} << u"rich"_s;
+    QTest::newRow("HTML before what is called RTF and is none")
+        << Offers {{u"text/html"_s, "<i>html</i>"}, {u"text/rtf"_s, "rich"}} << u"html"_s;
+    QTest::newRow("names of files are no text")
+        << Offers {{u"text/plain"_s, "/a.rtf"}, {u"text/uri-list"_s, "file:///a.rtf\r\n"}} << u""_s;
+    QTest::newRow("an address is")
+        << Offers {{u"text/plain"_s, "http://a/"}, {u"text/uri-list"_s, "http://a/\r\n"}}
+        << u"http://a/"_s;
+}
+
+void TestCopiedText::whatSaysMostIsTaken()
+{
+    using Offers = QMap<QString, QByteArray>;
+    QFETCH(Offers, offers);
+    QFETCH(QString, text);
+    const EditorPtr editor = editorOf(QByteArray());
+    auto data = std::make_unique<QMimeData>();
+    for (auto offer = offers.cbegin(); offer != offers.cend(); ++offer) {
+        data->setData(offer.key(), offer.value());
+    }
+    QGuiApplication::clipboard()->setMimeData(data.release());
+    editor->paste();
+    QCOMPARE(editor->toPlainText(), text);
+    QCOMPARE(editor->textCursor().charFormat().fontWeight() == QFont::Bold, text == u"rich"_s);
+}
+
+void TestCopiedText::aDragGivesOutNothingOnceItsTextIsHidden()
+{
+    const EditorPtr editor = editorOf("secret");
+    editor->selectAll();
+    auto common = std::make_unique<QMimeData>();
+    common->setText(u"secret"_s);
+    const CopiedText dragged(std::move(common), editor->textCursor(), editor.get());
+    for (const bool hidden : {false, true}) {
+        editor->setContentHidden(hidden);
+        const QStringList formats = dragged.formats();
+        QVERIFY(formats.contains(u"text/rtf"_s) && formats.contains(u"application/rtf"_s));
+        for (const QString &format : formats) {
+            QCOMPARE(dragged.data(format).contains("secret"), !hidden);
+        }
+    }
+}
+
+void TestCopiedText::wordsOfAnItemAreNoItem()
+{
+    const EditorPtr editor = editorOf("one\ntwo");
+    editor->selectAll();
+    editor->textCursor().createList(QTextListFormat::ListDisc);
+    const EditorPtr other = editorOf("xy");
+    const auto copyTo = [&](int from, int to) {
+        QTextCursor cursor(editor->content());
+        cursor.setPosition(from);
+        cursor.setPosition(to, QTextCursor::KeepAnchor);
+        editor->setTextCursor(cursor);
+        editor->copy();
+        other->paste();
+    };
+    other->moveCursor(QTextCursor::Right);
+    copyTo(0, 2);
+    QCOMPARE(other->toPlainText(), u"xony"_s);
+    other->selectAll();
+    other->textCursor().removeSelectedText();
+    copyTo(1, 7);
+    QCOMPARE(other->toPlainText(), u"ne\ntwo"_s);
+    QVERIFY(!other->content()->begin().textList() && other->content()->lastBlock().textList());
+    other->selectAll();
+    copyTo(0, 7);
+    QCOMPARE(other->toPlainText(), u"one\ntwo"_s);
+    QVERIFY(other->content()->begin().textList());
+    other->moveCursor(QTextCursor::Start);
+    copyTo(4, 7);
+    QCOMPARE(other->toPlainText(), u"twoone\ntwo"_s);
 }
 
 QTEST_MAIN(TestCopiedText)

@@ -31,6 +31,10 @@ private Q_SLOTS:
     void aPanelEndedFromOutsideCountsAsDismissed();
     void theFolderLastUsedComesBack();
     void anOpenPanelAnswersWhatWasChosen();
+    void aPackageIsChosenLikeAFile_data();
+    void aPackageIsChosenLikeAFile();
+    void aPackageIsReplacedAndAFolderIsNot_data();
+    void aPackageIsReplacedAndAFolderIsNot();
     void noTraceIsLeftInTheSettingsOfOtherPrograms();
 
 private:
@@ -208,6 +212,78 @@ void FilePanelsTest::anOpenPanelAnswersWhatWasChosen()
         press(panel(), dismisses ? u"Cancel"_s : u"Open"_s);
         QCOMPARE(answer, dismisses ? QStringList() : QStringList {file.fileName()});
     }
+}
+
+void FilePanelsTest::aPackageIsChosenLikeAFile_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("entersByDoubleClick");
+    QTest::addColumn<bool>("isChosen");
+    QTest::newRow("a package by its name") << u"a.rtfd"_s << false << true;
+    QTest::newRow("a package by a double click") << u"a.RTFD"_s << true << true;
+    QTest::newRow("a file") << u"a.txt"_s << false << true;
+    QTest::newRow("any other folder is entered") << u"folder"_s << false << false;
+}
+
+void FilePanelsTest::aPackageIsChosenLikeAFile()
+{
+    QFETCH(QString, typed);
+    QFETCH(bool, entersByDoubleClick);
+    QFETCH(bool, isChosen);
+    QFile file(inFolder(u"a.txt"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    for (const QString &name : {u"a.rtfd"_s, u"a.RTFD"_s, u"folder"_s}) {
+        QVERIFY(QDir(m_folder->path()).mkdir(name));
+    }
+    std::optional<QStringList> answer;
+    m_panels->beginOpenSheet(*m_window, {{}, false, {u"rtfd"_s}},
+                             [&answer](const QStringList &paths) { answer = paths; });
+    QTRY_VERIFY(panel() != nullptr);
+    QVERIFY(m_window->attachedSheet() != nullptr);
+    panel()->setDirectory(m_folder->path());
+    if (entersByDoubleClick) {
+        panel()->setDirectory(inFolder(typed));
+        Q_EMIT panel()->directoryEntered(inFolder(typed));
+    } else {
+        typeName(inFolder(typed));
+        press(panel(), u"Open"_s);
+    }
+    QCOMPARE(answer.has_value(), isChosen);
+    if (isChosen) {
+        QCOMPARE(*answer, QStringList {inFolder(typed)});
+    } else {
+        QCOMPARE(panel()->directory().absolutePath(), inFolder(typed));
+    }
+}
+
+void FilePanelsTest::aPackageIsReplacedAndAFolderIsNot_data()
+{
+    QTest::addColumn<bool>("savesPackage");
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("a package by its name") << true << u"a.rtfd"_s;
+    QTest::newRow("a package without extension") << true << u"a"_s;
+    QTest::newRow("a folder where a file is saved") << false << u"a"_s;
+}
+
+void FilePanelsTest::aPackageIsReplacedAndAFolderIsNot()
+{
+    QFETCH(bool, savesPackage);
+    QFETCH(QString, typed);
+    QVERIFY(QDir(m_folder->path()).mkdir(u"a.rtfd"_s));
+    NSSavePanel asked {{u"rtfd"_s}, m_folder->path(), {}};
+    asked.savesPackage = savesPackage;
+    beginSave(asked);
+    typeName(typed);
+    press(panel(), typed.contains(u'.') ? u"Open"_s : u"Save"_s); // the toolkit's word for folders
+    QVERIFY(!m_answer);
+    QCOMPARE(question() != nullptr, savesPackage);
+    if (!savesPackage) {
+        QCOMPARE(panel()->directory().absolutePath(), inFolder(u"a.rtfd"_s));
+        return;
+    }
+    press(question(), u"Replace"_s);
+    QVERIFY(m_answer.has_value());
+    QCOMPARE(*m_answer, inFolder(u"a.rtfd"_s));
 }
 
 void FilePanelsTest::noTraceIsLeftInTheSettingsOfOtherPrograms()

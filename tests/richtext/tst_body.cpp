@@ -152,7 +152,7 @@ void fill(QTextDocument &document, QRandomGenerator &random)
                 format.setAlignment(alignments[random.bounded(4)]);
             }
             if (random.bounded(4) == 0) {
-                format.setProperty(ParagraphWords, QByteArray("\\tx720\\li360\\fi-360"));
+                format.setProperty(ParagraphWords, QByteArray("\\pardeftab720\\keepn"));
             }
             cursor.insertBlock(format, randomFormat(random));
         }
@@ -305,10 +305,10 @@ void TestBody::looksAreRead()
 void TestBody::paragraphsAreRead()
 {
     QTextDocument document;
-    readBody("{\\rtf1\\pard\\tx720\\qc a\\\n\\\n\\pard\\ql\\qnatural b\\par\\ql c\\par"
+    readBody("{\\rtf1\\pard\\keepn\\qc a\\\n\\\n\\pard\\ql\\qnatural b\\par\\ql c\\par"
              "\\pard{\\qj d\\par}e\\fs40\\par}",
              document);
-    const QString centred = QString::number(int(Qt::AlignHCenter)) + u"\\tx720"_s;
+    const QString centred = QString::number(int(Qt::AlignHCenter)) + u"\\keepn"_s;
     const QStringList expected {centred + u" []a"_s,
                                 centred + u" empty "_s,
                                 u"natural []b"_s,

@@ -22,6 +22,16 @@ public:
         completion(pathsToOpen);
     }
 
+    void beginOpenSheet(NSWindow &window, const NSOpenPanel &panel,
+                        std::function<void(QStringList paths)> completion) override
+    {
+        opened.append(panel);
+        m_sheets.push_back(std::make_unique<ScriptedSheet>());
+        window.beginSheet(*m_sheets.back(), [this, completion = std::move(completion)](int code) {
+            completion(code == accepted ? QStringList {m_path} : QStringList());
+        });
+    }
+
     void beginSaveSheet(NSWindow &window, const NSSavePanel &panel,
                         std::function<void(std::optional<QString> path)> completion) override
     {
@@ -32,8 +42,9 @@ public:
         });
     }
 
-    /// The user chose \a path, or dismissed the panel. \return false where none is up.
-    bool answerSave(const std::optional<QString> &path)
+    /// The user chose \a path in the sheet that is up, or dismissed it. \return false where none
+    /// is.
+    bool answerSheet(const std::optional<QString> &path)
     {
         for (const auto &sheet : m_sheets) {
             if (sheet->isUp()) {
@@ -44,6 +55,8 @@ public:
         }
         return false;
     }
+
+    bool answerSave(const std::optional<QString> &path) { return answerSheet(path); }
 
     QList<NSOpenPanel> opened;
     QList<NSSavePanel> saved;

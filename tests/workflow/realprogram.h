@@ -6,6 +6,8 @@
 #include "editor/lockedpage.h"
 #include "editor/texteditor.h"
 #include "platform/nsdocumentcontroller.h"
+#include "platform/posixpackagestore.h"
+#include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -166,7 +168,18 @@ private:
             QObject::connect(window.get(), &QtWindow::becameKey, events.becameKey);
             return window;
         };
-        auto controller = std::make_unique<DocumentWindowController>(made, defaults, adapt);
+        const auto isOpen = [this](const QString &path) {
+            return documents.hasOpen(path);
+        };
+        const auto sheetOf = [](QDialog &dialog) -> NSSheet & {
+            return *new DialogSheet(dialog);
+        };
+        const EditorSurroundings surroundings {
+            {{m_queue, files, panels}, m_packages, isOpen},
+            {m_queue, files, sheetOf, isOpen},
+        };
+        auto controller =
+            std::make_unique<DocumentWindowController>(made, defaults, adapt, surroundings);
         m_windows << &controller->window();
         new MainMenu(controller->window(), menuSurroundings(), // owned by the window
                      MenuDocument {controller->window(), made, controller->commands()});
@@ -176,6 +189,7 @@ private:
     QtOperationQueue m_queue;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
+    PosixPackageStore m_packages;
     QList<QPointer<DocumentWindow>> m_windows;
 
 public:
