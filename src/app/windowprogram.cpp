@@ -1,10 +1,11 @@
 #include "app/windowprogram.h"
 
 #include "document/mydocument.h"
+#include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
-#include "platform/nsdocumentcontroller.h"
 #include "platform/posixfilestore.h"
+#include "platform/recoveryfolder.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -21,6 +22,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QSet>
 
 #include <algorithm>
@@ -30,6 +32,16 @@ namespace quorvane {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+QString recoveryPath()
+{
+    // Qt has no name for this folder before 6.7. A relative path in the variable counts as none.
+    QString state = qEnvironmentVariable("XDG_STATE_HOME");
+    if (!QDir::isAbsolutePath(state)) {
+        state = QDir::home().filePath(u".local/state"_s);
+    }
+    return QDir(state).filePath(u"quorvane/recovery"_s);
+}
 
 /// The one copy of everything that lives as long as the program.
 class Program final
@@ -47,17 +59,18 @@ private:
     QtTimers m_timers;
     SettingsDefaults m_defaults;
     PosixFileStore m_files;
+    RecoveryFolder m_recovery {recoveryPath(), m_files};
     QtPanels m_panels {m_mainQueue};
     QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
-    NSDocumentController m_documents;
+    QVRevertDocController m_documents;
     MyAppDelegate m_delegate;
 };
 
 Program::Program()
-    : m_documents({m_mainQueue, m_files, m_panels}, m_alerts, documentExtension,
-                  [this] { return makeDocument(); })
+    : m_documents({m_mainQueue, m_files, m_panels, m_timers, &m_recovery}, m_alerts,
+                  documentExtension, [this] { return makeDocument(); })
     , m_delegate(m_defaults, m_documents, m_timers)
 {
     MyAppDelegate::initialize(m_defaults);
@@ -66,7 +79,7 @@ Program::Program()
 std::unique_ptr<NSDocument> Program::makeDocument()
 {
     const MyDocumentSurroundings surroundings {
-        {m_mainQueue, m_files, m_panels},
+        {m_mainQueue, m_files, m_panels, m_timers, &m_recovery},
         m_defaults,
         m_fontManager,
         m_alerts,
@@ -94,7 +107,9 @@ void Program::start(const QStringList &files)
     for (const QString &file : files) {
         m_documents.openDocumentWithContentsOfURL(file);
     }
-    if (files.isEmpty() && m_delegate.applicationShouldOpenUntitledFile()) {
+    m_documents.restoreRecoveredDocuments();
+    if (m_documents.documents().empty() && files.isEmpty()
+        && m_delegate.applicationShouldOpenUntitledFile()) {
         m_documents.newDocument();
     }
     m_delegate.applicationDidFinishLaunching();

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "document/mydocument.h"
+#include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
 #include "editor/lockedpage.h"
 #include "editor/texteditor.h"
-#include "platform/nsdocumentcontroller.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
+#include "platform_qt/qttimers.h"
 #include "platform_qt/qtwindow.h"
 #include "product/release.h"
 #include "product/settings.h"
@@ -131,7 +132,7 @@ private:
     std::unique_ptr<NSDocument> makeDocument()
     {
         return std::make_unique<MyDocument>(MyDocumentSurroundings {
-            {m_queue, files, panels},
+            {m_queue, files, panels, m_timers},
             m_defaults,
             m_fontManager,
             m_alerts,
@@ -155,6 +156,7 @@ private:
     }
 
     QtOperationQueue m_queue;
+    QtTimers m_timers;
     InMemoryDefaults m_defaults;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
@@ -164,9 +166,12 @@ private:
 public:
     FailingFileStore files;
     ScriptedPanels panels;
-    NSDocumentController documents {{m_queue, files, panels}, m_alerts, documentExtension, [this] {
-                                        return makeDocument();
-                                    }};
+    QVRevertDocController documents {{m_queue, files, panels, m_timers},
+                                     m_alerts,
+                                     documentExtension,
+                                     [this] {
+                                         return makeDocument();
+                                     }};
 };
 
 } // namespace quorvane
