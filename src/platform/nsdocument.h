@@ -56,6 +56,7 @@ public:
 
     std::optional<QString> fileURL() const { return m_fileURL; } ///< An absolute path.
 
+    bool isOwnFile(const QString &path) const; ///< Whether that is fileURL, spelt in another way.
     /// Makes the file of that path the document's, as it stands there now.
     void setFileURL(const QString &path);
     QString displayName() const; ///< The file's name without extension, or the untitled one.
@@ -166,7 +167,6 @@ private:
 
     void followChanges();
     void takePath(const QString &path);
-    bool isOwnFile(const QString &path) const;
     void updateWindowTitle();
     /// Asks on the window. \a answered learns the title of the button; without a window "Cancel".
     void ask(const NSAlert &alert, std::function<void(const QString &choice)> answered);

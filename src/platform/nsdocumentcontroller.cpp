@@ -100,11 +100,11 @@ void NSDocumentController::openDocument()
 NSDocument *NSDocumentController::documentForPath(const QString &path) const
 {
     const QString wanted = QFileInfo(path).canonicalFilePath();
-    if (wanted.isEmpty()) {
-        return nullptr;
-    }
     for (const std::unique_ptr<NSDocument> &document : m_documents) {
-        if (document->fileURL() && QFileInfo(*document->fileURL()).canonicalFilePath() == wanted) {
+        // By its name, too: the file may be gone, and have nothing but that.
+        if (document->isOwnFile(path)
+            || (!wanted.isEmpty() && document->fileURL()
+                && QFileInfo(*document->fileURL()).canonicalFilePath() == wanted)) {
             return document.get();
         }
     }

@@ -77,8 +77,8 @@ private:
         auto &window = static_cast<ScriptedWindow &>(*m_document->myWindow);
         // What a save left that was killed, or a look that failed, is to the document as another
         // program's work: the user has it written all the same.
-        if (!isSaved && !window.alerts.isEmpty()
-            && window.alerts.last().buttons.first() == "Save Anyway"_L1) {
+        while (!isSaved && !window.alerts.isEmpty()
+               && window.alerts.last().buttons.first() == "Save Anyway"_L1) {
             window.answer(AlertAnswer::First);
             m_world.queue.runAll();
         }
