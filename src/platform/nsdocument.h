@@ -201,6 +201,7 @@ private:
     void readAgain();
 
     // Closing
+    void saveOrKeep();
     void saveThenClose(const std::function<void(bool should)> &shouldClose);
     void askToSave(const std::function<void(bool should)> &shouldClose);
     void reviewUnsaved(const NSAlert &alert, std::function<void()> save,

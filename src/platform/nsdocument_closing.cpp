@@ -19,7 +19,10 @@ const QString doNotSaveChoice = u"Don't Save"_s;
 
 void NSDocument::canCloseDocument(std::function<void(bool should)> shouldClose)
 {
-    if (!hasUnsavedChanges() || !windowForSheet()) {
+    if (!hasUnsavedChanges()) {
+        shouldClose(true);
+    } else if (!windowForSheet()) {
+        saveOrKeep();
         shouldClose(true);
     } else if (m_reviewing) {
         shouldClose(false);
@@ -104,13 +107,21 @@ void NSDocument::performClose()
 
 void NSDocument::closeWithoutReview()
 {
-    if (!m_closed && hasUnsavedChanges() && !reasonNotToWrite()) {
-        const bool isSaved = m_fileURL && write(*m_fileURL).result == Writing::Done;
-        if (!isSaved) {
-            static_cast<void>(keepForRecovery()); // Nobody is left to be told.
-        }
+    if (!m_closed) {
+        saveOrKeep();
     }
     close();
+}
+
+// Nobody is there to be told where both fail.
+void NSDocument::saveOrKeep()
+{
+    if (!hasUnsavedChanges() || reasonNotToWrite()) {
+        return;
+    }
+    if (!m_fileURL || write(*m_fileURL).result != Writing::Done) {
+        static_cast<void>(keepForRecovery());
+    }
 }
 
 void NSDocument::close()
