@@ -126,7 +126,10 @@ void Desktop::followEnds(const Program &program)
     // the exit code is the one of a program that the signal ended.
     connect(&*m_signals, &TerminationSignals::received, this, [program](int number) {
         program.documents.autosaveDocuments();
-        QCoreApplication::exit(everythingIsSaved(program.documents) ? 0 : signalExitBase + number);
+        const bool isSaved = everythingIsSaved(program.documents);
+        program.willEnd();
+        program.documents.closeWithoutReview();
+        QCoreApplication::exit(isSaved ? 0 : signalExitBase + number);
     });
     // The session may still go on: save, and leave the rest to what comes.
     connect(

@@ -29,6 +29,7 @@ public:
         const NSUserDefaults &defaults;
         NSOperationQueue &mainQueue;
         std::function<void()> startAnew; ///< Shows what a start without files shows.
+        std::function<void()> willEnd; ///< From now on no window takes the place of a closed one.
     };
 
     Desktop();

@@ -2,11 +2,12 @@
 
 #include "app/desktop.h"
 #include "document/mydocument.h"
+#include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
-#include "platform/nsdocumentcontroller.h"
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
+#include "platform/recoveryfolder.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
@@ -26,6 +27,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QSet>
 
 #include <algorithm>
@@ -35,6 +37,16 @@ namespace quorvane {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+QString recoveryPath()
+{
+    // Qt has no name for this folder before 6.7. A relative path in the variable counts as none.
+    QString state = qEnvironmentVariable("XDG_STATE_HOME");
+    if (!QDir::isAbsolutePath(state)) {
+        state = QDir::home().filePath(u".local/state"_s);
+    }
+    return QDir(state).filePath(u"quorvane/recovery"_s);
+}
 
 /// The one copy of everything that lives as long as the program.
 class Program final
@@ -57,19 +69,20 @@ private:
     SettingsDefaults m_defaults;
     PosixFileStore m_files;
     PosixPackageStore m_packages;
+    RecoveryFolder m_recovery {recoveryPath(), m_files};
     QtPanels m_panels {m_mainQueue};
     QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
-    NSDocumentController m_documents;
+    QVRevertDocController m_documents;
     MyAppDelegate m_delegate;
     XdgRecentDocuments m_recents;
     StartWindowKeeper m_startWindow;
 };
 
 Program::Program()
-    : m_documents({m_mainQueue, m_files, m_panels}, m_alerts, documentExtension,
-                  [this] { return makeDocument(); })
+    : m_documents({m_mainQueue, m_files, m_panels, m_timers, &m_recovery}, m_alerts,
+                  documentExtension, [this] { return makeDocument(); })
     , m_delegate(m_defaults, m_documents, m_timers)
     , m_recents(m_timers, {productName, u"quorvane %f"_s, documentType})
     , m_startWindow(menuSurroundings(), m_mainQueue)
@@ -99,7 +112,7 @@ void Program::quit()
 std::unique_ptr<NSDocument> Program::makeDocument()
 {
     const MyDocumentSurroundings surroundings {
-        {m_mainQueue, m_files, m_panels},
+        {m_mainQueue, m_files, m_panels, m_timers, &m_recovery},
         m_defaults,
         m_fontManager,
         m_alerts,
@@ -124,7 +137,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         return *new DialogSheet(dialog); // owned by the dialog
     };
     const EditorSurroundings surroundings {
-        {{m_mainQueue, m_files, m_panels}, m_packages, isOpen},
+        {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
     };
     auto controller =
@@ -139,7 +152,9 @@ void Program::start(const QStringList &files)
     for (const QString &file : files) {
         m_documents.openDocumentWithContentsOfURL(file);
     }
-    if (files.isEmpty() && m_delegate.applicationShouldOpenUntitledFile()) {
+    m_documents.restoreRecoveredDocuments();
+    if (m_documents.documents().empty() && files.isEmpty()
+        && m_delegate.applicationShouldOpenUntitledFile()) {
         m_documents.newDocument();
     }
     m_startWindow.begin();
@@ -148,12 +163,15 @@ void Program::start(const QStringList &files)
 
 Desktop::Program Program::forDesktop()
 {
-    return {m_documents, m_delegate, m_defaults, m_mainQueue, [this] {
-                if (m_delegate.applicationShouldOpenUntitledFile()) {
-                    m_documents.newDocument();
-                } else {
-                    m_delegate.executeDocumentStartupAsInPref();
-                }
+    const auto startAnew = [this] {
+        if (m_delegate.applicationShouldOpenUntitledFile()) {
+            m_documents.newDocument();
+        } else {
+            m_delegate.executeDocumentStartupAsInPref();
+        }
+    };
+    return {m_documents, m_delegate, m_defaults, m_mainQueue, startAnew, [this] {
+                m_startWindow.end();
             }};
 }
 

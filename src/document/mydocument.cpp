@@ -82,7 +82,7 @@ void MyDocument::markTextUnedited()
 
 void MyDocument::textDidChange()
 {
-    textEditedMayHaveChanged();
+    noteChange();
 }
 
 void MyDocument::saveDocument()
@@ -171,6 +171,7 @@ void MyDocument::windowDidBecomeKey(const NSWindow &window)
         later([this] { askMandatoryPasswordToProtectDocument(); });
     }
     m_requiresMandatoryPassword = false;
+    later([this] { checkFileOnDisk(); });
 }
 
 qint32 MyDocument::decryptDone()

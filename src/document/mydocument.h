@@ -99,6 +99,8 @@ public:
     /// Locks without a question: an open document with a password and a file, a sheet on it or not.
     void lockAutomatically();
     void doLockDocument();
+    /// The second route, which saves first: the answer of a question whether to lock.
+    void didDismissLockDocument(int returnCode);
 
     /// To be called by the window before its widgets go.
     void disconnectOutlets();
@@ -119,6 +121,9 @@ Q_SIGNALS:
 
 protected:
     std::optional<QString> reasonNotToWrite() const override;
+
+    bool isUntouched() const override { return m_isSealed; }
+
     bool isTextEdited() const override;
     void markTextUnedited() override;
 

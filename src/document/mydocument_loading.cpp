@@ -7,6 +7,7 @@ namespace quorvane {
 bool MyDocument::readFromData(const QByteArray &data)
 {
     m_requiresMandatoryPassword = false;
+    m_hasToldWhyNotRead = false;
     const std::optional<DocumentFile> file = DocumentFile::fromData(data);
     if (!file) {
         return false;

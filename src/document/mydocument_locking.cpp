@@ -1,4 +1,5 @@
 #include "document/mydocument.h"
+#include "document/qvrevertdoccontroller.h"
 
 #include <QPointer>
 
@@ -33,14 +34,17 @@ void MyDocument::lockAutomatically()
     if (isEncrypted() || plainPassword().isEmpty() || !fileURL()) {
         return;
     }
-    if (NSSheet *sheet = myWindow ? myWindow->attachedSheet() : nullptr) {
-        myWindow->endSheet(*sheet);
-    }
+    endAttachedSheet();
     later([this] { doLockDocument(); });
 }
 
 void MyDocument::doLockDocument()
 {
+    if (m_isSealed) {
+        // Reverted since the lock was queued: what is in memory does not fit the fields of the
+        // file.
+        return;
+    }
     m_makeToolbarVisibleAtDecrypt = modernToolbar && modernToolbar->isVisible();
     m_myWinRectToUse = myWindow ? myWindow->frame() : NSRect();
     encryptData();
@@ -57,6 +61,15 @@ void MyDocument::doLockDocument()
     myWindow->setMaxSize(myWindow->minSize());
     myWindow->setShowsResizeIndicator(false);
     myWindow->center();
+}
+
+void MyDocument::didDismissLockDocument(int returnCode)
+{
+    auto *controller =
+        qobject_cast<QVRevertDocController *>(NSDocumentController::sharedDocumentController());
+    if (controller && returnCode == static_cast<int>(AlertAnswer::First)) {
+        controller->advancedLockDocument(*this);
+    }
 }
 
 } // namespace quorvane

@@ -77,8 +77,8 @@ bool QVCryptoDoc::validateUserInterfaceItem(DocumentAction action) const
 void QVCryptoDoc::canCloseDocument(std::function<void(bool should)> shouldClose)
 {
     if (m_isEncrypted) {
-        // The caller is deliberately not answered: nothing is saved and nobody is asked.
-        close();
+        // The caller is deliberately not answered, and nobody is asked.
+        closeWithoutReview();
         return;
     }
     NSDocument::canCloseDocument(std::move(shouldClose));

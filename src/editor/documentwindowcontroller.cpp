@@ -77,6 +77,10 @@ DocumentCommands DocumentWindowController::commands()
          [document] {
              document->documentPassword();
          }},
+        {DocumentAction::RevertDocumentToSaved,
+         [document] {
+             document->revertDocumentToSaved();
+         }},
         {DocumentAction::LockDocument,
          [document] {
              document->lockDocument();

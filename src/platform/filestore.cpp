@@ -92,4 +92,9 @@ bool FileError::isInPlace() const
     return step == filestep::flushingFolder;
 }
 
+bool FileStore::StampResult::isMissing() const
+{
+    return !stamp && (error.code == ENOENT || error.code == ENOTDIR);
+}
+
 } // namespace quorvane

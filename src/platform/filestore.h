@@ -36,6 +36,16 @@ struct FileError
     bool isInPlace() const;
 };
 
+/// What tells one state of a file from another without reading it.
+struct FileStamp
+{
+    quint64 device = 0;
+    quint64 inode = 0;
+    qint64 size = 0;
+    qint64 modified = 0; ///< Nanoseconds since 1970.
+    bool operator==(const FileStamp &) const = default;
+};
+
 /// The files of documents.
 class FileStore
 {
@@ -44,15 +54,37 @@ public:
     {
         std::optional<QByteArray> data;
         FileError error; ///< Told only where there is no data.
+        FileStamp stamp; ///< Of what was read; told only where there is data.
+    };
+
+    struct WriteResult
+    {
+        std::optional<FileError> error;
+        std::optional<FileStamp> stamp; ///< Of the new content, wherever it stands under the name.
+    };
+
+    struct StampResult
+    {
+        std::optional<FileStamp> stamp;
+        FileError error; ///< Told only where there is no stamp.
+
+        bool isMissing() const; ///< Nothing stands there, for certain.
     };
 
     virtual ~FileStore() = default;
     [[nodiscard]] virtual ReadResult read(const QString &path) = 0;
+    /// How the file stands at this moment. Links are followed.
+    [[nodiscard]] virtual StampResult stamp(const QString &path) = 0;
     /// Puts \a data in place of the file: on success all of it is on the disk under the name, on
-    /// failure the file that was there is whole and untouched, but for FileError::isInPlace.
-    /// \return nothing on success.
-    [[nodiscard]] virtual std::optional<FileError> replace(const QString &path,
-                                                           const QByteArray &data) = 0;
+    /// failure the file that was there is whole and untouched, but for FileError::isInPlace. A file
+    /// that another program changes meanwhile is left to it.
+    [[nodiscard]] virtual WriteResult write(const QString &path, const QByteArray &data) = 0;
+
+    /// The same for who asks for no stamp. \return nothing on success.
+    [[nodiscard]] std::optional<FileError> replace(const QString &path, const QByteArray &data)
+    {
+        return write(path, data).error;
+    }
 };
 
 } // namespace quorvane

@@ -10,7 +10,7 @@ namespace quorvane {
 enum class NSAlertStyle { Warning = 0, Informational = 1, Critical = 2 };
 
 /// What an alert's buttons answer, in the order in which they were added.
-enum class AlertAnswer { First = 1000, Second = 1001, Third = 1002 };
+enum class AlertAnswer { First = 1000, Second = 1001, Third = 1002, Fourth = 1003 };
 
 /// An alert as plain data. The first button is the default one; a button titled "Cancel" takes
 /// Escape, and so does an only button.

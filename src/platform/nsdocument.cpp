@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
+#include <QScopedValueRollback>
 
 #include <utility>
 
@@ -11,9 +12,6 @@ namespace quorvane {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QString nothingIsLost =
-    u"\n\nNothing is lost: the document stays open as it is, and the file on disk has not been changed."_s;
 
 // The folder as the system resolves it: to clean a path by its spelling leads elsewhere where ".."
 // follows a link. The file's own name stays, be it a link or not there yet.
@@ -34,9 +32,26 @@ NSDocument::NSDocument(const DocumentSurroundings &surroundings, QString extensi
 
 void NSDocument::setFileURL(const QString &path)
 {
-    m_fileURL = absolutePath(path);
+    takePath(path);
+    m_knownFile = m_surroundings.files.stamp(path).stamp;
+    m_knownDigest.clear();
+    m_toldConflict.reset();
+}
+
+void NSDocument::takePath(const QString &path)
+{
+    const QString absolute = absolutePath(path);
+    if (m_fileURL == absolute) {
+        return;
+    }
+    m_fileURL = absolute;
     updateWindowTitle();
     Q_EMIT fileURLChanged();
+}
+
+bool NSDocument::isOwnFile(const QString &path) const
+{
+    return m_fileURL == absolutePath(path);
 }
 
 QString NSDocument::displayName() const
@@ -57,22 +72,36 @@ void NSDocument::setUntitledName(const QString &name)
 
 bool NSDocument::isDocumentEdited() const
 {
-    return m_changeCount > 0 || isTextEdited();
+    return m_changeCount > 0 || isTextEdited() || (m_isRecovered && !isUntouched());
+}
+
+bool NSDocument::hasUnsavedChanges() const
+{
+    return m_isUnsavedBehindMark || (isDocumentEdited() && !isUntouched());
 }
 
 void NSDocument::updateChangeCount(NSDocumentChangeType change)
 {
     if (change == NSDocumentChangeType::Done) {
         ++m_changeCount;
-    } else {
-        m_changeCount = 0;
-        markTextUnedited();
+        noteChange();
+        return;
     }
-    textEditedMayHaveChanged();
+    m_isUnsavedBehindMark = hasUnsavedChanges();
+    m_changeCount = 0;
+    markTextUnedited();
+    followChanges();
 }
 
-void NSDocument::textEditedMayHaveChanged()
+void NSDocument::noteChange()
 {
+    m_isRecoveryCurrent = false;
+    followChanges();
+}
+
+void NSDocument::followChanges()
+{
+    scheduleAutosave();
     const bool edited = isDocumentEdited();
     if (edited == m_toldEdited) {
         return;
@@ -101,143 +130,32 @@ void NSDocument::showWindows()
     }
 }
 
-void NSDocument::saveDocument()
-{
-    saveDocument([](bool) {});
-}
-
-void NSDocument::saveDocument(std::function<void(bool saved)> done)
-{
-    if (!m_fileURL) {
-        saveToPanelPath(std::move(done));
-        return;
-    }
-    done(writeTo(*m_fileURL));
-}
-
-void NSDocument::saveDocumentAs()
-{
-    saveToPanelPath([](bool) {});
-}
-
-void NSDocument::saveToPanelPath(std::function<void(bool saved)> done)
+void NSDocument::ask(const NSAlert &alert, std::function<void(const QString &choice)> answered)
 {
     NSWindow *window = windowForSheet();
     if (!window) {
-        done(false);
+        answered(cancelChoice);
         return;
     }
-    const QString directory = m_fileURL ? QFileInfo(*m_fileURL).absolutePath() : QString();
-    const NSSavePanel panel {{m_extension}, directory, displayName() + u'.' + m_extension};
-    const QPointer<NSDocument> self(this);
-    m_surroundings.panels.beginSaveSheet(
-        *window, panel, [self, done = std::move(done)](const std::optional<QString> &path) {
-            if (self) {
-                done(path && self->writeTo(*path));
-            }
-        });
+    window->beginAlert(alert,
+                       [self = QPointer(this), buttons = alert.buttons,
+                        answered = std::move(answered)](AlertAnswer answer) {
+                           if (!self || self->m_closed) {
+                               return;
+                           }
+                           const int number =
+                               static_cast<int>(answer) - static_cast<int>(AlertAnswer::First);
+                           answered(self->m_isEndingSheet ? cancelChoice : buttons.value(number));
+                       });
 }
 
-bool NSDocument::writeTo(const QString &path)
-{
-    if (m_isOpenElsewhere && m_isOpenElsewhere(path)) {
-        tellNotSaved(
-            path,
-            u"It is open in another window. Close it there first, or choose another name."_s
-                + nothingIsLost);
-        return false;
-    }
-    if (const std::optional<QString> reason = reasonNotToWrite()) {
-        tellNotSaved(path, *reason + nothingIsLost);
-        return false;
-    }
-    const std::optional<QByteArray> data = dataOfType();
-    if (!data) {
-        tellNotSaved(path, u"Its content could not be encrypted."_s + nothingIsLost);
-        return false;
-    }
-    if (const std::optional<FileError> error = m_surroundings.files.replace(path, *data)) {
-        if (error->isInPlace()) {
-            setFileURL(path); // It stays marked edited, so that it is saved once more.
-        }
-        tellNotSaved(path, error->isInPlace() ? error->reason() : error->reason() + nothingIsLost);
-        return false;
-    }
-    setFileURL(path);
-    updateChangeCount(NSDocumentChangeType::Cleared);
-    return true;
-}
-
-void NSDocument::autosave()
-{
-    if (m_fileURL && isDocumentEdited() && !reasonNotToWrite()) {
-        static_cast<void>(writeTo(*m_fileURL));
-    }
-}
-
-void NSDocument::tellNotSaved(const QString &path, const QString &reason)
+void NSDocument::endAttachedSheet()
 {
     NSWindow *window = windowForSheet();
-    if (!window) {
-        return;
+    if (NSSheet *sheet = window ? window->attachedSheet() : nullptr) {
+        const QScopedValueRollback ending(m_isEndingSheet, true);
+        window->endSheet(*sheet);
     }
-    const NSAlert alert {
-        u"“%1” could not be saved."_s.arg(QFileInfo(path).fileName()), reason, {u"OK"_s}};
-    window->beginAlert(alert, [](AlertAnswer) {});
-}
-
-void NSDocument::canCloseDocument(std::function<void(bool should)> shouldClose)
-{
-    NSWindow *window = windowForSheet();
-    if (!isDocumentEdited() || !window) {
-        shouldClose(true);
-        return;
-    }
-    if (m_reviewing) {
-        shouldClose(false);
-        return;
-    }
-    m_reviewing = true;
-    window->makeKeyAndOrderFront();
-    const NSAlert alert {
-        u"Do you want to save the changes made to the document “%1”?"_s.arg(displayName()),
-        u"Your changes will be lost if you don't save them."_s,
-        {u"Save"_s, u"Don't Save"_s, u"Cancel"_s},
-    };
-    const QPointer<NSDocument> self(this);
-    window->beginAlert(alert, [self, shouldClose = std::move(shouldClose)](AlertAnswer answer) {
-        if (!self) {
-            return;
-        }
-        self->m_reviewing = false;
-        if (answer == AlertAnswer::First) {
-            self->later([self, shouldClose] { self->saveDocument(shouldClose); });
-        } else {
-            shouldClose(answer == AlertAnswer::Second);
-        }
-    });
-}
-
-void NSDocument::performClose()
-{
-    const QPointer<NSDocument> self(this);
-    canCloseDocument([self](bool should) {
-        if (should && self) {
-            self->close();
-        }
-    });
-}
-
-void NSDocument::close()
-{
-    if (m_closed) {
-        return;
-    }
-    m_closed = true;
-    if (NSWindow *window = windowForSheet()) {
-        window->close();
-    }
-    Q_EMIT closed();
 }
 
 void NSDocument::later(std::function<void()> operation)

@@ -10,15 +10,31 @@ namespace quorvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+std::vector<NSDocumentController *> livingControllers;
+
+} // namespace
+
 NSDocumentController::NSDocumentController(const DocumentSurroundings &surroundings,
                                            ModalAlerts &alerts, QString extension, Factory factory)
     : m_surroundings(surroundings)
     , m_alerts(alerts)
     , m_extension(std::move(extension))
     , m_factory(std::move(factory))
-{ }
+{
+    livingControllers.push_back(this);
+}
 
-NSDocumentController::~NSDocumentController() = default;
+NSDocumentController::~NSDocumentController()
+{
+    std::erase(livingControllers, this);
+}
+
+NSDocumentController *NSDocumentController::sharedDocumentController()
+{
+    return livingControllers.empty() ? nullptr : livingControllers.front();
+}
 
 std::vector<NSDocument *> NSDocumentController::documents() const
 {
@@ -49,8 +65,7 @@ void NSDocumentController::add(std::unique_ptr<NSDocument> document)
         return open != nullptr && open != added;
     });
     connect(added, &NSDocument::closed, this, [this, added] { remove(added); });
-    connect(added, &NSDocument::fileURLChanged, this,
-            [this, added] { Q_EMIT fileUsed(*added->fileURL()); });
+    connect(added, &NSDocument::saved, this, &NSDocumentController::fileUsed);
     added->makeWindowControllers();
     added->showWindows();
     Q_EMIT documentsChanged();
@@ -85,11 +100,11 @@ void NSDocumentController::openDocument()
 NSDocument *NSDocumentController::documentForPath(const QString &path) const
 {
     const QString wanted = QFileInfo(path).canonicalFilePath();
-    if (wanted.isEmpty()) {
-        return nullptr;
-    }
     for (const std::unique_ptr<NSDocument> &document : m_documents) {
-        if (document->fileURL() && QFileInfo(*document->fileURL()).canonicalFilePath() == wanted) {
+        // By its name, too: the file may be gone, and have nothing but that.
+        if (document->isOwnFile(path)
+            || (!wanted.isEmpty() && document->fileURL()
+                && QFileInfo(*document->fileURL()).canonicalFilePath() == wanted)) {
             return document.get();
         }
     }
@@ -109,23 +124,14 @@ void NSDocumentController::openDocumentWithContentsOfURL(const QString &path,
         complete(open, true);
         return;
     }
-    const FileStore::ReadResult file = m_surroundings.files.read(path);
-    if (!file.data) {
-        tellNotOpened(path, file.error.reason());
-        complete(nullptr, false);
-        return;
-    }
     std::unique_ptr<NSDocument> document = m_factory();
-    if (!document->readFromData(*file.data)) {
-        if (!document->hasToldWhyNotRead()) {
-            tellNotOpened(
-                path,
-                u"The file is not a document of this program, or it is damaged.\n\n%1"_s.arg(path));
+    if (const ReadOutcome outcome = document->readFromURL(path); !outcome.isRead) {
+        if (outcome.reason) {
+            tellNotOpened(path, *outcome.reason);
         }
         complete(nullptr, false);
         return;
     }
-    document->setFileURL(path);
     NSDocument *opened = document.get();
     add(std::move(document));
     Q_EMIT fileUsed(*opened->fileURL());
@@ -146,6 +152,45 @@ void NSDocumentController::autosaveDocuments()
     }
 }
 
+void NSDocumentController::closeWithoutReview()
+{
+    for (NSDocument *document : documents()) {
+        document->closeWithoutReview();
+    }
+}
+
+void NSDocumentController::restoreRecoveredDocuments()
+{
+    if (!m_surroundings.recovery) {
+        return;
+    }
+    int count = 0;
+    for (std::unique_ptr<RecoveryStore::Entry> &entry : m_surroundings.recovery->takeAbandoned()) {
+        std::unique_ptr<NSDocument> document = m_factory();
+        const QString path = entry->path();
+        if (const ReadOutcome outcome = document->readFromRecovery(std::move(entry));
+            !outcome.isRead) {
+            if (outcome.reason) {
+                tellNotRecovered(path, *outcome.reason);
+            }
+            continue;
+        }
+        ++count;
+        document->setUntitledName(count > 1 ? u"Untitled %1 (Recovered)"_s.arg(count)
+                                            : u"Untitled (Recovered)"_s);
+        add(std::move(document));
+    }
+}
+
+void NSDocumentController::tellNotRecovered(const QString &path, const QString &reason)
+{
+    const NSAlert alert {
+        u"A document that was kept when the program ended unexpectedly could not be opened."_s,
+        u"%1\n\nIt stays where it is:\n%2"_s.arg(reason, path),
+        {u"OK"_s}};
+    m_alerts.runModal(alert, [](AlertAnswer) {});
+}
+
 void NSDocumentController::closeAllDocuments(std::function<void(bool closed)> done)
 {
     reviewNext(std::move(done));
@@ -153,17 +198,17 @@ void NSDocumentController::closeAllDocuments(std::function<void(bool closed)> do
 
 void NSDocumentController::reviewNext(std::function<void(bool closed)> done)
 {
-    const auto edited =
+    const auto unsaved =
         std::find_if(m_documents.begin(), m_documents.end(),
-                     [](const auto &document) { return document->isDocumentEdited(); });
-    if (edited == m_documents.end()) {
+                     [](const auto &document) { return document->hasUnsavedChanges(); });
+    if (unsaved == m_documents.end()) {
         for (NSDocument *document : documents()) {
             document->close();
         }
         done(true);
         return;
     }
-    const QPointer<NSDocument> document(edited->get());
+    const QPointer<NSDocument> document(unsaved->get());
     const auto answered = std::make_shared<bool>(false); // owned by the question and by this call
     document->canCloseDocument([self = QPointer(this), document, answered, done](bool should) {
         *answered = true;

@@ -21,6 +21,9 @@ public:
                          QString extension, Factory factory);
     ~NSDocumentController() override;
 
+    /// The first one that was made and still lives; null where there is none.
+    static NSDocumentController *sharedDocumentController();
+
     std::vector<NSDocument *> documents() const;
 
     /// Whether one of them has the file of that path, by whatever way to it.
@@ -32,21 +35,31 @@ public:
     /// Opens a file, or brings forward the document that has it open, by whatever path. A file that
     /// does not open is told of.
     void openDocumentWithContentsOfURL(const QString &path, const OpenCompletion &completion = {});
-    /// Saves every edited document that may be saved without a question, at once.
+    /// Saves every unsaved document that may be saved without a question, at once.
     void autosaveDocuments();
-    /// Reviews the edited documents one by one, then closes all. \a done learns whether all agreed.
+    /// Reviews the unsaved documents one by one, then closes all. \a done learns whether all
+    /// agreed.
     void closeAllDocuments(std::function<void(bool closed)> done);
+    /// Saves all that may be saved, keeps for recovery what cannot be, and closes all: for an end
+    /// that nobody can be asked about.
+    void closeWithoutReview();
+    /// Opens, locked and without a file, what programs have kept that crashed or were ended.
+    void restoreRecoveredDocuments();
 
 Q_SIGNALS:
     void documentsChanged();
-    /// A document was opened from the file, or saved to it.
+    /// A document was opened from that file, or saved to it by a command or a close.
     void fileUsed(const QString &path);
+
+protected:
+    NSOperationQueue &mainQueue() const { return m_surroundings.mainQueue; }
 
 private:
     void add(std::unique_ptr<NSDocument> document);
     void remove(const NSDocument *document);
     NSDocument *documentForPath(const QString &path) const;
     void tellNotOpened(const QString &path, const QString &reason);
+    void tellNotRecovered(const QString &path, const QString &reason);
     void reviewNext(std::function<void(bool closed)> done);
 
     DocumentSurroundings m_surroundings;

@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -17,8 +18,7 @@ namespace {
 
 bool isUnchanged(const struct stat &before, const struct stat &after)
 {
-    return before.st_size == after.st_size && before.st_mtim.tv_sec == after.st_mtim.tv_sec
-        && before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
+    return stampOf(before) == stampOf(after);
 }
 
 } // namespace
@@ -30,7 +30,7 @@ PosixFileStore::PosixFileStore(qint64 largest)
 FileStore::ReadResult PosixFileStore::read(const QString &path)
 {
     const auto failure = [&](int code, QLatin1StringView step) {
-        return ReadResult {std::nullopt, {code, step, path}};
+        return ReadResult {std::nullopt, {code, step, path}, {}};
     };
     const QByteArray name = QFile::encodeName(path);
     if (name.contains('\0')) {
@@ -66,19 +66,34 @@ FileStore::ReadResult PosixFileStore::read(const QString &path)
         return failure(EAGAIN, filestep::reading);
     }
     data.resize(count);
-    return {data, {}};
+    return {data, {}, stampOf(after)};
 }
 
-std::optional<FileError> PosixFileStore::replace(const QString &path, const QByteArray &data)
+FileStore::StampResult PosixFileStore::stamp(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat found = {};
+    if (name.contains('\0')) {
+        errno = EINVAL;
+    } else if (::stat(name.constData(), &found) == 0) {
+        return {stampOf(found), {}};
+    }
+    return {std::nullopt, {errno, filestep::lookingAtFile, path}};
+}
+
+FileStore::WriteResult PosixFileStore::write(const QString &path, const QByteArray &data)
 {
     const QByteArray name = QFile::encodeName(path);
     if (name.contains('\0')) {
-        return FileError {EINVAL, filestep::lookingAtFile, path};
+        return {FileError {EINVAL, filestep::lookingAtFile, path}, {}};
     }
     if (data.size() > m_largest) {
-        return FileError {EFBIG, filestep::writing, path};
+        return {FileError {EFBIG, filestep::writing, path}, {}};
     }
-    return PosixReplacement(name, data).run();
+    PosixReplacement replacement(name, data);
+    std::optional<FileError> error = replacement.run();
+    const bool isInPlace = !error || error->isInPlace();
+    return {std::move(error), isInPlace ? replacement.stamp() : std::nullopt};
 }
 
 } // namespace quorvane

@@ -30,8 +30,8 @@ public:
     explicit PosixFileStore(qint64 largest = largestFile);
 
     [[nodiscard]] ReadResult read(const QString &path) override;
-    [[nodiscard]] std::optional<FileError> replace(const QString &path,
-                                                   const QByteArray &data) override;
+    [[nodiscard]] StampResult stamp(const QString &path) override;
+    [[nodiscard]] WriteResult write(const QString &path, const QByteArray &data) override;
 
 private:
     qint64 m_largest;

@@ -107,6 +107,13 @@ int errorOfKind(mode_t mode)
     return S_ISREG(mode) ? 0 : ENODEV;
 }
 
+FileStamp stampOf(const struct stat &file)
+{
+    constexpr qint64 second = 1'000'000'000;
+    return {file.st_dev, file.st_ino, file.st_size,
+            file.st_mtim.tv_sec * second + file.st_mtim.tv_nsec};
+}
+
 Descriptor::Descriptor(int descriptor)
     : m_descriptor(descriptor)
 { }
@@ -200,9 +207,9 @@ std::optional<FileError> PosixReplacement::run()
             return error;
         }
     }
-    for (const auto step :
-         {&PosixReplacement::write, &PosixReplacement::dress, &PosixReplacement::flush,
-          &PosixReplacement::compare, &PosixReplacement::putInPlace}) {
+    for (const auto step : {&PosixReplacement::write, &PosixReplacement::dress,
+                            &PosixReplacement::flush, &PosixReplacement::compare,
+                            &PosixReplacement::takeStamp, &PosixReplacement::putInPlace}) {
         if (Result error = (this->*step)()) {
             ::unlinkat(m_folder.get(), m_newName.constData(), 0);
             return error;
@@ -380,8 +387,37 @@ PosixReplacement::Result PosixReplacement::compare()
     return failure(filestep::readingBack, m_path);
 }
 
+PosixReplacement::Result PosixReplacement::takeStamp()
+{
+    struct stat fresh = {};
+    if (::fstat(m_newFile.get(), &fresh) != 0) {
+        return failure(filestep::readingBack, m_path);
+    }
+    m_stamp = stampOf(fresh);
+    return std::nullopt;
+}
+
+/// Writing and flushing took their time: whoever has put something else there since then keeps it.
+PosixReplacement::Result PosixReplacement::lookAgain() const
+{
+    struct stat found = {};
+    const bool isThere =
+        ::fstatat(m_folder.get(), m_name.constData(), &found, AT_SYMLINK_NOFOLLOW) == 0;
+    if (!isThere && errno != ENOENT) {
+        return failure(filestep::lookingAtFile, m_path);
+    }
+    if (isThere != m_old.has_value() || (isThere && stampOf(*m_old) != stampOf(found))) {
+        errno = EAGAIN;
+        return failure(filestep::puttingInPlace, m_path);
+    }
+    return std::nullopt;
+}
+
 PosixReplacement::Result PosixReplacement::putInPlace()
 {
+    if (Result error = lookAgain()) {
+        return error;
+    }
     if (::renameat(m_folder.get(), m_newName.constData(), m_folder.get(), m_name.constData())
         != 0) {
         return failure(filestep::puttingInPlace, m_path);

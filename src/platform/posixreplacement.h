@@ -21,6 +21,8 @@ template <typename Call> auto uninterrupted(Call call)
 /// \return why a thing of that mode is no file to read or replace: an errno, or 0 if it is one.
 int errorOfKind(mode_t mode);
 
+FileStamp stampOf(const struct stat &file);
+
 /// A file descriptor and its owner.
 class Descriptor final
 {
@@ -59,6 +61,9 @@ public:
 
     [[nodiscard]] std::optional<FileError> run();
 
+    /// Of the new file, once it is complete.
+    const std::optional<FileStamp> &stamp() const { return m_stamp; }
+
 private:
     using Result = std::optional<FileError>;
 
@@ -71,6 +76,8 @@ private:
     Result dress();
     Result flush();
     Result compare();
+    Result takeStamp();
+    Result lookAgain() const;
     Result putInPlace();
     Result flushFolder();
 
@@ -87,6 +94,7 @@ private:
     Descriptor m_oldFile; ///< None where there was no file, or where it cannot be read.
     Descriptor m_newFile;
     std::optional<struct stat> m_old;
+    std::optional<FileStamp> m_stamp;
 };
 
 } // namespace quorvane

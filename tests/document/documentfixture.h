@@ -4,7 +4,9 @@
 #include "product/settings.h"
 #include "support/failingfilestore.h"
 #include "support/fakecontrols.h"
+#include "support/fakerecovery.h"
 #include "support/faketextview.h"
+#include "support/faketimers.h"
 #include "support/inmemorydefaults.h"
 #include "support/manualqueue.h"
 #include "support/recordingworkspace.h"
@@ -22,11 +24,18 @@ struct World
 
     MyDocumentSurroundings surroundings()
     {
-        return {{queue, files, panels}, defaults, fontManager, alerts, workspace, {}};
+        return {{queue, files, panels, timers, &recovery},
+                defaults,
+                fontManager,
+                alerts,
+                workspace,
+                {}};
     }
 
     ManualQueue queue;
+    FakeTimers timers;
     FailingFileStore files;
+    FakeRecovery recovery;
     ScriptedPanels panels;
     InMemoryDefaults defaults;
     FakeFontManager fontManager;

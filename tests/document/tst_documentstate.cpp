@@ -49,8 +49,6 @@ private Q_SLOTS:
     void aDocumentOfThisRunComesBackSmallAfterALock();
     void lockedDocumentsCloseAtOnceAndAnswerNobody_data();
     void lockedDocumentsCloseAtOnceAndAnswerNobody();
-    void anEditedDocumentAsksBeforeItCloses_data();
-    void anEditedDocumentAsksBeforeItCloses();
     void aNewerFileIsRefusedWithItsOwnAlert();
     void defaultsReachTheEditor();
 };
@@ -162,7 +160,7 @@ void TestDocumentState::anEmptyFieldDoesNothing()
 void TestDocumentState::theBareDocumentRefusesEveryPassword()
 {
     World world;
-    BareDocument document({world.queue, world.files, world.panels}, u"quorvane"_s);
+    BareDocument document({world.queue, world.files, world.panels, world.timers}, u"quorvane"_s);
     document.setIsEncrypted(true);
     document.submitPasswordToDecrypt(password);
     QVERIFY(document.isEncrypted());
@@ -358,34 +356,6 @@ void TestDocumentState::lockedDocumentsCloseAtOnceAndAnswerNobody()
     QVERIFY(windowed.document->isClosed() && windowed.outlets->window.isClosed);
     QCOMPARE(windowed.outlets->window.alerts.size(), 0);
     QCOMPARE(world.files.replaces, 0);
-}
-
-void TestDocumentState::anEditedDocumentAsksBeforeItCloses_data()
-{
-    QTest::addColumn<int>("answer");
-    QTest::addColumn<bool>("isClosed");
-    QTest::addColumn<int>("saves");
-    QTest::newRow("Save saves and closes") << 1000 << true << 1;
-    QTest::newRow("Don't Save closes") << 1001 << true << 0;
-    QTest::newRow("Cancel keeps it open") << 1002 << false << 0;
-}
-
-void TestDocumentState::anEditedDocumentAsksBeforeItCloses()
-{
-    QFETCH(int, answer);
-    World world;
-    WindowedDocument windowed(world, fileOf(world, "text", password));
-    windowed.document->setFileURL(u"/documents/a.quorvane"_s);
-    windowed.document->submitPasswordToDecrypt(password);
-    windowed.outlets->textView.type("edited");
-    windowed.document->textDidChange();
-    windowed.document->performClose();
-    QCOMPARE(windowed.outlets->window.alerts.last().buttons,
-             QStringList({u"Save"_s, u"Don't Save"_s, u"Cancel"_s}));
-    windowed.outlets->window.answer(answer);
-    world.queue.runAll();
-    QTEST(windowed.document->isClosed(), "isClosed");
-    QTEST(world.files.replaces, "saves");
 }
 
 void TestDocumentState::aNewerFileIsRefusedWithItsOwnAlert()

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <memory>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -138,6 +139,7 @@ private slots:
     void theAccessListOfTheFolderIsNotHandedDown();
     void aFolderThatShowsNothingTakesADocument();
     void filesAreReadWhole();
+    void aStampTellsOneStateOfAFileFromAnother();
     void whatIsNoReadableFileIsTold_data();
     void whatIsNoReadableFileIsTold();
     void reasonsAreSentences_data();
@@ -421,6 +423,27 @@ void TestPosixFileStore::filesAreReadWhole()
     QCOMPARE(m_store.read(at(u"empty"_s)).data.value(), QByteArray(""));
     PosixFileStore exact(content.size());
     QVERIFY(exact.read(at(u"doc"_s)).data.has_value());
+}
+
+void TestPosixFileStore::aStampTellsOneStateOfAFileFromAnother()
+{
+    link(u"doc"_s, at(u"link"_s));
+    QVERIFY(m_store.stamp(at(u"doc"_s)).isMissing() && m_store.stamp(at(u"link"_s)).isMissing());
+    put(at(u"file"_s), "x");
+    QVERIFY(m_store.stamp(at(u"file/doc"_s)).isMissing());
+    QVERIFY(!m_store.stamp(at(QString(300, u'x'))).isMissing()); // who knows
+
+    const auto written = m_store.write(at(u"link"_s), "one").stamp;
+    QVERIFY(written);
+    QCOMPARE(m_store.stamp(at(u"doc"_s)).stamp, written);
+    QCOMPARE(m_store.stamp(at(u"link"_s)).stamp, written);
+    QCOMPARE(m_store.read(at(u"doc"_s)).stamp, *written);
+    QVERIFY(m_store.write(at(u"doc"_s), "one").stamp != written); // another file of the same bytes
+    const auto before = m_store.stamp(at(u"doc"_s)).stamp;
+    const std::array<timespec, 2> times {{{0, UTIME_OMIT}, {1000, 1}}};
+    QCOMPARE(::utimensat(AT_FDCWD, at(u"doc"_s).toUtf8().constData(), times.data(), 0), 0);
+    QVERIFY(m_store.stamp(at(u"doc"_s)).stamp != before);
+    QCOMPARE(m_store.stamp(at(u"doc"_s)).stamp->modified, 1'000'000'000'001);
 }
 
 void TestPosixFileStore::whatIsNoReadableFileIsTold_data()

@@ -35,7 +35,7 @@ public:
         };
         const DocumentSurroundings &made = surroundings.machinery;
         m_document = std::make_unique<MyDocument>(
-            MyDocumentSurroundings {{made.mainQueue, m_files, made.panels},
+            MyDocumentSurroundings {{made.mainQueue, m_files, made.panels, made.timers},
                                     surroundings.defaults,
                                     surroundings.fontManager,
                                     surroundings.alerts,
@@ -65,6 +65,7 @@ private:
             QFile::remove(m_folder.filePath(name));
         }
         QVERIFY(!m_files.replace(m_path, m_oldFile));
+        m_document->setFileURL(m_path);
     }
 
     SaveUnderTorture::Answer saveDocument()
@@ -73,10 +74,17 @@ private:
         m_document->updateChangeCount(NSDocumentChangeType::Done);
         bool isSaved = false;
         m_document->NSDocument::saveDocument([&isSaved](bool saved) { isSaved = saved; });
+        auto &window = static_cast<ScriptedWindow &>(*m_document->myWindow);
+        // What a save left that was killed, or a look that failed, is to the document as another
+        // program's work: the user has it written all the same.
+        while (!isSaved && !window.alerts.isEmpty()
+               && window.alerts.last().buttons.first() == "Save Anyway"_L1) {
+            window.answer(AlertAnswer::First);
+            m_world.queue.runAll();
+        }
         if (isSaved) {
             return SaveUnderTorture::Saved;
         }
-        const auto &window = static_cast<ScriptedWindow &>(*m_document->myWindow);
         // Edited and told of: nothing else may follow a save that failed.
         if (!m_document->isDocumentEdited() || window.attachedSheet() == nullptr) {
             return SaveUnderTorture::Saved;

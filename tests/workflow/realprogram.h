@@ -1,16 +1,17 @@
 #pragma once
 
 #include "document/mydocument.h"
+#include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
 #include "editor/lockedpage.h"
 #include "editor/texteditor.h"
-#include "platform/nsdocumentcontroller.h"
 #include "platform/posixpackagestore.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
+#include "platform_qt/qttimers.h"
 #include "platform_qt/qtwindow.h"
 #include "product/release.h"
 #include "product/settings.h"
@@ -151,7 +152,7 @@ private:
     std::unique_ptr<NSDocument> makeDocument()
     {
         return std::make_unique<MyDocument>(MyDocumentSurroundings {
-            {m_queue, files, panels},
+            {m_queue, files, panels, m_timers},
             defaults,
             m_fontManager,
             m_alerts,
@@ -175,7 +176,7 @@ private:
             return *new DialogSheet(dialog);
         };
         const EditorSurroundings surroundings {
-            {{m_queue, files, panels}, m_packages, isOpen},
+            {{m_queue, files, panels, m_timers}, m_packages, isOpen},
             {m_queue, files, sheetOf, isOpen},
         };
         auto controller =
@@ -187,6 +188,7 @@ private:
     }
 
     QtOperationQueue m_queue;
+    QtTimers m_timers;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     PosixPackageStore m_packages;
@@ -197,9 +199,12 @@ public:
     ScriptedPanels panels;
     ListedRecents recents;
     RecordingWorkspace workspace;
-    NSDocumentController documents {{m_queue, files, panels}, m_alerts, documentExtension, [this] {
-                                        return makeDocument();
-                                    }};
+    QVRevertDocController documents {{m_queue, files, panels, m_timers},
+                                     m_alerts,
+                                     documentExtension,
+                                     [this] {
+                                         return makeDocument();
+                                     }};
     StartWindowKeeper startWindow {menuSurroundings(), m_queue}; ///< Only where a test begins it.
     bool hasQuit = false;
 };

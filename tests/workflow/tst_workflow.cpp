@@ -26,8 +26,9 @@ private Q_SLOTS:
     void aBodyThatNobodyEditedGoesBackAsItCame_data();
     void aBodyThatNobodyEditedGoesBackAsItCame();
     void undoAndCaretSurviveALock();
-    void theCloseButtonAsksOnlyWhereThereIsSomethingToLose_data();
-    void theCloseButtonAsksOnlyWhereThereIsSomethingToLose();
+    void theCloseButtonSavesWhatHasAFile_data();
+    void theCloseButtonSavesWhatHasAFile();
+    void anUntitledDocumentAsksBeforeItCloses();
     void aReadOnlyDocumentCannotBeTypedInto();
     void anEmptyPasswordIsNoTryAndASealedDocumentClosesAtOnce();
     void theChangeSheetChangesThePasswordFromTheNextSaveOn();
@@ -67,12 +68,13 @@ QByteArray TestWorkflow::savedFile(const QByteArray &body, bool isEditable)
 {
     RealProgram maker;
     QtOperationQueue queue;
+    QtTimers timers;
     InMemoryDefaults defaults;
     QtFontManager fonts;
     QtModalAlerts alerts(queue);
     RecordingWorkspace workspace;
     MyDocument document(
-        {{queue, maker.files, maker.panels}, defaults, fonts, alerts, workspace, {}});
+        {{queue, maker.files, maker.panels, timers}, defaults, fonts, alerts, workspace, {}});
     document.setPlainPassword(password);
     document.setMyTextViewData(body);
     document.setMyIsEditable(isEditable);
@@ -256,21 +258,21 @@ void TestWorkflow::undoAndCaretSurviveALock()
     program.document()->close();
 }
 
-void TestWorkflow::theCloseButtonAsksOnlyWhereThereIsSomethingToLose_data()
+void TestWorkflow::theCloseButtonSavesWhatHasAFile_data()
 {
     QTest::addColumn<bool>("edits");
     QTest::addColumn<bool>("locks");
-    QTest::addColumn<bool>("asks");
-    QTest::newRow("untouched") << false << false << false;
-    QTest::newRow("edited") << true << false << true;
-    QTest::newRow("edited and locked") << true << true << false;
+    QTest::addColumn<int>("saves");
+    QTest::newRow("untouched") << false << false << 0;
+    QTest::newRow("edited") << true << false << 1;
+    QTest::newRow("edited and locked") << true << true << 1;
 }
 
-void TestWorkflow::theCloseButtonAsksOnlyWhereThereIsSomethingToLose()
+void TestWorkflow::theCloseButtonSavesWhatHasAFile()
 {
     QFETCH(bool, edits);
     QFETCH(bool, locks);
-    QFETCH(bool, asks);
+    QFETCH(int, saves);
     RealProgram program;
     program.files.files.insert(path, savedFile("text"));
     program.documents.openDocumentWithContentsOfURL(path);
@@ -281,21 +283,28 @@ void TestWorkflow::theCloseButtonAsksOnlyWhereThereIsSomethingToLose()
     if (locks) {
         program.document()->doLockDocument();
     }
-    QVERIFY(!program.window().close() || !asks);
-    if (asks) {
-        QTRY_VERIFY(RealProgram::dialogText().contains(u"save the changes"_s));
-        RealProgram::press(u"Cancel"_s);
-        QTRY_VERIFY(!RealProgram::dialog());
-        QVERIFY(program.document() && program.window().isVisible());
-        program.window().close();
-        QTRY_VERIFY(RealProgram::dialog());
-        RealProgram::press(u"Save"_s);
-        QTRY_VERIFY(!program.document());
-        QCOMPARE(program.files.replaces, 1);
-    } else {
-        QTRY_VERIFY(!program.document());
-        QCOMPARE(program.files.replaces, 0);
-    }
+    program.window().close();
+    QTRY_VERIFY(!program.document());
+    QVERIFY(!RealProgram::dialog());
+    QCOMPARE(program.files.replaces, saves);
+}
+
+void TestWorkflow::anUntitledDocumentAsksBeforeItCloses()
+{
+    RealProgram program;
+    QVERIFY(protect(program));
+    QTest::keyClicks(&program.editor(), u"text"_s);
+    QVERIFY(!program.window().close());
+    QTRY_VERIFY(RealProgram::dialogText().contains(u"save the changes"_s));
+    RealProgram::press(u"Cancel"_s);
+    QTRY_VERIFY(!RealProgram::dialog());
+    QVERIFY(program.document() && program.window().isVisible());
+    program.window().close();
+    QTRY_VERIFY(RealProgram::dialog());
+    RealProgram::press(u"Save"_s);
+    QVERIFY(QTest::qWaitFor([&program] { return program.panels.answerSave(path); }));
+    QTRY_VERIFY(!program.document());
+    QVERIFY(program.files.files.contains(path));
 }
 
 void TestWorkflow::aReadOnlyDocumentCannotBeTypedInto()
