@@ -156,9 +156,8 @@ void TextDocumentSink::end(const RtfParagraph &paragraph, const RtfCharacter &ch
         endParagraph(paragraph, character);
     }
     closeTables(0);
-    RtfParagraph last = paragraph;
-    last.nesting = 0;
-    endParagraph(last, character);
+    // What still speaks of a table's cell says nothing of the text behind the table.
+    endParagraph(paragraph.nesting > 0 ? RtfParagraph() : paragraph, character);
     writeDocumentWords();
 }
 

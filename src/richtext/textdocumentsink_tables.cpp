@@ -18,12 +18,10 @@ constexpr double fiftiethsPerPercent = 50;
 /// How wide each column is to be: as its cells say, the edges apart.
 QList<QTextLength> columnLengths(const TextTable &table, const TextTableGrid &grid)
 {
-    QList<QTextLength> lengths;
-    for (const int width : grid.widths) {
-        lengths.append(QTextLength(QTextLength::FixedLength, width / twipsPerPixel));
-    }
-    if (lengths.isEmpty() || grid.rows.empty()) {
-        return lengths;
+    QList<QTextLength> lengths(grid.columnCount);
+    for (std::size_t i = 0; i < grid.widths.size(); ++i) {
+        lengths[qsizetype(i)] =
+            QTextLength(QTextLength::FixedLength, grid.widths[i] / twipsPerPixel);
     }
     const RtfRow &definition = table.definitions[table.rows.front().definition];
     for (const TextTableGrid::Place &place : grid.rows.front()) {
