@@ -101,6 +101,12 @@ QString bulletOf(const QTextListFormat &format, const Style &style)
     return style.bullet ? QString(QChar(style.bullet)) : QString();
 }
 
+/// As the toolkit shows it.
+QString suffixOf(const QTextListFormat &format)
+{
+    return format.hasProperty(QTextFormat::ListNumberSuffix) ? format.numberSuffix() : u"."_s;
+}
+
 bool isNumbered(const Style &style)
 {
     return style.number < 23;
@@ -117,7 +123,7 @@ QString levelText(const QTextListFormat &format, const Style &style, int level)
         return own.left(longestLevelText);
     }
     return format.numberPrefix().left(longestAffix) + QChar(level)
-        + format.numberSuffix().left(longestAffix);
+        + suffixOf(format).left(longestAffix);
 }
 
 int startOf(const QTextListFormat &format)
@@ -146,7 +152,7 @@ QByteArray markerWords(const QTextListFormat &format, const Style &style,
     RtfEscaper escaper(words, fallback);
     escaper.text(format.numberPrefix().left(longestAffix));
     words += "\\{" + QByteArray(style.marker) + "\\}";
-    escaper.text(format.numberSuffix().left(longestAffix));
+    escaper.text(suffixOf(format).left(longestAffix));
     return words + '}';
 }
 
@@ -180,7 +186,7 @@ RtfLists::Known RtfLists::makeKnown(const QTextListFormat &format)
     RtfEscaper(known.beforeNumber, m_fallback)
         .text(isNumbered(style) ? format.numberPrefix() : bulletOf(format, style));
     if (isNumbered(style)) {
-        RtfEscaper(known.behindNumber, m_fallback).text(format.numberSuffix());
+        RtfEscaper(known.behindNumber, m_fallback).text(suffixOf(format));
     }
     known.behindNumber += "\t}";
     return known;
