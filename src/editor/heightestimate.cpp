@@ -4,6 +4,7 @@
 #include "richtext/textproperties.h"
 
 #include <QFontMetricsF>
+#include <QMarginsF>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextFrame>
@@ -72,6 +73,30 @@ double surroundings(const QTextFrameFormat &format)
 {
     return 2 * (format.border() + format.padding()) + format.topMargin() + format.bottomMargin()
         + std::max(0.0, fixedLength(format.height()));
+}
+
+/// What a cell of its own format has around its text.
+QMarginsF aroundCell(const QTextTableCellFormat &format)
+{
+    const auto side = [](double padding, double border) {
+        return std::max(0.0, padding + border);
+    };
+    return {side(format.leftPadding(), format.leftBorder()),
+            side(format.topPadding(), format.topBorder()),
+            side(format.rightPadding(), format.rightBorder()),
+            side(format.bottomPadding(), format.bottomBorder())};
+}
+
+/// The width that a table's cell has to itself: its share, or less where columns are fixed.
+double cellWidth(const QTextTableCell &cell, const QTextTableFormat &format, double share)
+{
+    const QList<QTextLength> columns = format.columnWidthConstraints();
+    double width = 0;
+    for (int i = cell.column(); i < cell.column() + cell.columnSpan(); ++i) {
+        const double fixed = i < columns.size() ? fixedLength(columns.at(i)) : 0;
+        width += fixed > 0 ? std::min(fixed, share) : share;
+    }
+    return width;
 }
 
 double widestTab(const QTextBlockFormat &format, double distance)
@@ -184,8 +209,10 @@ void HeightEstimate::restyle(int from, int to, const QTextCharFormat &format)
 double HeightEstimate::of(const QTextDocument &document)
 {
     m_document = &document;
+    m_onPages = 0;
     const double margins = 2 * document.documentMargin();
-    return margins + ofFrame(*document.rootFrame(), m_width - margins, 0);
+    const double height = margins + ofFrame(*document.rootFrame(), m_width - margins, 0);
+    return height > tallestDocument ? height + m_onPages : height;
 }
 
 double HeightEstimate::ofBlocks(const QTextDocument &document, int from, int to)
@@ -226,15 +253,20 @@ double HeightEstimate::ofTable(const QTextTable &table, double width, int depth)
 {
     const QTextTableFormat format = table.format();
     const double around = 2 * (format.cellPadding() + format.border()) + format.cellSpacing();
-    const double inner = width / table.columns() - around;
+    const double share = width / table.columns();
+    double headers = 0;
     double height = surroundings(format);
     for (int row = 0; row < table.rows(); ++row) {
+        headers = row > 0 && row <= format.headerRowCount() ? height : headers;
         height += around;
         for (int column = 0; column < table.columns() && height < hopeless; ++column) {
             const QTextTableCell cell = table.cellAt(row, column);
             if (cell.row() != row || cell.column() != column) {
                 continue;
             }
+            const QMarginsF own = aroundCell(cell.format().toTableCellFormat());
+            const double inner = cellWidth(cell, format, share) - around - own.left() - own.right();
+            height += own.top() + own.bottom();
             for (auto part = cell.begin(); !part.atEnd() && height < hopeless; ++part) {
                 const QTextFrame *child = part.currentFrame();
                 height +=
@@ -242,6 +274,7 @@ double HeightEstimate::ofTable(const QTextTable &table, double width, int depth)
             }
         }
     }
+    m_onPages += headers * table.rows(); // They may stand on each page again.
     return height;
 }
 
@@ -267,6 +300,9 @@ double HeightEstimate::ofBlock(const QTextBlock &block, double width)
         addText(lines, fragment.text(), charFormat);
     }
     lines.endWord();
+    const QTextFormat::PageBreakFlags breaks = format.pageBreakPolicy();
+    m_onPages += breaks.testFlag(QTextFormat::PageBreak_AlwaysBefore) ? pageHeight : 0;
+    m_onPages += breaks.testFlag(QTextFormat::PageBreak_AlwaysAfter) ? pageHeight : 0;
     const double margins = std::max(0.0, format.topMargin()) + std::max(0.0, format.bottomMargin());
     return lines.count * std::ceil(spacedLine(format, lines.height)) + margins;
 }

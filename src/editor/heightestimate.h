@@ -18,6 +18,9 @@ namespace quorvane {
 /// ever above 2^23 - 1; the distance between the two covers what an estimate may miss.
 constexpr double tallestDocument = 8'000'000;
 
+/// A taller one is laid out on pages of this height.
+constexpr double pageHeight = tallestDocument / 2;
+
 /// Images that do not say their height are shown no taller than this, in pixels.
 constexpr double tallestImage = 4096;
 
@@ -56,6 +59,7 @@ private:
     const QPaintDevice *m_device;
     double m_dotsPerInch;
     const QTextDocument *m_document = nullptr;
+    double m_onPages = 0; // what page breaks and repeated rows add to a text on pages
     int m_restyledFrom = 0;
     int m_restyledTo = 0;
     QTextCharFormat m_restyling;

@@ -27,7 +27,6 @@ namespace quorvane {
 namespace {
 
 constexpr int settlingMilliseconds = 80; // longer than a step of an animated resize
-constexpr double pageHeight = tallestDocument / 2;
 // The tallest document that is shown at all: the layout's numbers end at 2^25.
 constexpr double tallestPaginated = 30'000'000;
 constexpr double margin = 14;

@@ -64,7 +64,9 @@ QByteArray underlineWord(const QTextCharFormat &format)
 
 bool looksAsLink(const QTextCharFormat &format)
 {
-    return format.boolProperty(LinkLook) && !format.anchorHref().isEmpty();
+    return format.boolProperty(LinkLook) && !format.anchorHref().isEmpty()
+        && format.foreground().color().rgba() == linkColour
+        && format.underlineStyle() == QTextCharFormat::SingleUnderline;
 }
 
 } // namespace
@@ -100,8 +102,7 @@ void RtfLook::takeColours(const QTextCharFormat &format, RtfWriterTables &tables
                           Dialect dialect)
 {
     const QBrush foreground = format.foreground();
-    if (foreground.style() != Qt::NoBrush
-        && !(looksAsLink && foreground.color().rgba() == linkColour)) {
+    if (foreground.style() != Qt::NoBrush && !looksAsLink) {
         const int number = tables.textColourNumber(foreground.color());
         m_words[Colour] = number > 0 ? rtfWord("cf", number) : QByteArray();
     }
@@ -135,9 +136,7 @@ void RtfLook::takeFont(const QTextCharFormat &format, RtfWriterTables &tables)
 
 void RtfLook::takeLines(const QTextCharFormat &format, RtfWriterTables &tables, bool looksAsLink)
 {
-    const bool isOfLink =
-        looksAsLink && format.underlineStyle() == QTextCharFormat::SingleUnderline;
-    m_words[Underline] = isOfLink ? QByteArray() : underlineWord(format);
+    m_words[Underline] = looksAsLink ? QByteArray() : underlineWord(format);
     const QColor lineColour = format.underlineColor();
     if (!m_words[Underline].isEmpty() && lineColour.isValid()) {
         m_words[UnderlineColour] = rtfWord("ulc", tables.colourNumber(lineColour));

@@ -9,16 +9,14 @@
 #include <QByteArray>
 #include <QHash>
 #include <QSet>
+#include <QTextBlock>
 #include <QTextFrame>
 
 #include <memory>
-#include <optional>
 #include <vector>
 
-class QTextBlock;
 class QTextCharFormat;
 class QTextDocument;
-class QTextFragment;
 class QTextList;
 class QTextTable;
 
@@ -58,7 +56,7 @@ private:
     /// What a block format comes to.
     struct Paragraph
     {
-        QByteArray words;
+        QByteArray words; ///< Without \pard and \itap.
         QTextList *list = nullptr;
     };
 
@@ -69,16 +67,18 @@ private:
     void writeRow(const QTextTable &table, int row, const RtfRows &rows);
     void writeFlat(const QTextFrame &frame);
     void writeBlock(const QTextBlock &block, const char *ending);
-    void writeListMarker(const QTextBlock &block, const QByteArray &marker);
+    void writeListMarker(const QTextBlock::iterator &first, const QTextBlock &block,
+                         const QTextList &list);
     void writeFragment(const QTextFragment &fragment);
     void writeObjects(const QTextFragment &fragment, const QTextCharFormat &format);
     void writeAttachment(const QTextCharFormat &format);
     bool writeImage(const QTextCharFormat &format);
     void openLink(const QString &address);
     void closeLink();
-    void switchParagraph(const QByteArray &words, const QByteArray &listPlace);
+    void switchParagraph(const Paragraph &paragraph);
     void switchTo(const RtfLook &look);
-    const Style &styleOf(int index, const QTextCharFormat &format);
+    template <typename Piece> const Style &styleOf(const Piece &piece);
+    std::unique_ptr<Style> makeStyle(const QTextCharFormat &format);
     const Paragraph &paragraphOf(const QTextBlock &block);
     bool saysNothing(const QTextBlock &block);
     QByteArray head() const;
@@ -95,9 +95,11 @@ private:
     int m_nesting = 0; ///< Of frames and tables.
     int m_depth = 0; ///< Of tables.
     qint64 m_room = RtfRows::pageWidth; ///< For a table, in twips.
-    QByteArray m_paragraph; ///< The words of the present paragraph.
-    bool m_hasParagraph = false;
-    std::vector<std::optional<Paragraph>> m_paragraphs; ///< By block format.
+    const Paragraph *m_paragraph = nullptr; ///< The present one; none where it is to be said anew.
+    int m_paragraphDepth = 0;
+    bool m_hasText = false;
+    const Paragraph m_plainParagraph;
+    std::vector<std::unique_ptr<Paragraph>> m_paragraphs; ///< By block format.
     std::vector<std::unique_ptr<Style>> m_styles; ///< By character format.
     const RtfLook m_noLook;
     const RtfLook *m_look = &m_noLook;

@@ -12,9 +12,10 @@ namespace {
 
 constexpr int bullet = 23; // Number of \levelnfc.
 constexpr int deepestLevel = 8;
-// The toolkit looks at all items of a list for each new one.
-constexpr int mostBullets = 200;
-constexpr int mostNumbers = 2000;
+// The toolkit looks at all items of a list for each new one. Bullets do not mind another list;
+// numbers would begin anew, so that long ones are parted only when they have cost their share.
+constexpr int usualItems = 200;
+constexpr qint64 mostVisits = 500'000;
 
 } // namespace
 
@@ -36,13 +37,14 @@ bool TextLists::enter(const RtfParagraph &paragraph, const RtfTables &tables,
     qsizetype &last = m_last[paragraph.list];
     const bool isNext = last + 1 == m_paragraph;
     last = m_paragraph;
-    const bool continues = open != m_open.end()
-        && open->items < (isBullet ? mostBullets : mostNumbers) && (isNext || !(isBullet || isOld));
+    const bool hasRoom =
+        open != m_open.end() && (open->items < usualItems || (!isBullet && m_visits < mostVisits));
+    const bool continues = hasRoom && (isNext || !(isBullet || isOld));
     if (!continues) {
         m_needsList = true;
         return true;
     }
-    ++open->items;
+    m_visits += ++open->items;
     format.setObjectIndex(open->list->objectIndex());
     return true;
 }

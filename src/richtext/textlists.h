@@ -40,6 +40,7 @@ private:
     QHash<Key, Open> m_open;
     QHash<int, qsizetype> m_last; ///< The last paragraph of each list, on whatever level.
     qsizetype m_paragraph = 0;
+    qint64 m_visits = 0; ///< Of items, by the toolkit.
     bool m_needsList = false;
 };
 

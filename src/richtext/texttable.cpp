@@ -8,6 +8,7 @@ namespace quorvane {
 namespace {
 
 constexpr int tolerance = 30; // Twips between edges that are meant to be one.
+constexpr int narrowest = 2 * tolerance; // So that no cell is without a column.
 constexpr int usualWidth = 1440; // Of a cell that has no edge.
 constexpr std::size_t mostColumns = 128;
 constexpr std::size_t slack = 4096; // Places in the grid beside four for each cell.
@@ -44,7 +45,7 @@ std::vector<int> edgesOf(const RtfRow &row, std::size_t count, bool widthsComeFi
             && cell->widthUnit == RtfCell::WidthUnit::Twips) {
             edge = left + cell->width;
         }
-        edges.push_back(edge > left ? edge : left + 2 * tolerance);
+        edges.push_back(std::max(edge, left + narrowest));
     }
     return edges;
 }

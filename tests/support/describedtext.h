@@ -121,16 +121,19 @@ private:
 
     static QString value(const QVariant &value)
     {
+        if (value.userType() == QMetaType::Double) {
+            return QString::number(value.toDouble(), 'g', 8);
+        }
         if (value.userType() == QMetaType::QBrush) {
             return value.value<QBrush>().color().name(QColor::HexArgb);
         }
         if (value.userType() == QMetaType::QTextLength) {
             const auto length = value.value<QTextLength>();
-            return QString::number(length.rawValue()) + u"vx%"[int(length.type())];
+            return QString::number(length.rawValue(), 'g', 8) + u"vx%"[int(length.type())];
         }
         if (value.userType() == qMetaTypeId<QTextOption::Tab>()) {
             const auto tab = value.value<QTextOption::Tab>();
-            return QString::number(tab.position) + u"lrcd"[int(tab.type)];
+            return QString::number(tab.position, 'g', 8) + u"lrcd"[int(tab.type)];
         }
         if (value.userType() == QMetaType::QVariantList) {
             QStringList parts;
