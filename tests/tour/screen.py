@@ -12,6 +12,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
+MENU_ITEMS = ("menu item", "check menu item", "radio menu item", "menu")
 BUTTONS = ("push button", "check box", "toggle button")
 PATIENCE = 30  # Seconds. A sanitized program on a busy machine is slow; a healthy one never waits.
 
@@ -189,6 +190,11 @@ class Screen:
     def press(self, name):
         """Clicks the button of this name."""
         self.click(self.find(BUTTONS, name))
+
+    def choose(self, *titles):
+        """Clicks through a menu to an item."""
+        for title in titles:
+            self.click(self.find(MENU_ITEMS, title))
 
     def keys(self, *chords):
         self._x("key", "--delay", "12", *chords)
