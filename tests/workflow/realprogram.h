@@ -48,6 +48,24 @@ public:
         documents.closeAllDocuments([](bool) {});
     }
 
+    /// A file of a document with that body, made by the program itself.
+    QByteArray fileOf(const QByteArray &body, const QString &password, bool isEditable = true)
+    {
+        MyDocument made(MyDocumentSurroundings {
+            {m_queue, files, panels, m_timers},
+            defaults,
+            m_fontManager,
+            m_alerts,
+            workspace,
+            {},
+        });
+        made.setPlainPassword(password);
+        made.setMyTextViewData(body);
+        made.setMyIsEditable(isEditable);
+        made.setMyPublicTextData(QStringLiteral("ring the bell twice"));
+        return made.dataOfType().value_or(QByteArray());
+    }
+
     /// The newest document's parts; null while there is no document.
     MyDocument *document() const
     {

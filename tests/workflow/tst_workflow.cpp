@@ -66,20 +66,7 @@ bool TestWorkflow::unlock(RealProgram &program, const QString &with)
 
 QByteArray TestWorkflow::savedFile(const QByteArray &body, bool isEditable)
 {
-    RealProgram maker;
-    QtOperationQueue queue;
-    QtTimers timers;
-    InMemoryDefaults defaults;
-    QtFontManager fonts;
-    QtModalAlerts alerts(queue);
-    RecordingWorkspace workspace;
-    MyDocument document(
-        {{queue, maker.files, maker.panels, timers}, defaults, fonts, alerts, workspace, {}});
-    document.setPlainPassword(password);
-    document.setMyTextViewData(body);
-    document.setMyIsEditable(isEditable);
-    document.setMyPublicTextData(u"ring the bell twice"_s);
-    return document.dataOfType().value_or(QByteArray());
+    return RealProgram().fileOf(body, password, isEditable);
 }
 
 void TestWorkflow::aDocumentIsBornProtectedSavedClosedAndOpenedAgain()
