@@ -5,9 +5,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <functional>
+#include <memory>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -178,10 +182,20 @@ void TestPosixPackageStore::namesNeverLeadOut()
 void TestPosixPackageStore::aFailureLeavesTheOldPackage()
 {
     put(path(u"x.rtfd/TXT.rtf"_s), "old");
-    const auto error = PosixPackageStore("TXT.rtf", 10).replace(path(u"x.rtfd"_s), sample());
-    QCOMPARE(error->code, EFBIG);
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit before {};
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small {50'000, before.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &small), 0); // the second file breaks off half written
+    const auto error = PosixPackageStore().replace(path(u"x.rtfd"_s), sample());
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &before), 0);
+
+    QVERIFY(error && !error->isInPlace());
+    QCOMPARE(error->step, filestep::writing);
+    QCOMPARE(error->path, path(u"x.rtfd/a b.png"_s));
     QVERIFY(PosixPackageStore().read(path(u"x.rtfd"_s)).entries
             == PackageEntries {file("TXT.rtf", "old")});
+    QCOMPARE(namesIn(path(u"."_s)), QStringList {u"x.rtfd"_s});
 }
 
 void TestPosixPackageStore::readsNothingFromOutside()

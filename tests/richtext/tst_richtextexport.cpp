@@ -8,6 +8,8 @@
 #include <QTest>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextList>
+#include <QTextTable>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -58,6 +60,9 @@ private slots:
     void aPackageIsReadAsABody();
     void imagesStandInTheTextAndOtherFilesDoNot();
     void theTextIsPlainAsciiWithAFallback();
+    void listsAndLinksAreInTheDialect();
+    void tablesThatNoReaderTakesBecomeParagraphs_data();
+    void tablesThatNoReaderTakesBecomeParagraphs();
 };
 
 void TestRichTextExport::aPackageHoldsTextAndFilesUnchanged()
@@ -166,6 +171,61 @@ void TestRichTextExport::theTextIsPlainAsciiWithAFallback()
     const QByteArray rtf = rtfFromDocument(document);
     QVERIFY(rtf.contains("\\u12354?\\u-10179?\\u-8704?\\line \\'e9\\~\\u-1279?}"));
     QCOMPARE(plainTextFromBody(rtf), u"\u3042\U0001F600\u2028\u00e9\u00a0\ufb01"_s);
+}
+
+void TestRichTextExport::listsAndLinksAreInTheDialect()
+{
+    QTextDocument document;
+    QTextCursor cursor(&document);
+    QTextListFormat list;
+    list.setStyle(QTextListFormat::ListDecimal);
+    cursor.createList(list);
+    QTextCharFormat link;
+    link.setAnchor(true);
+    link.setAnchorHref(u"https://a.b/"_s);
+    cursor.insertText(u"see"_s, link);
+    cursor.insertBlock();
+    cursor.insertText(u"two"_s, QTextCharFormat());
+    const QByteArray rtf = packageFromDocument(document).back().bytes;
+    const auto from = [&rtf](const char *start) {
+        return rtf.sliced(rtf.indexOf(start));
+    };
+    QVERIFY(from("{\\*\\listtable")
+                .startsWith(
+                    "{\\*\\listtable{\\list\\listtemplateid1\\listhybrid{\\listlevel\\levelnfc0"
+                    "\\levelnfcn0\\leveljc0\\leveljcn0\\levelfollow0\\levelstartat1"
+                    "\\levelspace360\\levelindent0{\\*\\levelmarker \\{decimal\\}.}"
+                    "{\\leveltext\\leveltemplateid100\\'02\\'00.;}{\\levelnumbers\\'01;}"
+                    "\\fi-360\\li720\\lin720 }{\\listname ;}\\listid1}}\n{\\*\\listoverridetable"
+                    "{\\listoverride\\listid1\\listoverridecount0\\ls1}}\n"));
+    QCOMPARE(from("\\li720\\fi-720"),
+             "\\li720\\fi-720\\pardirnatural\\partightenfactor0\n\\ls1\\ilvl0\n{\\listtext\t1.\t}"
+             "{\\field{\\*\\fldinst{HYPERLINK \"https://a.b/\"}}{\\fldrslt \\cf0 see}}\\\n"
+             "\\cf0 {\\listtext\t2.\t}two}");
+}
+
+void TestRichTextExport::tablesThatNoReaderTakesBecomeParagraphs_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<int>("depth");
+    QTest::newRow("too many columns") << 600 << 1;
+    QTest::newRow("too deep") << 1 << 40;
+}
+
+void TestRichTextExport::tablesThatNoReaderTakesBecomeParagraphs()
+{
+    QFETCH(int, columns);
+    QFETCH(int, depth);
+    QTextDocument document;
+    QTextCursor cursor(&document);
+    for (int i = 0; i < depth; ++i) {
+        cursor = cursor.insertTable(1, columns)->cellAt(0, columns - 1).firstCursorPosition();
+    }
+    cursor.insertText(u"kept"_s);
+    QVERIFY(plainTextFromBody(rtfFromDocument(document)).contains(u"kept"));
+    QTextDocument again;
+    readBody(bodyFromDocument(document), again);
+    QVERIFY(again.toPlainText().contains(u"kept"));
 }
 
 QTEST_MAIN(TestRichTextExport)

@@ -93,7 +93,7 @@ private:
             if (isItem) {
                 format.setProperty(ListFirstIndent, -360);
             } else {
-                format.setTextIndent(pixels(900) - 30);
+                format.setTextIndent(-pixels(900));
             }
         });
         return format;
