@@ -146,7 +146,7 @@ QByteArray markerWords(const QTextListFormat &format, const Style &style,
     QByteArray words = "{\\*\\levelmarker ";
     if (!isNumbered(style)) {
         const QString own = format.stringProperty(ListMarker);
-        const QByteArray name = own == u"\u2043"_s ? QByteArray("hyphen") : style.marker;
+        const char *name = own == u"\u2043"_s ? "hyphen" : style.marker;
         return words + "\\{" + name + "\\}}";
     }
     RtfEscaper escaper(words, fallback);
