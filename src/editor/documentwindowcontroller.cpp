@@ -224,10 +224,10 @@ void DocumentWindowController::tellSurplusOnce()
     m_hasToldSurplus = true;
     const NSAlert alert {
         u"This document holds more than can be shown here."_s,
-        u"Pictures, tables, lists, links or some styles of its text are not shown. They stay in "
-        u"the "
-        "file as long as nobody edits the text.\n\nAn edited text is saved with all its words, but "
-        "without these."_s,
+        u"Footnotes, headers, text boxes, fields or embedded objects of its text are shown as "
+        u"plain "
+        "text. They stay in the file as long as nobody edits the text.\n\nAn edited text is saved "
+        "with all its words, but without these."_s,
         {u"OK"_s},
     };
     m_adapter->beginAlert(alert, [](AlertAnswer) {});

@@ -282,6 +282,8 @@ void RtfReader::paragraphWord(RtfKeyword keyword, const RtfToken &token)
             m_isInAside ? uchar(0) : uchar(std::clamp(token.parameter, 0, deepestNesting));
         break;
     case RtfAction::ParagraphWord:
+        removeCarriedWord(paragraph.words, token.text);
+        [[fallthrough]];
     case RtfAction::ParagraphBorder:
         if (CarriedNumber(keyword.value) == CarriedNumber::Colour) {
             appendCarriedColour(paragraph.words, token, m_tables);

@@ -102,7 +102,8 @@ void TestRtfDocument::lookRows()
         u"{direction=1}a\n{direction=0}b\nc"_s);
     row("headings and page breaks", "\\pard\\outlinelevel1\\pagebb a\\par\\pard\\cbpat1 b",
         u"{heading=2 break=1}a\n{bg=#ffff0000}b"_s);
-    row("paragraph words that are only carried", "\\pard\\keepn\\brdrb\\brdrs\\brdrw10\\brdrcf1 a",
+    row("paragraph words that are only carried",
+        "\\pard\\keepn\\keepn\\brdrb\\brdrs\\brdrw10\\brdrcf1 a",
         u"{words=\\keepn\\brdrb\\brdrs\\brdrw10\\brdrcf#ffff0000}a"_s);
     row("styles are applied",
         "{\\stylesheet{\\ql\\fs24 Normal;}{\\s1\\qc\\b\\sbasedon0 Heading 3;}"

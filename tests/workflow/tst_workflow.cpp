@@ -197,9 +197,10 @@ void TestWorkflow::aBodyThatNobodyEditedGoesBackAsItCame_data()
     QTest::newRow("RTF with styles that are switched off or only listed")
         << QByteArray("{\\rtf1{\\stylesheet{\\s1\\super raised;}}\\strike0\\cb1\\up0 plain}")
         << false;
-    QTest::newRow("RTF with a struck word, which an edit would lose")
-        << QByteArray("{\\rtf1 {\\strike struck} rest}") << true;
-    QTest::newRow("RTF with a table") << QByteArray("{\\rtf1\\trowd\\cellx1 a\\cell\\row}") << true;
+    QTest::newRow("RTF with a footnote, which an edit would make plain text")
+        << QByteArray("{\\rtf1 text{\\footnote note} rest}") << true;
+    QTest::newRow("RTF with a struck word and a table, which an edit keeps")
+        << QByteArray("{\\rtf1 {\\strike struck}\\par\\trowd\\cellx900 a\\cell\\row}") << false;
     QTest::newRow("nothing") << QByteArray() << false;
     QTest::newRow("a flattened RTFD cut short")
         << QByteArray("rtfd\0\0\0\0\3\0\0\0\1\0\0\0", 16) << false;
