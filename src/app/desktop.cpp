@@ -42,7 +42,9 @@ bool everythingIsSaved(const NSDocumentController &documents)
 
 } // namespace
 
-Desktop::Desktop() = default;
+Desktop::Desktop(BusConnector &sessionBus)
+    : m_sessionBus(sessionBus)
+{ }
 
 bool Desktop::isServedByAnother(const QStringList &files)
 {

@@ -32,7 +32,8 @@ public:
         std::function<void()> willEnd; ///< From now on no window takes the place of a closed one.
     };
 
-    Desktop();
+    /// The session bus may still be on its way.
+    explicit Desktop(BusConnector &sessionBus);
 
     /// Whether another running program has taken the files, and this one is to end.
     [[nodiscard]] bool isServedByAnother(const QStringList &files);
@@ -44,7 +45,7 @@ private:
     void followOtherStarts(const Program &program);
     void followEnds(const Program &program);
 
-    BusConnector m_sessionBus {QDBusConnection::SessionBus};
+    BusConnector &m_sessionBus;
     std::optional<BusConnector> m_systemBus;
     std::optional<DBusApplication> m_application;
     std::optional<DBusSessionEvents> m_sessionEvents;

@@ -225,10 +225,11 @@ int runWindowProgram(int argc, char **argv)
     QApplication::setApplicationDisplayName(productName);
     QApplication::setDesktopFileName(u"quorvane"_s);
     const QStringList files = filesOfCommandLine(application);
+    BusConnector sessionBus(QDBusConnection::SessionBus); // while the rest is made
     // The last document's window goes before the start window comes.
     QApplication::setQuitOnLastWindowClosed(false);
     Program program;
-    Desktop desktop;
+    Desktop desktop(sessionBus);
     if (desktop.isServedByAnother(files)) {
         return 0;
     }

@@ -41,7 +41,8 @@ void TestBackground::anotherWindowSavesAndArmsTheLock()
     document->setPlainPassword(u"password"_s);
     document->setFileURL(u"/documents/a.quorvane"_s);
     document->setMyTextViewData("body");
-    Desktop desktop;
+    BusConnector sessionBus(QDBusConnection::SessionBus);
+    Desktop desktop(sessionBus);
     desktop.serve({documents, delegate, world.defaults, world.queue, [] {
                    }});
 
