@@ -21,26 +21,6 @@ bool isUnchanged(const struct stat &before, const struct stat &after)
         && before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
 }
 
-/// Fills \a data, one byte more than is expected so that a file that grew is noticed.
-/// \return the bytes read, or -1.
-qint64 readAll(int file, QByteArray &data)
-{
-    qint64 total = 0;
-    while (total < data.size()) {
-        const ssize_t count = uninterrupted([&] {
-            return ::read(file, data.data() + total, static_cast<size_t>(data.size() - total));
-        });
-        if (count < 0) {
-            return -1;
-        }
-        if (count == 0) {
-            break;
-        }
-        total += count;
-    }
-    return total;
-}
-
 } // namespace
 
 PosixFileStore::PosixFileStore(qint64 largest)
@@ -76,7 +56,7 @@ FileStore::ReadResult PosixFileStore::read(const QString &path)
     if (before.st_size > m_largest) {
         return failure(EFBIG, filestep::openingFile);
     }
-    QByteArray data = largeBuffer(before.st_size + 1);
+    QByteArray data = largeBuffer(before.st_size + 1); // one more: a file that grew is noticed
     const qint64 count = readAll(file.get(), data);
     struct stat after = {};
     if (count < 0 || ::fstat(file.get(), &after) != 0) {

@@ -130,6 +130,63 @@ Descriptor &Descriptor::operator=(Descriptor &&other) noexcept
     return *this;
 }
 
+qint64 readAll(int file, QByteArray &data)
+{
+    qint64 total = 0;
+    while (total < data.size()) {
+        const ssize_t count = uninterrupted([&] {
+            return ::read(file, data.data() + total, static_cast<size_t>(data.size() - total));
+        });
+        if (count < 0) {
+            return -1;
+        }
+        if (count == 0) {
+            break;
+        }
+        total += count;
+    }
+    return total;
+}
+
+bool writeAll(int file, const QByteArray &data)
+{
+    for (qsizetype done = 0; done < data.size();) {
+        const ssize_t count = uninterrupted([&] {
+            return ::write(file, data.constData() + done, static_cast<size_t>(data.size() - done));
+        });
+        if (count == 0) {
+            errno = EIO;
+        }
+        if (count <= 0) {
+            return false;
+        }
+        done += count;
+    }
+    return true;
+}
+
+std::optional<bool> holds(int file, const QByteArray &data)
+{
+    std::array<char, chunkLength> chunk = {};
+    qsizetype done = 0;
+    while (true) {
+        const ssize_t count =
+            uninterrupted([&] { return ::pread(file, chunk.data(), chunk.size(), done); });
+        if (count < 0) {
+            return std::nullopt;
+        }
+        if (count == 0) {
+            return done == data.size();
+        }
+        if (count > data.size() - done
+            || std::memcmp(chunk.data(), data.constData() + done, static_cast<size_t>(count))
+                != 0) {
+            return false;
+        }
+        done += count;
+    }
+}
+
 PosixReplacement::PosixReplacement(const QByteArray &path, const QByteArray &data)
     : m_data(data)
     , m_path(path)
@@ -257,20 +314,7 @@ PosixReplacement::Result PosixReplacement::makeNew()
 
 PosixReplacement::Result PosixReplacement::write()
 {
-    for (qsizetype done = 0; done < m_data.size();) {
-        const ssize_t count = uninterrupted([&] {
-            return ::write(m_newFile.get(), m_data.constData() + done,
-                           static_cast<size_t>(m_data.size() - done));
-        });
-        if (count == 0) {
-            errno = EIO;
-        }
-        if (count <= 0) {
-            return failure(filestep::writing, m_path);
-        }
-        done += count;
-    }
-    return std::nullopt;
+    return writeAll(m_newFile.get(), m_data) ? Result() : failure(filestep::writing, m_path);
 }
 
 /// Gives the new file what is the old one's beside its content.
@@ -328,25 +372,12 @@ PosixReplacement::Result PosixReplacement::flush()
 
 PosixReplacement::Result PosixReplacement::compare()
 {
-    std::array<char, chunkLength> chunk = {};
-    qsizetype done = 0;
-    while (true) {
-        const ssize_t count = uninterrupted(
-            [&] { return ::pread(m_newFile.get(), chunk.data(), chunk.size(), done); });
-        if (count < 0) {
-            return failure(filestep::readingBack, m_path);
-        }
-        if (count == 0 && done == m_data.size()) {
-            return std::nullopt;
-        }
-        if (count == 0 || count > m_data.size() - done
-            || std::memcmp(chunk.data(), m_data.constData() + done, static_cast<size_t>(count))
-                != 0) {
-            errno = 0;
-            return failure(filestep::readingBack, m_path);
-        }
-        done += count;
+    const std::optional<bool> same = holds(m_newFile.get(), m_data);
+    if (same == true) {
+        return std::nullopt;
     }
+    errno = same ? 0 : errno;
+    return failure(filestep::readingBack, m_path);
 }
 
 PosixReplacement::Result PosixReplacement::putInPlace()

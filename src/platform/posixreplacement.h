@@ -39,6 +39,16 @@ private:
     int m_descriptor;
 };
 
+/// Reads from the file's place on until \a data is full or the file ends.
+/// \return the bytes read, or -1.
+qint64 readAll(int file, QByteArray &data);
+
+/// \return whether all of the data was written.
+bool writeAll(int file, const QByteArray &data);
+
+/// \return whether the file holds these bytes and no others; nothing where it cannot be read.
+std::optional<bool> holds(int file, const QByteArray &data);
+
 /// One replacement of one file, as PosixFileStore promises it.
 class PosixReplacement final
 {

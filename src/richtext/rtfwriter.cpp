@@ -1,16 +1,19 @@
 #include "richtext/rtfwriter.h"
 
-#include "richtext/fontnames.h"
-#include "richtext/rtfcodepage.h"
+#include "richtext/attachmentstore.h"
+#include "richtext/rtfparagraph.h"
+#include "richtext/rtfpicture.h"
+#include "richtext/rtfrows.h"
 #include "richtext/textproperties.h"
 
-#include <QBrush>
-#include <QFont>
+#include <QBuffer>
+#include <QImage>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextFragment>
-
-#include <algorithm>
+#include <QTextList>
+#include <QTextTable>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -18,225 +21,225 @@ namespace quorvane {
 
 namespace {
 
-constexpr int whiteNumber = 1; // The table always has white at this place.
-constexpr int firstFreeColour = 2;
+constexpr int deepestNesting = 32;
+constexpr char paragraphEnding[] = "\\\n";
+constexpr char cellEnding[] = "\\cell\n";
+constexpr char nestedCellEnding[] = "\\nestcell\n";
 
-void appendHex(QByteArray &out, int byte)
+template <typename Value> Value &at(std::vector<Value> &values, int index)
 {
-    constexpr char digits[] = "0123456789abcdef";
-    out.append("\\'").append(digits[byte >> 4]).append(digits[byte & 15]);
+    if (std::size_t(index) >= values.size()) {
+        values.resize(std::size_t(index) + 1);
+    }
+    return values[std::size_t(index)];
 }
 
-/// Writes text in the dialect: bytes of Windows-1252 as \'hh, all else as \u without a fallback.
-class TextEscaper final
+QByteArray fileOf(const QVariant &resource)
 {
-public:
-    explicit TextEscaper(QByteArray &out)
-        : m_out(out)
-    { }
-
-    void text(QStringView text)
-    {
-        for (const QChar c : text) {
-            unit(c.unicode());
-        }
+    if (resource.userType() == QMetaType::QByteArray) {
+        return resource.toByteArray();
     }
-
-    void unit(char16_t unit)
-    {
-        if (unit < 0x80) {
-            ascii(char(unit));
-        } else if (unit == QChar::Nbsp) {
-            plain("\\~");
-        } else if (const int byte = unit < 0xa0 ? -1 : toWindowsLatin(unit); byte >= 0) {
-            m_isInUnicode = false;
-            appendHex(m_out, byte);
-        } else {
-            unicode(unit);
-        }
-    }
-
-    /// A name, where only letters and \u are sure to be understood.
-    void name(QStringView name)
-    {
-        for (const QChar c : name) {
-            if (c.unicode() >= u' ' && c.unicode() < 0x7f) {
-                unit(c.unicode());
-            } else {
-                unicode(c.unicode());
-            }
-        }
-    }
-
-private:
-    void unicode(char16_t unit)
-    {
-        if (!m_isInUnicode) {
-            m_out.append("\\uc0");
-            m_isInUnicode = true;
-        }
-        m_out.append("\\u").append(QByteArray::number(unit)).append(' ');
-    }
-
-    void plain(const char *text)
-    {
-        m_isInUnicode = false;
-        m_out.append(text);
-    }
-
-    void ascii(char c)
-    {
-        if (c == '\\' || c == '{' || c == '}') {
-            m_isInUnicode = false;
-            m_out.append('\\').append(c);
-        } else if (c == '\f') {
-            plain("\\page ");
-        } else if ((c >= ' ' && c < 0x7f) || c == '\t') {
-            m_isInUnicode = false;
-            m_out.append(c);
-        } else {
-            unicode(uchar(c));
-        }
-    }
-
-    QByteArray &m_out;
-    bool m_isInUnicode = false;
-};
-
-QByteArray fontEntry(qsizetype number, const QString &name)
-{
-    QByteArray entry = "\\f" + QByteArray::number(number)
-        + (name == "Helvetica"_L1 ? "\\fswiss" : "\\fnil") + "\\fcharset0 ";
-    TextEscaper escaper(entry);
-    for (const QChar c : name) {
-        if (c == u';') {
-            appendHex(entry, ';'); // It would end the entry.
-        } else {
-            escaper.name(QStringView(&c, 1));
-        }
-    }
-    return entry + ';';
+    QByteArray file;
+    QBuffer buffer(&file);
+    const auto image = resource.value<QImage>();
+    return image.width() > 0 && buffer.open(QIODevice::WriteOnly) && image.save(&buffer, "PNG")
+        ? file
+        : QByteArray();
 }
 
-QByteArray channel(int byte)
+bool standsBeforeTable(const QTextBlock &block, const QTextFrame::iterator &next)
 {
-    return "\\c" + QByteArray::number((byte * 100000 + 127) / 255);
-}
-
-QByteArray alignmentWords(const QTextBlockFormat &format)
-{
-    if (!format.hasProperty(QTextFormat::BlockAlignment)) {
-        return "\\pardirnatural";
-    }
-    switch ((format.alignment() & Qt::AlignHorizontal_Mask) & ~Qt::AlignAbsolute) {
-    case Qt::AlignRight:
-        return "\\pardirnatural\\qr";
-    case Qt::AlignHCenter:
-        return "\\pardirnatural\\qc";
-    case Qt::AlignJustify:
-        return "\\pardirnatural\\qj";
-    default:
-        return "\\pardirnatural\\ql";
-    }
-}
-
-int milliPointsOf(const QTextCharFormat &format)
-{
-    constexpr double largest = 10'000'000;
-    double points = 0;
-    if (format.hasProperty(QTextFormat::FontPointSize)) {
-        points = format.fontPointSize();
-    } else if (format.hasProperty(QTextFormat::FontPixelSize)) {
-        points = format.intProperty(QTextFormat::FontPixelSize) * 0.75; // At 96 pixels an inch.
-    }
-    return points > 0 ? int(std::min(points * 1000 + 0.5, largest)) : 0;
-}
-
-QByteArray sizeWords(int milliPoints)
-{
-    QByteArray words = "\\fs" + QByteArray::number((milliPoints + 250) / 500);
-    if (milliPoints % 500 != 0) {
-        words += "\\fsmilli" + QByteArray::number(milliPoints);
-    }
-    return words;
+    return block.length() == 1 && block.blockFormat().hasProperty(BeforeTable)
+        && qobject_cast<QTextTable *>(next.currentFrame());
 }
 
 } // namespace
 
+RtfWriter::RtfWriter(const QTextDocument &document, Form form)
+    : m_document(document)
+    , m_form(form)
+    , m_fallback(form == Form::Alone ? RtfEscaper::Fallback::QuestionMark
+                                     : RtfEscaper::Fallback::None)
+    , m_lists(m_fallback)
+{ }
+
 QByteArray RtfWriter::write()
 {
-    for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next()) {
-        writeBlock(block, !block.next().isValid());
-    }
-    return head() + m_body + '}';
+    m_body.reserve(qsizetype(m_document.characterCount()) + m_document.characterCount() / 4);
+    const QTextFrame &root = *m_document.rootFrame();
+    writeFrame(root.begin(), root.end(), "");
+    const QByteArray words = documentWords();
+    return head() + words + m_body + '}';
 }
 
 QByteArray RtfWriter::head() const
 {
-    QByteArray out = "{\\rtf1\\ansi\\ansicpg1252\\cocoartf2709\n"
-                     "\\cocoatextscaling0\\cocoaplatform0{\\fonttbl";
-    for (qsizetype i = 0; i < m_fontNames.size(); ++i) {
-        out += fontEntry(i, m_fontNames.at(i));
-    }
-    out += "}\n{\\colortbl;\\red255\\green255\\blue255;";
-    QByteArray expanded = "}\n{\\*\\expandedcolortbl;;";
-    for (const QRgb colour : m_colours) {
-        out += "\\red" + QByteArray::number(qRed(colour)) + "\\green"
-            + QByteArray::number(qGreen(colour)) + "\\blue" + QByteArray::number(qBlue(colour))
-            + ';';
-        // The plain values have no colour space; this one is sRGB.
-        expanded +=
-            "\\cssrgb" + channel(qRed(colour)) + channel(qGreen(colour)) + channel(qBlue(colour));
-        if (qAlpha(colour) < 255) {
-            expanded += channel(qAlpha(colour));
-        }
-        expanded += ';';
-    }
-    return out + expanded + "}\n";
+    return "{\\rtf1\\ansi\\ansicpg1252\\cocoartf2709\n\\cocoatextscaling0\\cocoaplatform0"
+        + m_tables.fontTable(m_fallback) + '\n' + m_tables.colourTables() + '\n' + m_lists.tables();
 }
 
-void RtfWriter::writeBlock(const QTextBlock &block, bool isLast)
+QByteArray RtfWriter::documentWords()
 {
-    const QTextBlockFormat format = block.blockFormat();
-    if (!block.begin().atEnd()) {
-        switchParagraph(format);
-        for (auto it = block.begin(); !it.atEnd(); ++it) {
-            writeFragment(it.fragment());
+    const QTextFrameFormat format = m_document.rootFrame()->frameFormat();
+    QVariantMap info = format.property(DocumentInfo).toMap();
+    const QString title = m_document.metaInformation(QTextDocument::DocumentTitle);
+    if (!title.isEmpty()) {
+        info.insert(u"title"_s, title);
+    }
+    QByteArray out;
+    for (auto entry = info.constBegin(); entry != info.constEnd(); ++entry) {
+        out += (out.isEmpty() ? "{\\info{\\" : "{\\") + entry.key().toLatin1() + ' ';
+        RtfEscaper(out, m_fallback).text(entry.value().toString());
+        out += '}';
+    }
+    out += out.isEmpty() ? "" : "}\n";
+    const QByteArray words = m_tables.withNumbers(format.property(DocumentWords).toByteArray());
+    return words.isEmpty() ? out : out + words + '\n';
+}
+
+void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &end,
+                           const char *lastEnding)
+{
+    bool isFirst = true;
+    while (at != end) {
+        QTextFrame *child = at.currentFrame();
+        const QTextBlock block = at.currentBlock();
+        ++at;
+        if (child) {
+            writeChild(*child);
+        } else if (at == end) {
+            writeBlock(block, lastEnding);
+        } else if (!isFirst || !standsBeforeTable(block, at)) {
+            writeBlock(block, paragraphEnding);
         }
+        isFirst = false;
+    }
+}
+
+void RtfWriter::writeChild(QTextFrame &frame)
+{
+    if (m_nesting >= deepestNesting) {
+        writeFlat(frame);
+        return;
+    }
+    ++m_nesting;
+    if (const auto *table = qobject_cast<const QTextTable *>(&frame)) {
+        writeTable(*table);
     } else {
-        const RtfCharacter look = lookOf(block.charFormatIndex(), block.charFormat());
-        const bool isPlain = look == RtfCharacter()
-            && !format.hasProperty(QTextFormat::BlockAlignment)
-            && !format.hasProperty(ParagraphWords);
-        if (isLast && !m_hasParagraph && isPlain) {
-            return; // The empty text has no paragraph either.
+        writeFrame(frame.begin(), frame.end(), paragraphEnding);
+    }
+    --m_nesting;
+}
+
+void RtfWriter::writeFlat(const QTextFrame &frame)
+{
+    const int end = frame.lastPosition();
+    for (QTextBlock block = m_document.findBlock(frame.firstPosition());
+         block.isValid() && block.position() <= end; block = block.next()) {
+        writeBlock(block, paragraphEnding);
+    }
+}
+
+void RtfWriter::writeTable(const QTextTable &table)
+{
+    ++m_depth;
+    const RtfRows rows(table, m_depth, m_tables);
+    const bool isNested = m_depth > 1;
+    for (int row = 0; row < table.rows(); ++row) {
+        const QByteArray definition = rows.definition(row);
+        m_hasParagraph = false; // Each row stands for itself.
+        if (!isNested) {
+            m_body += '\n' + definition;
         }
-        switchParagraph(format);
-        switchTo(look);
+        writeRow(table, row);
+        const QByteArray last = row + 1 == table.rows() ? "\\lastrow" : "";
+        if (isNested) {
+            m_body +=
+                "{\\*\\nesttableprops" + definition + last + "\\nestrow}{\\nonesttables\\par}\n";
+        } else {
+            m_body += last + "\\row\n";
+        }
     }
-    if (!isLast) {
-        m_body += "\\\n";
+    m_hasParagraph = false;
+    --m_depth;
+}
+
+void RtfWriter::writeRow(const QTextTable &table, int row)
+{
+    const char *ending = m_depth > 1 ? nestedCellEnding : cellEnding;
+    for (int column = 0; column < table.columns(); ++column) {
+        const QTextTableCell cell = table.cellAt(row, column);
+        if (cell.row() == row && cell.column() == column) {
+            writeFrame(cell.begin(), cell.end(), ending);
+        } else {
+            switchParagraph(defaultTabWords, QByteArray());
+            m_body += ending;
+        }
     }
+}
+
+void RtfWriter::writeBlock(const QTextBlock &block, const char *ending)
+{
+    if (!m_hasParagraph && *ending == 0 && saysNothing(block)) {
+        return; // The empty text has no paragraph either.
+    }
+    const Paragraph &paragraph = paragraphOf(block);
+    if (paragraph.list) {
+        const RtfLists::Item item = m_lists.nextItem(*paragraph.list);
+        switchParagraph(paragraph.words, item.place);
+        writeListMarker(block, item.marker);
+    } else {
+        switchParagraph(paragraph.words, QByteArray());
+    }
+    if (block.begin().atEnd()) {
+        switchTo(styleOf(block.charFormatIndex(), block.charFormat()).look);
+    }
+    for (auto it = block.begin(); !it.atEnd(); ++it) {
+        writeFragment(it.fragment());
+    }
+    closeLink();
+    m_body += ending;
+}
+
+void RtfWriter::writeListMarker(const QTextBlock &block, const QByteArray &marker)
+{
+    const QTextBlock::iterator first = block.begin();
+    const Style &style = first.atEnd()
+        ? styleOf(block.charFormatIndex(), block.charFormat())
+        : styleOf(first.fragment().charFormatIndex(), first.fragment().charFormat());
+    if (style.link.isEmpty()) {
+        switchTo(style.look);
+    }
+    m_body += marker;
 }
 
 void RtfWriter::writeFragment(const QTextFragment &fragment)
 {
-    const QTextCharFormat format = fragment.charFormat();
-    switchTo(lookOf(fragment.charFormatIndex(), format));
-    const QString text = fragment.text();
+    const Style &style = styleOf(fragment.charFormatIndex(), fragment.charFormat());
+    if (style.link != m_link) {
+        closeLink();
+        openLink(style.link);
+    }
+    switchTo(style.look);
+    if (style.isText) {
+        RtfEscaper(m_body, m_fallback).text(fragment.text());
+    } else {
+        writeObjects(fragment, fragment.charFormat());
+    }
+}
+
+void RtfWriter::writeObjects(const QTextFragment &fragment, const QTextCharFormat &format)
+{
     const bool isAttachment = format.objectType() == attachmentObjectType;
     const bool isStandIn = format.hasProperty(OriginalUnit);
-    TextEscaper escaper(m_body);
-    if (!isAttachment && !isStandIn) {
-        escaper.text(text);
-        return;
-    }
-    for (const QChar c : text) {
-        if (isAttachment && c == QChar::ObjectReplacementCharacter) {
+    RtfEscaper escaper(m_body, m_fallback);
+    for (const QChar c : fragment.text()) {
+        const bool isObject = c == QChar::ObjectReplacementCharacter;
+        if (isObject && isAttachment) {
             writeAttachment(format);
         } else if (isStandIn && c == QChar::ReplacementCharacter) {
             escaper.unit(char16_t(format.intProperty(OriginalUnit)));
-        } else {
+        } else if (!isObject || !format.isImageFormat() || !writeImage(format)) {
             escaper.unit(c.unicode());
         }
     }
@@ -245,122 +248,119 @@ void RtfWriter::writeFragment(const QTextFragment &fragment)
 void RtfWriter::writeAttachment(const QTextCharFormat &format)
 {
     const QString name = format.stringProperty(AttachmentName);
+    const int width = format.intProperty(AttachmentWidth);
+    const int height = format.intProperty(AttachmentHeight);
     m_attachmentNames.insert(name);
+    if (m_form == Form::Alone) {
+        const AttachmentStore *store = AttachmentStore::find(m_document);
+        if (const FlatRtfdEntry *entry = store ? store->entry(name) : nullptr) {
+            appendPicture(m_body, entry->bytes, width, height);
+        }
+        return;
+    }
     m_body += "{{\\NeXTGraphic ";
-    TextEscaper(m_body).name(name);
-    m_body += " \\width" + QByteArray::number(format.intProperty(AttachmentWidth)) + " \\height"
-        + QByteArray::number(format.intProperty(AttachmentHeight));
+    RtfEscaper(m_body, m_fallback).name(m_newNames.value(name, name));
+    m_body += ' ';
+    appendWord(m_body, "width", width);
+    m_body += ' ';
+    appendWord(m_body, "height", height);
     m_body += format.boolProperty(AttachmentNoOrient) ? " \\noorient " : " ";
     m_body += "\\appleattachmentpadding0 \\appleembedtype0 \\appleaqc\n}\xac}";
 }
 
-void RtfWriter::switchParagraph(const QTextBlockFormat &format)
+/// An image that belongs to the document itself.
+bool RtfWriter::writeImage(const QTextCharFormat &format)
 {
-    const QByteArray carried = format.property(ParagraphWords).toByteArray();
-    const QByteArray words = (carried.isEmpty() ? QByteArray(defaultTabWords) : carried)
-        + alignmentWords(format) + "\\partightenfactor0";
-    if (m_hasParagraph && words == m_paragraphWords) {
+    const QTextImageFormat image = format.toImageFormat();
+    const QByteArray file =
+        fileOf(m_document.resource(QTextDocument::ImageResource, QUrl(image.name())));
+    return !file.isEmpty()
+        && appendPicture(m_body, file, int(twipsOf(image.width())), int(twipsOf(image.height())));
+}
+
+void RtfWriter::openLink(const QString &address)
+{
+    if (address.isEmpty()) {
+        return;
+    }
+    m_link = address;
+    m_lookBeforeLink = m_look;
+    m_hadLookBeforeLink = m_hasLook;
+    const bool isPlace = address.startsWith(u'#');
+    m_body +=
+        isPlace ? "{\\field{\\*\\fldinst{HYPERLINK \\\\l \"" : "{\\field{\\*\\fldinst{HYPERLINK \"";
+    QString target = isPlace ? address.sliced(1) : address;
+    target.replace(u'\\', u"\\\\"_s).replace(u'"', u"%22"_s);
+    RtfEscaper(m_body, m_fallback).text(target);
+    m_body += "\"}}{\\fldrslt ";
+}
+
+void RtfWriter::closeLink()
+{
+    if (m_link.isEmpty()) {
+        return;
+    }
+    m_body += "}}";
+    m_link.clear();
+    m_look = m_lookBeforeLink; // The look of the group has ended with it.
+    m_hasLook = m_hadLookBeforeLink;
+}
+
+void RtfWriter::switchParagraph(const QByteArray &words, const QByteArray &listPlace)
+{
+    QByteArray all = "\\pard";
+    if (m_depth > 0) {
+        all += "\\intbl" + rtfWord("itap", m_depth);
+    }
+    all += words + '\n' + listPlace + '\n';
+    if (m_hasParagraph && all == m_paragraph) {
         return;
     }
     m_hasParagraph = true;
-    m_paragraphWords = words;
-    m_body += "\\pard" + words + "\n\n";
+    m_body += all;
+    m_paragraph = std::move(all);
 }
 
-void RtfWriter::switchTo(const RtfCharacter &look)
+void RtfWriter::switchTo(const RtfLook &look)
 {
-    if (m_hasLook && look == m_look) {
+    if (m_hasLook && (m_look == &look || *m_look == look)) {
         return;
     }
-    QByteArray words;
-    const bool losesFont = m_look.font >= 0 && look.font < 0;
-    if (losesFont || (m_look.milliPoints > 0 && look.milliPoints == 0)) {
-        words += "\\plain";
-        m_look = RtfCharacter();
-    }
-    if (look.font != m_look.font) {
-        if (!m_body.endsWith('\n')) {
-            m_body += '\n';
-        }
-        words += "\\f" + QByteArray::number(look.font);
-    }
-    if (look.italic != m_look.italic) {
-        words += look.italic ? "\\i" : "\\i0";
-    }
-    if (look.bold != m_look.bold) {
-        words += look.bold ? "\\b" : "\\b0";
-    }
-    if (look.milliPoints != m_look.milliPoints) {
-        words += sizeWords(look.milliPoints);
-    }
-    if (look.underline != m_look.underline) {
-        words += look.underline ? "\\ul" : "\\ulnone";
-    }
-    if (!words.isEmpty()) {
-        words += ' ';
-    }
-    if (!m_hasLook || look.colour != m_look.colour) {
-        words += "\\cf" + QByteArray::number(look.colour) + ' ';
-    }
-    m_body += words;
-    m_look = look;
+    m_look->appendChange(m_body, look, !m_hasLook);
+    m_look = &look;
     m_hasLook = true;
 }
 
-RtfCharacter RtfWriter::lookOf(int index, const QTextCharFormat &format)
+const RtfWriter::Style &RtfWriter::styleOf(int index, const QTextCharFormat &format)
 {
-    const auto known = m_looks.constFind(index);
-    if (known != m_looks.constEnd()) {
-        return *known;
+    std::unique_ptr<Style> &style = at(m_styles, index);
+    if (!style) {
+        const bool isText = !format.hasProperty(QTextFormat::ObjectType)
+            && !format.hasProperty(OriginalUnit) && !format.isImageFormat();
+        style = std::make_unique<Style>(Style {RtfLook(format, m_tables),
+                                               format.isAnchor() ? format.anchorHref() : QString(),
+                                               isText});
     }
-    RtfCharacter look;
-    look.font = fontNumber(format);
-    look.milliPoints = milliPointsOf(format);
-    look.colour = colourNumber(format);
-    look.bold = format.fontWeight() >= QFont::DemiBold;
-    look.italic = format.fontItalic();
-    look.underline = format.fontUnderline();
-    m_looks.insert(index, look);
-    return look;
+    return *style;
 }
 
-int RtfWriter::fontNumber(const QTextCharFormat &format)
+const RtfWriter::Paragraph &RtfWriter::paragraphOf(const QTextBlock &block)
 {
-    const QString family = format.fontFamilies().toStringList().value(0);
-    if (family.isEmpty()) {
-        return -1;
+    std::optional<Paragraph> &paragraph = at(m_paragraphs, block.blockFormatIndex());
+    if (!paragraph) {
+        QTextList *list = block.textList();
+        const int indent = list ? RtfLists::indentOf(*list) : 0;
+        paragraph = {rtfParagraphWords(block.blockFormat(), indent, m_tables), list};
     }
-    const QString told = format.stringProperty(FontName);
-    const QString name =
-        !told.isEmpty() && familyOfFontName(told) == family ? told : fontNameOfFamily(family);
-    const auto known = m_fontNumbers.constFind(name);
-    if (known != m_fontNumbers.constEnd()) {
-        return *known;
-    }
-    const int number = int(m_fontNames.size());
-    m_fontNames.append(name);
-    m_fontNumbers.insert(name, number);
-    return number;
+    return *paragraph;
 }
 
-int RtfWriter::colourNumber(const QTextCharFormat &format)
+bool RtfWriter::saysNothing(const QTextBlock &block)
 {
-    const QBrush brush = format.foreground();
-    if (brush.style() == Qt::NoBrush || brush.color() == QColor(Qt::black)) {
-        return 0;
-    }
-    const QRgb colour = brush.color().rgba();
-    if (colour == qRgb(255, 255, 255)) {
-        return whiteNumber;
-    }
-    const auto known = m_colourNumbers.constFind(colour);
-    if (known != m_colourNumbers.constEnd()) {
-        return *known;
-    }
-    const int number = firstFreeColour + int(m_colours.size());
-    m_colours.push_back(colour);
-    m_colourNumbers.insert(colour, number);
-    return number;
+    const Paragraph &paragraph = paragraphOf(block);
+    return block.begin().atEnd() && !paragraph.list
+        && paragraph.words == rtfParagraphWords(QTextBlockFormat(), 0, m_tables)
+        && styleOf(block.charFormatIndex(), block.charFormat()).look.isEmpty();
 }
 
 } // namespace quorvane

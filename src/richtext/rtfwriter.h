@@ -1,60 +1,108 @@
 #pragma once
 
-#include "richtext/rtfsink.h"
+#include "richtext/rtfescape.h"
+#include "richtext/rtflists.h"
+#include "richtext/rtflook.h"
+#include "richtext/rtfwritertables.h"
 
 #include <QByteArray>
-#include <QColor>
 #include <QHash>
 #include <QSet>
-#include <QStringList>
+#include <QTextFrame>
 
+#include <memory>
+#include <optional>
 #include <vector>
 
 class QTextBlock;
-class QTextBlockFormat;
 class QTextCharFormat;
 class QTextDocument;
 class QTextFragment;
+class QTextList;
+class QTextTable;
 
 namespace quorvane {
 
-/// Writes a document's text as 7-bit RTF, the placeholder of attachments apart. Cells of tables and
-/// items of lists become paragraphs.
+/// Writes a document's text as RTF in the platform's dialect, 7-bit but for the placeholder of
+/// attachments. In linear time, but for what is nested deeper than anybody can read: there cells
+/// become paragraphs.
 class RtfWriter final
 {
 public:
+    enum class Form {
+        BesideFiles, ///< Attachments are named; their files stand beside the text.
+        Alone, ///< Images stand in the text, other attachments are left out.
+    };
+
     /// \a document outlives the writer.
-    explicit RtfWriter(const QTextDocument &document)
-        : m_document(document)
-    { }
+    explicit RtfWriter(const QTextDocument &document, Form form = Form::BesideFiles);
+
+    /// Names to write in place of those that the attachments have.
+    void renameAttachments(const QHash<QString, QString> &names) { m_newNames = names; }
 
     QByteArray write();
 
-    /// The names of the attachments that write() has met.
+    /// The names of the attachments that write() has met, as they are in the document.
     const QSet<QString> &attachmentNames() const { return m_attachmentNames; }
 
 private:
-    void writeBlock(const QTextBlock &block, bool isLast);
+    /// What a character format comes to.
+    struct Style
+    {
+        RtfLook look;
+        QString link;
+        bool isText = true; ///< No objects and no stand-ins among its characters.
+    };
+
+    /// What a block format comes to.
+    struct Paragraph
+    {
+        QByteArray words;
+        QTextList *list = nullptr;
+    };
+
+    void writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &end,
+                    const char *lastEnding);
+    void writeChild(QTextFrame &frame);
+    void writeTable(const QTextTable &table);
+    void writeRow(const QTextTable &table, int row);
+    void writeFlat(const QTextFrame &frame);
+    void writeBlock(const QTextBlock &block, const char *ending);
+    void writeListMarker(const QTextBlock &block, const QByteArray &marker);
     void writeFragment(const QTextFragment &fragment);
+    void writeObjects(const QTextFragment &fragment, const QTextCharFormat &format);
     void writeAttachment(const QTextCharFormat &format);
-    void switchParagraph(const QTextBlockFormat &format);
-    void switchTo(const RtfCharacter &look);
-    RtfCharacter lookOf(int index, const QTextCharFormat &format);
-    int fontNumber(const QTextCharFormat &format);
-    int colourNumber(const QTextCharFormat &format);
+    bool writeImage(const QTextCharFormat &format);
+    void openLink(const QString &address);
+    void closeLink();
+    void switchParagraph(const QByteArray &words, const QByteArray &listPlace);
+    void switchTo(const RtfLook &look);
+    const Style &styleOf(int index, const QTextCharFormat &format);
+    const Paragraph &paragraphOf(const QTextBlock &block);
+    bool saysNothing(const QTextBlock &block);
     QByteArray head() const;
+    QByteArray documentWords();
 
     const QTextDocument &m_document;
+    Form m_form;
+    RtfEscaper::Fallback m_fallback;
+    QHash<QString, QString> m_newNames;
     QByteArray m_body;
-    QByteArray m_paragraphWords;
+    RtfWriterTables m_tables;
+    RtfLists m_lists;
+
+    int m_nesting = 0; ///< Of frames and tables.
+    int m_depth = 0; ///< Of tables.
+    QByteArray m_paragraph; ///< The words of the present paragraph.
     bool m_hasParagraph = false;
-    RtfCharacter m_look;
+    std::vector<std::optional<Paragraph>> m_paragraphs; ///< By block format.
+    std::vector<std::unique_ptr<Style>> m_styles; ///< By character format.
+    const RtfLook m_noLook;
+    const RtfLook *m_look = &m_noLook;
     bool m_hasLook = false;
-    QHash<int, RtfCharacter> m_looks;
-    QHash<QString, int> m_fontNumbers;
-    QStringList m_fontNames;
-    QHash<QRgb, int> m_colourNumbers;
-    std::vector<QRgb> m_colours;
+    QString m_link;
+    const RtfLook *m_lookBeforeLink = &m_noLook;
+    bool m_hadLookBeforeLink = false;
     QSet<QString> m_attachmentNames;
 };
 

@@ -1,0 +1,231 @@
+#include "richtext/rtflists.h"
+
+#include "richtext/textproperties.h"
+
+#include <QTextList>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+
+constexpr int deepestIndent = 9; // RTF 1.9.1: nine levels.
+constexpr int firstListId = 1;
+constexpr int templateBase = 100; // Identifiers of levels that no other list has.
+constexpr qsizetype longestLevelText = 120;
+
+struct Style
+{
+    QTextListFormat::Style style;
+    int number; ///< \levelnfc.
+    char16_t bullet;
+    const char *marker; ///< The platform's name.
+};
+
+constexpr std::array styles {
+    Style {QTextListFormat::ListDisc, 23, u'\u2022', "disc"},
+    Style {QTextListFormat::ListCircle, 23, u'\u25e6', "circle"},
+    Style {QTextListFormat::ListSquare, 23, u'\u25aa', "square"},
+    Style {QTextListFormat::ListDecimal, 0, 0, "decimal"},
+    Style {QTextListFormat::ListUpperRoman, 1, 0, "upper-roman"},
+    Style {QTextListFormat::ListLowerRoman, 2, 0, "lower-roman"},
+    Style {QTextListFormat::ListUpperAlpha, 3, 0, "upper-alpha"},
+    Style {QTextListFormat::ListLowerAlpha, 4, 0, "lower-alpha"},
+    Style {QTextListFormat::ListStyleUndefined, 255, 0, nullptr},
+};
+
+const Style &styleOf(const QTextListFormat &format)
+{
+    const auto *found = std::find_if(styles.begin(), styles.end(), [&](const Style &style) {
+        return style.style == format.style();
+    });
+    return found != styles.end() ? *found : styles.back();
+}
+
+QString alphabetic(int number)
+{
+    QString text;
+    for (; number > 0; number = (number - 1) / 26) {
+        text.prepend(QChar(u'a' + (number - 1) % 26));
+    }
+    return text;
+}
+
+QString roman(int number)
+{
+    constexpr std::pair<int, QLatin1StringView> digits[] = {
+        {1000, "m"_L1}, {900, "cm"_L1}, {500, "d"_L1}, {400, "cd"_L1}, {100, "c"_L1},
+        {90, "xc"_L1},  {50, "l"_L1},   {40, "xl"_L1}, {10, "x"_L1},   {9, "ix"_L1},
+        {5, "v"_L1},    {4, "iv"_L1},   {1, "i"_L1}};
+    if (number <= 0 || number > 4999) {
+        return QString::number(number);
+    }
+    QString text;
+    for (const auto &[value, digit] : digits) {
+        for (; number >= value; number -= value) {
+            text += digit;
+        }
+    }
+    return text;
+}
+
+QString numberText(const Style &style, int number)
+{
+    switch (style.style) {
+    case QTextListFormat::ListLowerAlpha:
+        return alphabetic(number);
+    case QTextListFormat::ListUpperAlpha:
+        return alphabetic(number).toUpper();
+    case QTextListFormat::ListLowerRoman:
+        return roman(number);
+    case QTextListFormat::ListUpperRoman:
+        return roman(number).toUpper();
+    case QTextListFormat::ListDecimal:
+        return QString::number(number);
+    default:
+        return {};
+    }
+}
+
+QString bulletOf(const QTextListFormat &format, const Style &style)
+{
+    const QString own = format.stringProperty(ListMarker);
+    if (!own.isEmpty() && style.style == QTextListFormat::ListDisc) {
+        return own.left(longestLevelText);
+    }
+    return style.bullet ? QString(QChar(style.bullet)) : QString();
+}
+
+bool isNumbered(const Style &style)
+{
+    return style.number < 23;
+}
+
+/// The text of a level, with the units 0 to 8 in place of the levels' numbers.
+QString levelText(const QTextListFormat &format, const Style &style, int level)
+{
+    if (!isNumbered(style)) {
+        return bulletOf(format, style);
+    }
+    const QString own = format.stringProperty(ListLevelText);
+    if (!own.isEmpty()) {
+        return own.left(longestLevelText);
+    }
+    return format.numberPrefix().left(longestLevelText) + QChar(level)
+        + format.numberSuffix().left(longestLevelText);
+}
+
+int startOf(const QTextListFormat &format)
+{
+    return format.hasProperty(ListStart) ? format.intProperty(ListStart) : 1;
+}
+
+void appendByte(QByteArray &out, qsizetype byte)
+{
+    out += "\\'" + QByteArray::number(byte, 16).rightJustified(2, '0');
+}
+
+/// The platform's own description, which says more of bullets.
+QByteArray markerWords(const QTextListFormat &format, const Style &style,
+                       RtfEscaper::Fallback fallback)
+{
+    if (!style.marker) {
+        return {};
+    }
+    QByteArray words = "{\\*\\levelmarker ";
+    if (!isNumbered(style)) {
+        const QString own = format.stringProperty(ListMarker);
+        const QByteArray name = own == u"\u2043"_s ? QByteArray("hyphen") : style.marker;
+        return words + "\\{" + name + "\\}}";
+    }
+    RtfEscaper escaper(words, fallback);
+    escaper.text(format.numberPrefix().left(longestLevelText));
+    words += "\\{" + QByteArray(style.marker) + "\\}";
+    escaper.text(format.numberSuffix().left(longestLevelText));
+    return words + '}';
+}
+
+} // namespace
+
+int RtfLists::indentOf(const QTextList &list)
+{
+    return std::clamp(list.format().indent(), 1, deepestIndent);
+}
+
+RtfLists::Item RtfLists::nextItem(const QTextList &list)
+{
+    const QTextListFormat format = list.format();
+    auto known = m_known.find(&list);
+    if (known == m_known.end()) {
+        const int number = int(m_definitions.size()) + firstListId;
+        m_definitions.push_back(definition(format, number));
+        known = m_known.insert(&list, {number});
+    }
+    const Style &style = styleOf(format);
+    const int number = startOf(format) + known->items++;
+    Item item;
+    item.place = rtfWord("ls", known->number) + rtfWord("ilvl", indentOf(list) - 1);
+    item.marker = "{\\listtext\t";
+    RtfEscaper escaper(item.marker, m_fallback);
+    if (isNumbered(style)) {
+        escaper.text(format.numberPrefix() + numberText(style, number) + format.numberSuffix());
+    } else {
+        escaper.text(bulletOf(format, style));
+    }
+    item.marker += "\t}";
+    return item;
+}
+
+/// One list; the levels above the one that is used look like it.
+QByteArray RtfLists::definition(const QTextListFormat &format, int number) const
+{
+    const Style &style = styleOf(format);
+    const int indent = std::clamp(format.indent(), 1, deepestIndent);
+    QByteArray out = rtfWord("listtemplateid", number) + "\\listhybrid";
+    for (int level = 0; level < indent; ++level) {
+        out += "{\\listlevel" + rtfWord("levelnfc", style.number)
+            + rtfWord("levelnfcn", style.number) + "\\leveljc0\\leveljcn0\\levelfollow0"
+            + rtfWord("levelstartat", startOf(format)) + "\\levelspace360\\levelindent0";
+        out += markerWords(format, style, m_fallback);
+        out += "{\\leveltext" + rtfWord("leveltemplateid", number * templateBase + level);
+        const QString text = levelText(format, style, level);
+        appendByte(out, text.size());
+        QByteArray numbers;
+        RtfEscaper escaper(out, m_fallback);
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            if (isNumbered(style) && text[i] <= QChar(deepestIndent - 1)) {
+                appendByte(out, text[i].unicode());
+                appendByte(numbers, i + 1);
+            } else {
+                escaper.name(QStringView(text).sliced(i, 1));
+            }
+        }
+        out += ";}{\\levelnumbers" + numbers + ";}";
+        const int left = (level + 1) * listLevelIndent;
+        out += "\\fi-360" + rtfWord("li", left) + rtfWord("lin", left) + " }";
+    }
+    return out;
+}
+
+QByteArray RtfLists::tables() const
+{
+    if (m_definitions.empty()) {
+        return {};
+    }
+    QByteArray lists = "{\\*\\listtable";
+    QByteArray overrides = "}\n{\\*\\listoverridetable";
+    for (std::size_t i = 0; i < m_definitions.size(); ++i) {
+        const int number = int(i) + firstListId;
+        lists += "{\\list" + m_definitions[i] + "{\\listname ;}" + rtfWord("listid", number) + '}';
+        overrides += "{\\listoverride" + rtfWord("listid", number) + "\\listoverridecount0"
+            + rtfWord("ls", number) + '}';
+        lists += i + 1 < m_definitions.size() ? "\n" : "";
+    }
+    return lists + overrides + "}\n";
+}
+
+} // namespace quorvane
