@@ -24,6 +24,7 @@ ROOMS = {
     "document": (BELOW | {"product", "crypto"}, CORE, set()),
     "update": (BELOW | {"product", "crypto"}, CORE, set()),
     "richtext": (BELOW, GUI, set()),
+    "cli": (BELOW | {"product", "crypto", "document", "richtext"}, GUI, set()),
     "editor": (BELOW | {"product", "document", "richtext"}, WIDGETS, set()),
     "shell": (BELOW | {"product", "crypto", "document", "update", "richtext", "editor"},
               WIDGETS, set()),
