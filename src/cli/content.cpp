@@ -23,8 +23,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void sayNothing(QtMsgType, const QMessageLogContext &, const QString &)
-{ }
+/// What the toolkit thinks of locale and fonts is not told; why it ends the program is.
+void tellOnlyTheEnd(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtFatalMsg) {
+        complain(message);
+    }
+}
 
 /// A text document needs fonts, and these an application; it is made where one is needed, and needs
 /// no display.
@@ -37,7 +42,7 @@ void needApplication()
         return;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(sayNothing); // what the toolkit thinks of locale and fonts
+    qInstallMessageHandler(tellOnlyTheEnd);
     static const QGuiApplication application(count, arguments);
 }
 

@@ -103,6 +103,11 @@ Result<std::unique_ptr<StoredDocument>> StoredDocument::load(const QString &path
                      .arg(file->appversion)
                      .arg(currentFormatVersion)}};
     }
+    // Another program's archive reads like a document without anything in it. To save that as one
+    // would be its end.
+    if (familyOf(file->appversion) == FormatFamily::Unlisted && !file->textData) {
+        return {std::nullopt, noDocument};
+    }
     document->m_file = *std::move(file);
     if (!document->m_document.readFromData(document->m_bytes)) {
         return {std::nullopt, noDocument};

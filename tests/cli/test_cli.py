@@ -19,7 +19,7 @@ from terminal import Terminal
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests" / "independent"))
 from quorvane_make import (AES_CURRENT, AES_FIRST, BLOWFISH_EARLY, BLOWFISH_WINDOW, Recipe,  # noqa: E402
-                           flat_rtfd, make, rtf)
+                           archive, flat_rtfd, make, rtf)
 from vectors import all_vectors  # noqa: E402
 
 PROGRAM = None
@@ -189,6 +189,7 @@ class Writing(Case):
         bad = {self.file("wrong.quorvane", version=10600, password="another"): WRONG,
                self.file("no document.quorvane", "text"): UNREADABLE,
                self.file("newer.quorvane", version=20401): NEWER,
+               self.file("of another program", archive({"NSWindowFrame": "0 0 1 1"})): UNREADABLE,
                # Opens with this password, as one in 256 does with a wrong one.
                self.file("noise.quorvane", version=10603, body=b"\x93\x00noise\xff"): WRONG}
         untouched = {path: path.read_bytes() for path in bad}
@@ -334,6 +335,19 @@ class AtATerminal(Case):
         self.assertEqual(self.body_of(path, password), BODY)
         current = Terminal(PROGRAM, "migrate", path)  # asks nothing
         self.assertEqual(current.end(), DONE)
+
+    def test_anInterruptedMigrationLeavesEachDocumentWhole(self):
+        files = [self.file(f"{number}.quorvane", version=1400) for number in range(40)]
+        terminal = Terminal(PROGRAM, "migrate", *files)
+        terminal.answer("Password of the documents: ", PASSWORD)
+        terminal.expect("] 1/40")
+        terminal.type("\x03")
+        self.assertEqual(terminal.end(), -signal.SIGINT)
+        self.assertEqual(sorted(self.folder.iterdir()), sorted(files))
+        versions = [self.info(path)["version"] for path in files]
+        self.assertTrue({20400} <= set(versions) <= {1400, 20400}, versions)
+        for path in files:
+            self.assertEqual(self.body_of(path), BODY)
 
     def test_anInterruptFindsTheTerminalAsItWas(self):
         terminal = Terminal(PROGRAM, "cat", self.file("a.quorvane"))

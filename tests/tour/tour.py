@@ -18,6 +18,9 @@ from desktop import Desktop
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 DECRYPT = ROOT / "contrib" / "quorvane-decrypt.py"
+sys.path.append(str(ROOT / "tests" / "independent"))
+from quorvane_make import (AES_CURRENT, AES_FIRST, BLOWFISH_EARLY, BLOWFISH_WINDOW, Recipe,
+                           flat_rtfd, make, rtf)
 
 
 class Names:
@@ -44,6 +47,8 @@ WORDS = (PLAIN, BOLD, ITALIC, UNDERLINED, SERIF)
 TEXT = " ".join(WORDS)
 UNSAVED = " foghorn"
 FAMILY, SIZE = "DejaVu Serif", "24"
+OLD_PASSWORD = "an old secret"
+VERSIONS = BLOWFISH_EARLY + BLOWFISH_WINDOW + AES_FIRST + AES_CURRENT
 
 STATIONS = []
 
@@ -74,6 +79,7 @@ class Tour:
         self.text = TEXT
         self.editor_size = None
         self.locked_size = None
+        self.old = []  # documents of old versions, once they were migrated
 
     def start(self, *files):
         self.screen.program = self.desktop.spawn(
@@ -271,6 +277,41 @@ def a_script_reads_the_file(tour):
     must(answer.stdout.decode().strip() == tour.text, f"{DECRYPT.name} found: {answer.stdout.decode()}")
 
 
+@station("old-documents-migrated")
+def a_folder_of_old_documents_is_migrated(tour):
+    """One of each version that was ever written, made by another hand, by one command."""
+    folder = tour.output / "tour.old"
+    folder.mkdir(exist_ok=True)
+    old = []
+    for version in VERSIONS:
+        old.append(folder / f"{version}.quorvane")
+        old[-1].write_bytes(make(Recipe(password=OLD_PASSWORD, version=version, seed=str(version),
+                                        body=flat_rtfd({"TXT.rtf": rtf(f"from {version}")}))))
+    secret = tour.desktop.home / "secret"
+    secret.write_text(OLD_PASSWORD)
+    answer = subprocess.run(
+        [tour.executable.with_name("quorvane-cli"), "migrate", "--password-file", secret, *old],
+        timeout=300, capture_output=True, check=False, text=True)
+    secret.unlink()
+    must(answer.returncode == 0, f"migrate ended with {answer.returncode}: {answer.stderr}")
+    must(answer.stdout.count("migrated") == len(old) - 1 and answer.stdout.count("current") == 1,
+         f"migrate told: {answer.stdout}")
+    tour.old = old
+
+
+@station("each-of-them-opens")
+def each_migrated_document_opens_in_its_window(tour):
+    for path in tour.old:
+        if tour.screen.program:
+            tour.screen.keys("ctrl+w")
+            tour.quit()
+        tour.start(path)
+        tour.unlock(OLD_PASSWORD)
+        editor = tour.editor()
+        tour.screen.wait(f"the text of {path.name}",
+                         lambda editor=editor, path=path: editor.text.strip() == f"from {path.stem}")
+
+
 @station("nothing-in-the-clear")
 def nothing_else_holds_the_text(tour):
     """Settings, caches, temporary files, recent entries: none may tell a word or the password."""
@@ -318,8 +359,10 @@ def main():
         print(f"tour: there is no program at {program}", file=sys.stderr)
         return 2
     output.mkdir(parents=True, exist_ok=True)
-    for old in (*output.glob("[0-9][0-9]-*.png"), *output.glob("tour.*")):
-        old.unlink()
+    for old in (*output.glob("[0-9][0-9]-*.png"), *output.glob("tour.*"),
+                *output.glob("tour.*/*.quorvane")):
+        if old.is_file():
+            old.unlink()
     with Desktop() as desktop:
         from screen import Screen  # Reads the environment when it is loaded.
         return go(Tour(desktop, Screen(), program, output))
