@@ -16,7 +16,8 @@ namespace {
 constexpr int deepestIndent = 9; // RTF 1.9.1: nine levels.
 constexpr int firstListId = 1;
 constexpr int templateBase = 100; // Identifiers of levels that no other list has.
-constexpr qsizetype longestLevelText = 120;
+constexpr qsizetype longestLevelText = 60;
+constexpr qsizetype longestAffix = 29;
 
 struct Style
 {
@@ -73,9 +74,9 @@ QString roman(int number)
     return text;
 }
 
-QString numberText(const Style &style, int number)
+QString numberText(QTextListFormat::Style style, int number)
 {
-    switch (style.style) {
+    switch (style) {
     case QTextListFormat::ListLowerAlpha:
         return alphabetic(number);
     case QTextListFormat::ListUpperAlpha:
@@ -100,6 +101,12 @@ QString bulletOf(const QTextListFormat &format, const Style &style)
     return style.bullet ? QString(QChar(style.bullet)) : QString();
 }
 
+/// As the toolkit shows it.
+QString suffixOf(const QTextListFormat &format)
+{
+    return format.hasProperty(QTextFormat::ListNumberSuffix) ? format.numberSuffix() : u"."_s;
+}
+
 bool isNumbered(const Style &style)
 {
     return style.number < 23;
@@ -115,8 +122,8 @@ QString levelText(const QTextListFormat &format, const Style &style, int level)
     if (!own.isEmpty()) {
         return own.left(longestLevelText);
     }
-    return format.numberPrefix().left(longestLevelText) + QChar(level)
-        + format.numberSuffix().left(longestLevelText);
+    return format.numberPrefix().left(longestAffix) + QChar(level)
+        + suffixOf(format).left(longestAffix);
 }
 
 int startOf(const QTextListFormat &format)
@@ -143,9 +150,9 @@ QByteArray markerWords(const QTextListFormat &format, const Style &style,
         return words + "\\{" + name + "\\}}";
     }
     RtfEscaper escaper(words, fallback);
-    escaper.text(format.numberPrefix().left(longestLevelText));
+    escaper.text(format.numberPrefix().left(longestAffix));
     words += "\\{" + QByteArray(style.marker) + "\\}";
-    escaper.text(format.numberSuffix().left(longestLevelText));
+    escaper.text(suffixOf(format).left(longestAffix));
     return words + '}';
 }
 
@@ -156,28 +163,41 @@ int RtfLists::indentOf(const QTextList &list)
     return std::clamp(list.format().indent(), 1, deepestIndent);
 }
 
-RtfLists::Item RtfLists::nextItem(const QTextList &list)
+RtfLists::Known &RtfLists::known(const QTextList &list)
 {
-    const QTextListFormat format = list.format();
     auto known = m_known.find(&list);
     if (known == m_known.end()) {
-        const int number = int(m_definitions.size()) + firstListId;
-        m_definitions.push_back(definition(format, number));
-        known = m_known.insert(&list, {number});
+        known = m_known.insert(&list, makeKnown(list.format()));
     }
+    return *known;
+}
+
+RtfLists::Known RtfLists::makeKnown(const QTextListFormat &format)
+{
+    const int number = int(m_definitions.size()) + firstListId;
+    m_definitions.push_back(definition(format, number));
     const Style &style = styleOf(format);
-    const int number = startOf(format) + known->items++;
-    Item item;
-    item.place = rtfWord("ls", known->number) + rtfWord("ilvl", indentOf(list) - 1);
-    item.marker = "{\\listtext\t";
-    RtfEscaper escaper(item.marker, m_fallback);
+    const int level = std::clamp(format.indent(), 1, deepestIndent) - 1;
+    Known known {rtfWord("ls", number) + rtfWord("ilvl", level),
+                 "{\\listtext\t",
+                 {},
+                 int(style.style),
+                 startOf(format)};
+    RtfEscaper(known.beforeNumber, m_fallback)
+        .text(isNumbered(style) ? format.numberPrefix() : bulletOf(format, style));
     if (isNumbered(style)) {
-        escaper.text(format.numberPrefix() + numberText(style, number) + format.numberSuffix());
-    } else {
-        escaper.text(bulletOf(format, style));
+        RtfEscaper(known.behindNumber, m_fallback).text(suffixOf(format));
     }
-    item.marker += "\t}";
-    return item;
+    known.behindNumber += "\t}";
+    return known;
+}
+
+void RtfLists::appendMarker(QByteArray &out, const QTextList &list)
+{
+    Known &known = this->known(list);
+    out += known.beforeNumber;
+    out += numberText(QTextListFormat::Style(known.style), known.next++).toLatin1();
+    out += known.behindNumber;
 }
 
 /// One list; the levels above the one that is used look like it.

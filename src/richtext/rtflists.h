@@ -21,13 +21,11 @@ public:
         : m_fallback(fallback)
     { }
 
-    struct Item
-    {
-        QByteArray place; ///< "\ls1\ilvl0".
-        QByteArray marker; ///< The group that readers show who know no lists.
-    };
+    /// "\ls1\ilvl0".
+    const QByteArray &placeIn(const QTextList &list) { return known(list).place; }
 
-    Item nextItem(const QTextList &list);
+    /// The group that readers show who know no lists, for the next item of the list.
+    void appendMarker(QByteArray &out, const QTextList &list);
 
     /// The tables of lists; nothing where there is none.
     QByteArray tables() const;
@@ -38,9 +36,15 @@ public:
 private:
     struct Known
     {
-        int number;
-        int items = 0;
+        QByteArray place;
+        QByteArray beforeNumber; ///< Of the marker; all of it where there is no number.
+        QByteArray behindNumber;
+        int style; ///< Of QTextListFormat.
+        int next; ///< The number of the next item.
     };
+
+    Known &known(const QTextList &list);
+    Known makeKnown(const QTextListFormat &format);
 
     QByteArray definition(const QTextListFormat &format, int number) const;
 

@@ -64,7 +64,9 @@ QByteArray underlineWord(const QTextCharFormat &format)
 
 bool looksAsLink(const QTextCharFormat &format)
 {
-    return format.boolProperty(LinkLook) && !format.anchorHref().isEmpty();
+    return format.boolProperty(LinkLook) && !format.anchorHref().isEmpty()
+        && format.foreground().color().rgba() == linkColour
+        && format.underlineStyle() == QTextCharFormat::SingleUnderline;
 }
 
 } // namespace
@@ -74,7 +76,8 @@ const RtfLook::Ending RtfLook::endings[] = {
     {Italic, "\\i0"},
     {Bold, "\\b0"},
     {Colour, "\\cf0"},
-    {Highlight, "\\cb1"}, // White there is no highlight: one that is white has a number of its own.
+    // White is no highlight there: one that is white has a number of its own.
+    {Highlight, "\\cb1"},
     {Spacing, "\\kerning1\\expnd0\\expndtw0"},
     {Underline, "\\ulnone"},
     {UnderlineColour, "\\ulc0"},
@@ -84,22 +87,32 @@ const RtfLook::Ending RtfLook::endings[] = {
     {Capitals, "\\caps0\\scaps0"},
 };
 
-RtfLook::RtfLook(const QTextCharFormat &format, RtfWriterTables &tables)
+RtfLook::RtfLook(const QTextCharFormat &format, RtfWriterTables &tables, Dialect dialect)
 {
-    takeFont(format, tables);
     const bool isLink = looksAsLink(format);
-    const QBrush foreground = format.foreground();
-    if (foreground.style() != Qt::NoBrush && !(isLink && foreground.color().rgba() == linkColour)) {
-        const int number = tables.textColourNumber(foreground.color());
-        m_words[Colour] = number > 0 ? rtfWord("cf", number) : QByteArray();
-    }
-    if (const int number = tables.colourNumber(format.background())) {
-        m_words[Highlight] = rtfWord("cb", number);
-    }
+    takeFont(format, tables);
+    takeColours(format, tables, isLink, dialect);
     takeLines(format, tables, isLink);
     takePlace(format);
     takeSpacing(format);
     m_words[Carried] = tables.withNumbers(format.property(CharacterWords).toByteArray());
+}
+
+void RtfLook::takeColours(const QTextCharFormat &format, RtfWriterTables &tables, bool looksAsLink,
+                          Dialect dialect)
+{
+    const QBrush foreground = format.foreground();
+    if (foreground.style() != Qt::NoBrush && !looksAsLink) {
+        const int number = tables.textColourNumber(foreground.color());
+        m_words[Colour] = number > 0 ? rtfWord("cf", number) : QByteArray();
+    }
+    const int number = tables.colourNumber(format.background());
+    if (number > 0 && dialect == Dialect::Common) {
+        m_words[Highlight] = rtfWord("chcbpat", number);
+    }
+    if (number > 0) {
+        appendWord(m_words[Highlight], "cb", number);
+    }
 }
 
 void RtfLook::takeFont(const QTextCharFormat &format, RtfWriterTables &tables)
@@ -123,9 +136,7 @@ void RtfLook::takeFont(const QTextCharFormat &format, RtfWriterTables &tables)
 
 void RtfLook::takeLines(const QTextCharFormat &format, RtfWriterTables &tables, bool looksAsLink)
 {
-    const bool isOfLink =
-        looksAsLink && format.underlineStyle() == QTextCharFormat::SingleUnderline;
-    m_words[Underline] = isOfLink ? QByteArray() : underlineWord(format);
+    m_words[Underline] = looksAsLink ? QByteArray() : underlineWord(format);
     const QColor lineColour = format.underlineColor();
     if (!m_words[Underline].isEmpty() && lineColour.isValid()) {
         m_words[UnderlineColour] = rtfWord("ulc", tables.colourNumber(lineColour));
@@ -201,6 +212,9 @@ void RtfLook::appendChange(QByteArray &out, const RtfLook &to, bool isFirst) con
         const QByteArray &words = to.m_words[std::size_t(slot)];
         if (ending != std::end(endings) && (words.isEmpty() || (isToggle && !former.isEmpty()))) {
             out += ending->words;
+        }
+        if (slot == Highlight && words.isEmpty() && former.startsWith("\\chcbpat")) {
+            out += "\\chcbpat0";
         }
         out += words;
     };

@@ -15,7 +15,12 @@ class RtfLook final
 {
 public:
     RtfLook() = default;
-    RtfLook(const QTextCharFormat &format, RtfWriterTables &tables);
+    enum class Dialect {
+        Platform, ///< Only what the platform itself writes.
+        Common, ///< Says twice what others know by another word.
+    };
+
+    RtfLook(const QTextCharFormat &format, RtfWriterTables &tables, Dialect dialect);
 
     bool operator==(const RtfLook &) const = default;
 
@@ -53,6 +58,8 @@ private:
     static const Ending endings[];
 
     void takeFont(const QTextCharFormat &format, RtfWriterTables &tables);
+    void takeColours(const QTextCharFormat &format, RtfWriterTables &tables, bool looksAsLink,
+                     Dialect dialect);
     void takeLines(const QTextCharFormat &format, RtfWriterTables &tables, bool looksAsLink);
     void takePlace(const QTextCharFormat &format);
     void takeSpacing(const QTextCharFormat &format);

@@ -1,6 +1,7 @@
 #include "richtext/rtfreader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorvane {
 
@@ -9,6 +10,7 @@ namespace {
 constexpr std::size_t deepest = 65536; // Real files reach a few thousand.
 constexpr int utf8Page = 65001;
 constexpr uchar placeholder = 0xac;
+constexpr qsizetype longestName = 64; // Of a style.
 constexpr qsizetype longestRun = 1 << 20; // Keeps the buffer small where no format changes.
 
 bool isAscii(QByteArrayView bytes)
@@ -26,6 +28,7 @@ RtfReader::RtfReader(QByteArrayView rtf, RtfSink &sink)
     : m_rtf(rtf)
     , m_tokenizer(rtf)
     , m_sink(sink)
+    , m_wantsFormats(sink.wantsFormats())
 { }
 
 void RtfReader::read()
@@ -53,9 +56,13 @@ void RtfReader::run()
     m_skippedGroups = 0;
     flushBytes();
     flushText();
-    if (m_state.destination == Destination::Graphic) {
-        endGraphic();
+    // What the end of the bytes has cut off is there as far as it goes.
+    const Destination left = m_state.destination;
+    if (left == Destination::Graphic || left == Destination::Picture) {
+        m_state.destination = Destination::Body;
+        endDestination(left);
     }
+    settleLabel();
 }
 
 void RtfReader::readAsides()
@@ -71,7 +78,8 @@ void RtfReader::readAsides()
     for (const Aside &aside : m_asides) {
         m_stack.clear();
         m_unsavedGroups = 0;
-        m_pendingCells = 0;
+        m_asideCells = 0;
+        m_asideFootnote = aside.footnote;
         m_state = aside.state;
         m_isEnded = false;
         m_rewoundUntil = 0;
@@ -104,6 +112,9 @@ void RtfReader::handle(const RtfToken &token)
         break;
     case RtfToken::Kind::Text:
         text(token.text);
+        break;
+    case RtfToken::Kind::Binary:
+        binary(token.text);
         break;
     case RtfToken::Kind::End:
         break;
@@ -144,6 +155,11 @@ void RtfReader::startGroup()
     }
     m_stack.push_back(m_state);
     m_state.alternative = Alternative::None;
+    if (m_state.destination == Destination::Styles && ++m_state.styleDepth == 1) {
+        m_state.character = RtfCharacter();
+        m_state.paragraph = RtfParagraph();
+        m_style = StyleHead();
+    }
     if (isOld) {
         skipGroup();
     }
@@ -177,19 +193,45 @@ void RtfReader::endGroup()
     }
     flushText();
     const Destination left = m_state.destination;
+    if (left == Destination::Styles && m_state.styleDepth == 1) {
+        endStyle();
+    }
     m_state = std::move(m_stack.back());
     m_stack.pop_back();
     if (left == Destination::Fonts) {
         m_tableReader.endFont();
     }
-    if (left == m_state.destination) {
-        return;
+    if (left != m_state.destination) {
+        endDestination(left);
     }
-    if (left == Destination::Graphic) {
+}
+
+void RtfReader::endDestination(Destination left)
+{
+    switch (left) {
+    case Destination::Graphic:
         endGraphic();
-    } else {
+        break;
+    case Destination::Picture:
+        endPicture();
+        break;
+    case Destination::FieldInstruction:
+        endField();
+        break;
+    case Destination::OldList:
+        m_state.paragraph.list = m_listReader.endOld();
+        m_state.paragraph.level = uchar(m_listReader.oldLevel());
+        break;
+    case Destination::Fonts:
+    case Destination::Colours:
+    case Destination::ExpandedColours:
+    case Destination::Styles:
+    case Destination::ListOverrides:
         m_state.codePage = m_tables.codePageOfFont(m_state.character.font);
         m_sink.tablesChanged();
+        break;
+    default:
+        break;
     }
 }
 
@@ -209,12 +251,27 @@ void RtfReader::endGraphic()
     if (m_attachment.name.endsWith(u' ')) {
         m_attachment.name.chop(1);
     }
-    m_state.destination = Destination::Body;
-    if (takesText()) {
+    if (m_state.destination == Destination::Body && takesText()) {
         flushText();
         m_sink.attachment(m_attachment, m_state.character);
     }
     m_expectsPlaceholder = true;
+}
+
+void RtfReader::endPicture()
+{
+    const std::optional<RtfPicture> picture = m_pictureReader.take();
+    const bool hasPlace =
+        m_state.destination == Destination::Body || m_state.destination == Destination::Silent;
+    if (!picture || !hasPlace) {
+        return;
+    }
+    const Destination outer = std::exchange(m_state.destination, Destination::Body);
+    if (takesText()) {
+        flushText();
+        m_sink.picture(*picture, m_state.character);
+    }
+    m_state.destination = outer;
 }
 
 void RtfReader::symbol(uchar byte)
@@ -262,13 +319,26 @@ void RtfReader::hex(uchar byte)
     }
     if (m_state.destination == Destination::Fonts && byte == ';') {
         unit(byte);
+    } else if (m_state.destination == Destination::LevelText && byte < ' ') {
+        unit(byte); // A place for a number, or the length.
     } else if (takesText()) {
         m_bytes.append(char(byte));
     }
 }
 
+void RtfReader::binary(QByteArrayView bytes)
+{
+    if (m_state.destination == Destination::Picture) {
+        m_pictureReader.binary(bytes);
+    }
+}
+
 void RtfReader::text(QByteArrayView bytes)
 {
+    if (m_state.destination == Destination::Picture) {
+        m_pictureReader.hex(bytes);
+        return;
+    }
     if (m_expectsPlaceholder && uchar(bytes[0]) == placeholder) {
         bytes = bytes.sliced(1);
     }
@@ -319,11 +389,20 @@ void RtfReader::unit(char16_t unit)
     }
 }
 
+void RtfReader::append(QStringView text)
+{
+    if (takesText()) {
+        m_text.append(text);
+    }
+}
+
 /// To be asked before each piece of text; makes true what was waiting for it.
 bool RtfReader::takesText()
 {
     if (m_state.destination != Destination::Body) {
-        return m_state.destination != Destination::Graphic || !m_attachmentIsNamed;
+        return m_state.destination != Destination::Silent
+            && m_state.destination != Destination::Picture
+            && (m_state.destination != Destination::Graphic || !m_attachmentIsNamed);
     }
     if (m_state.deleted) {
         return false;
@@ -332,13 +411,28 @@ bool RtfReader::takesText()
         m_sink.paragraphEnd(m_pendingEnding->paragraph, m_pendingEnding->character);
         m_pendingEnding.reset();
     }
-    if (m_pendingCells > 0) {
+    if (m_asideCells > 0) {
         flushBytes();
-        m_text.append(QString(m_pendingCells, u'\t'));
-        m_pendingCells = 0;
+        m_text.append(QString(m_asideCells, u'\t'));
+        m_asideCells = 0;
     }
+    settleLabel();
     m_paragraphIsEmpty = false;
     return true;
+}
+
+/// A label is text where the paragraph's list is not known: then nothing else shows it.
+void RtfReader::settleLabel()
+{
+    if (m_label.isEmpty()) {
+        return;
+    }
+    const QString label = std::exchange(m_label, QString());
+    if (!m_tables.level(m_state.paragraph)) {
+        flushText();
+        m_sink.text(label, m_state.paragraph, m_labelCharacter);
+        m_paragraphIsEmpty = false;
+    }
 }
 
 void RtfReader::flushBytes()
@@ -374,8 +468,30 @@ void RtfReader::flushText()
     case Destination::ExpandedColours:
         m_tableReader.expandedColourText(m_text);
         break;
+    case Destination::Styles:
+        m_style.name.append(
+            QStringView(m_text).first(std::min(m_text.size(), longestName - m_style.name.size())));
+        break;
+    case Destination::LevelText:
+        m_listReader.levelText(m_text);
+        break;
+    case Destination::FieldInstruction:
+        m_instruction.append(m_text);
+        break;
+    case Destination::Label:
+        m_labelCharacter = m_state.character;
+        m_label.append(m_text);
+        break;
+    case Destination::OldListText:
+        m_listReader.oldText(m_text, m_oldTextPlace);
+        break;
+    case Destination::InfoText:
+        m_tables.info[m_infoWord].append(m_text);
+        break;
     case Destination::Graphic:
         m_attachment.name.append(m_text);
+        break;
+    default:
         break;
     }
     m_text.resize(0);

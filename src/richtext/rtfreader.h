@@ -1,6 +1,9 @@
 #pragma once
 
 #include "richtext/rtfkeywords.h"
+#include "richtext/rtflistreader.h"
+#include "richtext/rtfpicturereader.h"
+#include "richtext/rtfrowreader.h"
 #include "richtext/rtfsink.h"
 #include "richtext/rtftablereader.h"
 #include "richtext/rtftables.h"
@@ -23,8 +26,26 @@ public:
     void read();
 
 private:
-    enum class Destination { Body, Fonts, Colours, ExpandedColours, Graphic };
-    enum class Alternative { None, Expected, Skipped, Taken };
+    enum class Destination : uchar {
+        Body,
+        Fonts,
+        Colours,
+        ExpandedColours,
+        Styles,
+        Lists,
+        ListOverrides,
+        LevelText,
+        FieldInstruction,
+        Picture,
+        Silent, ///< Where text is none, but a picture may be.
+        Label,
+        OldList,
+        OldListText,
+        Info,
+        InfoText,
+        Graphic,
+    };
+    enum class Alternative : uchar { None, Expected, Skipped, Taken };
 
     /// What a group inherits and gives back at its end.
     struct State
@@ -33,10 +54,12 @@ private:
         RtfParagraph paragraph;
         Destination destination = Destination::Body;
         Alternative alternative = Alternative::None; ///< Of the very group, not inherited.
-        qsizetype alternativeStart = 0;
+        bool deleted = false;
+        bool isInField = false;
+        int styleDepth = 0; ///< 1 in the group of a style.
         int fallbackLength = 1;
         int codePage = windowsLatin;
-        bool deleted = false;
+        qsizetype alternativeStart = 0;
     };
 
     /// A group of text beside the text, read after it.
@@ -44,12 +67,21 @@ private:
     {
         qsizetype start; ///< Behind its control word.
         State state;
+        int footnote; ///< Its number, where it is one.
     };
 
     struct Ending
     {
         RtfParagraph paragraph;
         RtfCharacter character;
+    };
+
+    struct StyleHead
+    {
+        int number = 0;
+        bool isOfCharacters = false;
+        int base = -1;
+        QString name;
     };
 
     void run();
@@ -60,34 +92,59 @@ private:
     void startGroup();
     void endGroup();
     void endRoot();
+    void endDestination(Destination left);
     void endGraphic();
+    void endPicture();
+    void endField();
+    void endStyle();
 
     void symbol(uchar byte);
     void hex(uchar byte);
+    void binary(QByteArrayView bytes);
     void text(QByteArrayView bytes);
     void bytes(QByteArrayView bytes);
     void unicode(int number);
     void unit(char16_t unit);
+    void append(QStringView text);
     bool takesText();
+    void settleLabel();
     void flushBytes();
     void flushText();
 
     void word(const RtfToken &token);
-    void destination(RtfAction action);
+    bool keepsStarred(RtfAction action) const;
+    void destination(RtfKeyword keyword, const RtfToken &token);
+    void openDestination(RtfKeyword keyword, const RtfToken &token);
     void tableWord(RtfKeyword keyword, const RtfToken &token);
     void graphicWord(RtfKeyword keyword, const RtfToken &token);
+    void styleWord(RtfKeyword keyword, const RtfToken &token);
     void bodyWord(RtfKeyword keyword, const RtfToken &token);
-    void characterWord(RtfKeyword keyword, const RtfToken &token);
     void headWord(RtfKeyword keyword, const RtfToken &token);
+    void characterWord(RtfKeyword keyword, const RtfToken &token);
+    void lineWord(RtfKeyword keyword, const RtfToken &token);
+    void paragraphWord(RtfKeyword keyword, const RtfToken &token);
+    void lengthWord(RtfKeyword keyword, const RtfToken &token);
+    void tabWord(RtfKeyword keyword, const RtfToken &token);
+    void plainModeWord(RtfKeyword keyword, const RtfToken &token);
+    void rowWord(RtfKeyword keyword, const RtfToken &token);
     void setFont(int number);
-    void carry(const RtfToken &token);
+    void setPlain();
+    void applyStyle(const QHash<int, RtfStyle> &styles, int number);
+    void carryCharacterWord(RtfKeyword keyword, const RtfToken &token);
     void paragraphEnd();
+    void cellEnd(int nesting);
+    void rowEnd(int nesting);
+    void insertFootnoteNumber();
 
     QByteArrayView m_rtf;
     RtfTokenizer m_tokenizer;
     RtfSink &m_sink;
+    const bool m_wantsFormats;
     RtfTables m_tables;
     RtfTableReader m_tableReader {m_tables};
+    RtfListReader m_listReader {m_tables};
+    RtfPictureReader m_pictureReader;
+    RtfRowReader m_rowReader;
     RtfCodePages m_codePages;
     RtfAttachment m_attachment;
     bool m_attachmentIsNamed = false;
@@ -106,11 +163,23 @@ private:
 
     QByteArray m_bytes; ///< Text that waits for its code page.
     QString m_text; ///< Text that waits for a change of format.
-    qsizetype m_pendingCells = 0;
     bool m_paragraphIsEmpty = true;
+
+    RtfTab m_tab; ///< What was said of the next tab stop.
+    bool m_isInBorder = false; ///< Words about borders are about a paragraph's.
+    StyleHead m_style;
+    QString m_label; ///< Waits for what its paragraph will be.
+    RtfCharacter m_labelCharacter;
+    QString m_instruction;
+    QHash<QString, int> m_linkNumbers;
+    QByteArray m_infoWord;
+    int m_oldTextPlace = 0;
 
     std::vector<Aside> m_asides;
     bool m_isInAside = false;
+    int m_asideCells = 0; ///< Cells beside the text become tabs.
+    int m_footnotes = 0;
+    int m_asideFootnote = 0;
     std::optional<Ending> m_pendingEnding; ///< A paragraph's end that comes true with more text.
 };
 

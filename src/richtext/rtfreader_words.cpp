@@ -1,6 +1,10 @@
+#include "richtext/rtfcarriedwords.h"
+#include "richtext/rtfhyperlink.h"
 #include "richtext/rtfreader.h"
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace quorvane {
 
@@ -8,7 +12,6 @@ namespace {
 
 constexpr std::size_t mostAsides = 65536;
 constexpr int longestFallback = 16;
-constexpr qsizetype longestWords = 1024;
 
 } // namespace
 
@@ -23,20 +26,27 @@ void RtfReader::word(const RtfToken &token)
     if (isDestination(keyword.action)) {
         // In the outermost group only a broken file has one that is not at the beginning.
         if (!m_stack.empty() && (m_isFirstInGroup || m_isInAside || m_stack.size() > 1)) {
-            destination(keyword.action);
+            destination(keyword, token);
         }
         return;
     }
-    if (starred) {
+    if (starred && !keepsStarred(keyword.action)) {
         skipGroup();
         return;
     }
     switch (m_state.destination) {
     case Destination::Body:
+    case Destination::Label:
         bodyWord(keyword, token);
         break;
     case Destination::Graphic:
         graphicWord(keyword, token);
+        break;
+    case Destination::Picture:
+        m_pictureReader.word(keyword, token);
+        break;
+    case Destination::Styles:
+        styleWord(keyword, token);
         break;
     default:
         tableWord(keyword, token);
@@ -44,12 +54,21 @@ void RtfReader::word(const RtfToken &token)
     }
 }
 
-void RtfReader::destination(RtfAction action)
+bool RtfReader::keepsStarred(RtfAction action) const
+{
+    return m_state.destination == Destination::Styles
+        && (action == RtfAction::CharacterStyle || action == RtfAction::ParagraphStyle);
+}
+
+void RtfReader::destination(RtfKeyword keyword, const RtfToken &token)
 {
     flushText();
     const bool isInBody = m_state.destination == Destination::Body;
-    switch (action) {
+    switch (keyword.action) {
     case RtfAction::Transparent:
+        break;
+    case RtfAction::Field:
+        m_state.isInField = isInBody;
         break;
     case RtfAction::UnicodeAlternative:
         m_stack.back().alternative = Alternative::Taken;
@@ -61,27 +80,97 @@ void RtfReader::destination(RtfAction action)
         break;
     case RtfAction::Aside:
         if (isInBody && !m_isInAside && m_asides.size() < mostAsides) {
-            m_asides.push_back({m_tokenizer.position(), m_state});
+            const bool isNote = token.text == "footnote";
+            m_asides.push_back({m_tokenizer.position(), m_state, isNote ? m_footnotes : 0});
+            m_asides.back().state.paragraph.nesting = 0;
             skipGroup();
         }
         break;
     default:
-        // Without a saved state nothing could end the destination.
-        if (!isInBody || m_unsavedGroups > 0 || action == RtfAction::Skip) {
-            skipGroup();
-        } else if (action == RtfAction::FontTable) {
-            m_state.destination = Destination::Fonts;
-        } else if (action == RtfAction::ColourTable) {
-            m_state.destination = Destination::Colours;
-            m_tableReader.beginColours();
-        } else if (action == RtfAction::ExpandedColourTable) {
-            m_state.destination = Destination::ExpandedColours;
-            m_tableReader.beginExpandedColours();
-        } else {
-            m_state.destination = Destination::Graphic;
-            m_attachment = RtfAttachment();
-            m_attachmentIsNamed = false;
-        }
+        openDestination(keyword, token);
+        break;
+    }
+}
+
+void RtfReader::openDestination(RtfKeyword keyword, const RtfToken &token)
+{
+    const Destination outer = m_state.destination;
+    const bool isPicture = keyword.action == RtfAction::Picture;
+    if (outer == Destination::Body && keyword.action == RtfAction::InfoText) {
+        return; // Text of whatever it is that the group is for.
+    }
+    const bool isPlaced = outer == Destination::Body
+        || (outer == Destination::Silent && (isPicture || keyword.action == RtfAction::ShapeValue))
+        || (outer == Destination::Lists && keyword.action == RtfAction::LevelText)
+        || (outer == Destination::OldList && keyword.action == RtfAction::OldListText)
+        || (outer == Destination::Info && keyword.action == RtfAction::InfoText);
+    // Without a saved state nothing could end the destination.
+    if (!isPlaced || m_unsavedGroups > 0) {
+        skipGroup();
+        return;
+    }
+    switch (keyword.action) {
+    case RtfAction::FontTable:
+        m_state.destination = Destination::Fonts;
+        break;
+    case RtfAction::ColourTable:
+        m_state.destination = Destination::Colours;
+        m_tableReader.beginColours();
+        break;
+    case RtfAction::ExpandedColourTable:
+        m_state.destination = Destination::ExpandedColours;
+        m_tableReader.beginExpandedColours();
+        break;
+    case RtfAction::StyleSheet:
+        m_state.destination = Destination::Styles;
+        m_state.styleDepth = 0;
+        break;
+    case RtfAction::ListTable:
+        m_state.destination = Destination::Lists;
+        break;
+    case RtfAction::ListOverrideTable:
+        m_state.destination = Destination::ListOverrides;
+        break;
+    case RtfAction::LevelText:
+        m_state.destination = Destination::LevelText;
+        m_listReader.beginLevelText();
+        break;
+    case RtfAction::FieldInstruction:
+        m_state.destination = Destination::FieldInstruction;
+        m_instruction.clear();
+        break;
+    case RtfAction::Picture:
+        m_state.destination = Destination::Picture;
+        m_pictureReader.begin();
+        break;
+    case RtfAction::ShapeValue:
+        m_state.destination = Destination::Silent;
+        break;
+    case RtfAction::Label:
+        m_state.destination = Destination::Label;
+        break;
+    case RtfAction::OldList:
+        m_state.destination = Destination::OldList;
+        m_listReader.beginOld();
+        break;
+    case RtfAction::OldListText:
+        m_state.destination = Destination::OldListText;
+        m_oldTextPlace = keyword.value;
+        break;
+    case RtfAction::Info:
+        m_state.destination = Destination::Info;
+        break;
+    case RtfAction::InfoText:
+        m_state.destination = Destination::InfoText;
+        m_infoWord = token.text.toByteArray();
+        break;
+    case RtfAction::Graphic:
+        m_state.destination = Destination::Graphic;
+        m_attachment = RtfAttachment();
+        m_attachmentIsNamed = false;
+        break;
+    default:
+        skipGroup();
         break;
     }
 }
@@ -91,12 +180,36 @@ void RtfReader::tableWord(RtfKeyword keyword, const RtfToken &token)
     flushText();
     if (keyword.action == RtfAction::Unicode) {
         unicode(token.parameter);
-    } else if (keyword.action == RtfAction::FallbackLength) {
+        return;
+    }
+    if (keyword.action == RtfAction::FallbackLength) {
         m_state.fallbackLength = std::clamp(token.parameter, 0, longestFallback);
-    } else if (m_state.destination == Destination::Fonts) {
+        return;
+    }
+    switch (m_state.destination) {
+    case Destination::Fonts:
         m_tableReader.fontWord(keyword, token);
-    } else {
+        break;
+    case Destination::Colours:
+    case Destination::ExpandedColours:
         m_tableReader.colourWord(keyword, token);
+        break;
+    case Destination::Lists:
+        m_listReader.listWord(keyword, token);
+        break;
+    case Destination::ListOverrides:
+        m_listReader.overrideWord(keyword, token);
+        break;
+    case Destination::OldList:
+        m_listReader.oldWord(keyword, token);
+        break;
+    default:
+        if (keyword.action == RtfAction::Insert) {
+            unit(char16_t(keyword.value));
+        } else if (keyword.action == RtfAction::Font) {
+            setFont(token.parameter);
+        }
+        break;
     }
 }
 
@@ -128,97 +241,114 @@ void RtfReader::graphicWord(RtfKeyword keyword, const RtfToken &token)
 void RtfReader::bodyWord(RtfKeyword keyword, const RtfToken &token)
 {
     switch (keyword.action) {
+    case RtfAction::None:
+        return;
     case RtfAction::Insert:
         unit(char16_t(keyword.value));
-        break;
+        return;
     case RtfAction::Unicode:
         unicode(token.parameter);
-        break;
+        return;
     case RtfAction::FallbackLength:
         m_state.fallbackLength = std::clamp(token.parameter, 0, longestFallback);
-        break;
+        return;
     case RtfAction::ParagraphEnd:
         paragraphEnd();
-        break;
+        return;
     case RtfAction::CellEnd:
-        flushText();
-        ++m_pendingCells;
-        break;
+        cellEnd(1);
+        return;
+    case RtfAction::NestedCellEnd:
+        cellEnd(std::max<int>(m_state.paragraph.nesting, 2));
+        return;
     case RtfAction::RowEnd:
-        m_pendingCells = 0;
-        paragraphEnd();
-        break;
-    case RtfAction::ParagraphDefaults:
-        m_state.paragraph = RtfParagraph();
-        break;
-    case RtfAction::Alignment:
-        m_state.paragraph.alignment = RtfAlignment(keyword.value);
-        break;
-    case RtfAction::Carried:
-        carry(token);
-        break;
-    case RtfAction::CodePage:
-    case RtfAction::AnsiCodePage:
-    case RtfAction::DefaultFont:
-        headWord(keyword, token);
-        break;
-    case RtfAction::None:
-        break;
+        rowEnd(1);
+        return;
+    case RtfAction::NestedRowEnd:
+        rowEnd(std::max<int>(m_state.paragraph.nesting, 2));
+        return;
+    case RtfAction::FootnoteNumber:
+        insertFootnoteNumber();
+        return;
     default:
-        characterWord(keyword, token);
         break;
+    }
+    if (!m_wantsFormats) {
+        plainModeWord(keyword, token);
+    } else if (isCharacterAction(keyword.action)) {
+        characterWord(keyword, token);
+    } else if (isParagraphAction(keyword.action)) {
+        paragraphWord(keyword, token);
+    } else if (isRowAction(keyword.action)) {
+        rowWord(keyword, token);
+    } else {
+        headWord(keyword, token);
     }
 }
 
-void RtfReader::characterWord(RtfKeyword keyword, const RtfToken &token)
+/// What changes the characters themselves, or which of them are text.
+void RtfReader::plainModeWord(RtfKeyword keyword, const RtfToken &token)
 {
-    flushText();
-    RtfCharacter &character = m_state.character;
-    const bool isOn = !token.hasParameter || token.parameter != 0;
-    constexpr int largest = 10'000'000;
     switch (keyword.action) {
     case RtfAction::Font:
         setFont(token.parameter);
         break;
-    case RtfAction::Size:
-        character.milliPoints = std::clamp(token.parameter, 0, largest / 500) * 500;
-        break;
-    case RtfAction::SizeFraction:
-        character.milliPoints = std::clamp(token.parameter, 0, largest);
-        break;
-    case RtfAction::Bold:
-        character.bold = isOn;
-        break;
-    case RtfAction::Italic:
-        character.italic = isOn;
-        break;
-    case RtfAction::Underline:
-        character.underline = keyword.value != 0 && isOn;
-        break;
-    case RtfAction::Colour:
-        character.colour = std::max(token.parameter, 0);
-        break;
-    case RtfAction::Deleted:
-        m_state.deleted = isOn;
-        break;
     case RtfAction::Plain:
-        character = RtfCharacter();
         m_state.deleted = false;
         setFont(-1);
         break;
+    case RtfAction::Deleted:
+        m_state.deleted = !token.hasParameter || token.parameter != 0;
+        break;
+    case RtfAction::ParagraphDefaults:
+        m_state.paragraph.list = 0;
+        m_state.paragraph.level = 0;
+        m_state.paragraph.nesting = 0;
+        break;
+    case RtfAction::ParagraphStyle:
+    case RtfAction::CharacterStyle:
+    case RtfAction::ListNumber:
+    case RtfAction::ListLevel:
+    case RtfAction::InTable:
+    case RtfAction::Nesting:
+        if (isCharacterAction(keyword.action)) {
+            characterWord(keyword, token);
+        } else {
+            paragraphWord(keyword, token);
+        }
+        break;
     default:
+        if (!isCharacterAction(keyword.action) && !isParagraphAction(keyword.action)
+            && !isRowAction(keyword.action)) {
+            headWord(keyword, token);
+        }
         break;
     }
 }
 
 void RtfReader::headWord(RtfKeyword keyword, const RtfToken &token)
 {
-    if (keyword.action == RtfAction::DefaultFont) {
+    switch (keyword.action) {
+    case RtfAction::DefaultFont:
         m_tables.defaultFont = token.parameter;
-    } else {
-        m_tables.ansiCodePage =
-            keyword.action == RtfAction::CodePage ? keyword.value : token.parameter;
+        break;
+    case RtfAction::CodePage:
+        m_tables.ansiCodePage = keyword.value;
+        break;
+    case RtfAction::AnsiCodePage:
+        m_tables.ansiCodePage = token.parameter;
+        break;
+    case RtfAction::Platform:
+        m_tables.isPlatforms = true;
+        return;
+    case RtfAction::DocumentWord:
+        removeCarriedWord(m_tables.documentWords, token.text);
+        appendCarriedWord(m_tables.documentWords, token);
+        return;
+    default:
+        return;
     }
+    flushText();
     setFont(m_state.character.font);
     m_sink.tablesChanged();
 }
@@ -229,26 +359,33 @@ void RtfReader::setFont(int number)
     m_state.codePage = m_tables.codePageOfFont(m_state.character.font);
 }
 
-void RtfReader::carry(const RtfToken &token)
+/// Gives the link to all that follows in the group of the field.
+void RtfReader::endField()
 {
-    QByteArray &words = m_state.paragraph.words;
-    if (words.size() + token.text.size() + 12 > longestWords) {
+    if (!m_state.isInField || m_state.destination != Destination::Body) {
         return;
     }
-    words.append('\\');
-    words.append(token.text.data(), token.text.size());
-    if (token.hasParameter) {
-        words.append(QByteArray::number(token.parameter));
+    const QString address = addressOfHyperlink(m_instruction);
+    m_instruction.clear();
+    if (address.isEmpty()) {
+        return;
     }
+    int &number = m_linkNumbers[address];
+    if (number == 0) {
+        m_tables.links.append(address);
+        number = int(m_tables.links.size());
+    }
+    m_state.character.link = number;
 }
 
 void RtfReader::paragraphEnd()
 {
-    flushBytes();
-    flushText();
     if (m_state.destination != Destination::Body || m_state.deleted) {
         return;
     }
+    flushBytes();
+    settleLabel();
+    flushText();
     if (m_isInAside) {
         // Asides end where they end; an end before the first text would be an empty line.
         if (!m_pendingEnding && !m_paragraphIsEmpty) {
@@ -257,9 +394,49 @@ void RtfReader::paragraphEnd()
         }
         return;
     }
-    m_pendingCells = 0;
     m_sink.paragraphEnd(m_state.paragraph, m_state.character);
     m_paragraphIsEmpty = true;
+}
+
+void RtfReader::cellEnd(int nesting)
+{
+    if (m_state.destination != Destination::Body) {
+        return;
+    }
+    flushBytes();
+    settleLabel();
+    flushText();
+    if (m_isInAside) {
+        ++m_asideCells;
+        return;
+    }
+    m_sink.cellEnd(m_state.paragraph, m_state.character, nesting);
+    m_paragraphIsEmpty = true;
+}
+
+void RtfReader::rowEnd(int nesting)
+{
+    if (m_state.destination != Destination::Body) {
+        return;
+    }
+    flushBytes();
+    settleLabel();
+    flushText();
+    if (m_isInAside) {
+        m_asideCells = 0;
+        paragraphEnd();
+        return;
+    }
+    m_sink.rowEnd(m_rowReader.row(nesting), nesting);
+    m_paragraphIsEmpty = true;
+}
+
+void RtfReader::insertFootnoteNumber()
+{
+    const int number = m_isInAside ? m_asideFootnote : ++m_footnotes;
+    if (number > 0) {
+        append(QString::number(number));
+    }
 }
 
 } // namespace quorvane

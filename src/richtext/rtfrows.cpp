@@ -15,7 +15,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr qint64 pageWidth = 8640; // What the platform divides among columns without a width.
 constexpr qint64 narrowestColumn = 720;
 constexpr int fiftiethsPerCent = 50;
 
@@ -85,10 +84,11 @@ const char *verticalWord(const QTextTableCellFormat &cell)
 
 } // namespace
 
-RtfRows::RtfRows(const QTextTable &table, int depth, RtfWriterTables &tables)
+RtfRows::RtfRows(const QTextTable &table, int depth, qint64 room, RtfWriterTables &tables,
+                 Spans spans)
     : m_table(table)
     , m_tables(tables)
-    , m_depth(depth)
+    , m_spans(spans)
 {
     const QTextTableFormat format = table.format();
     m_left = twipsOf(format.leftMargin());
@@ -101,10 +101,10 @@ RtfRows::RtfRows(const QTextTable &table, int depth, RtfWriterTables &tables)
             : alignment.testFlag(Qt::AlignRight)        ? "\\trqr"
                                                         : "";
     }
-    measureColumns(format);
+    measureColumns(format, room);
 }
 
-void RtfRows::measureColumns(const QTextTableFormat &format)
+void RtfRows::measureColumns(const QTextTableFormat &format, qint64 room)
 {
     const int count = m_table.columns();
     const QList<QTextLength> constraints = format.columnWidthConstraints();
@@ -116,8 +116,8 @@ void RtfRows::measureColumns(const QTextTableFormat &format)
         fixed += length.type() == QTextLength::FixedLength ? twipsOf(length.rawValue()) : 0;
     }
     const qint64 share =
-        std::max((pageWidth - fixed) / std::max(variable, 1),
-                 count > 0 ? std::min(narrowestColumn, pageWidth / count) : narrowestColumn);
+        std::max((room - fixed) / std::max(variable, 1),
+                 count > 0 ? std::min(narrowestColumn, room / count) : narrowestColumn);
     qint64 edge = m_left;
     for (int i = 0; i < count; ++i) {
         const QTextLength length = constraints.value(i);
@@ -128,7 +128,7 @@ void RtfRows::measureColumns(const QTextTableFormat &format)
             column.widthWords = rtfWord("clwWidth", width) + "\\clftsWidth3";
         } else if (length.type() == QTextLength::PercentageLength) {
             const double percent = std::clamp(length.rawValue(), 0.0, 100.0);
-            width = std::max<qint64>(qRound64(pageWidth * percent / 100), 1);
+            width = std::max<qint64>(qRound64(double(room) * percent / 100), 1);
             column.widthWords =
                 rtfWord("clwWidth", qRound64(percent * fiftiethsPerCent)) + "\\clftsWidth2";
         }
@@ -150,11 +150,28 @@ QByteArray RtfRows::definition(int row) const
     }
     words += '\n';
     for (int column = 0; column < m_table.columns(); ++column) {
+        if (isSwallowed(row, column)) {
+            continue;
+        }
+        const int span = m_spans == Spans::Wide ? m_table.cellAt(row, column).columnSpan() : 1;
         words += cellWords(row, column);
-        appendWord(words, "cellx", m_columns[std::size_t(column)].rightEdge);
+        appendWord(words, "cellx", m_columns[std::size_t(column + span - 1)].rightEdge);
         words += '\n';
     }
     return words;
+}
+
+qint64 RtfRows::widthOf(const QTextTableCell &cell) const
+{
+    const auto edge = [this](int column) {
+        return column < 0 ? m_left : m_columns[std::size_t(column)].rightEdge;
+    };
+    return edge(cell.column() + cell.columnSpan() - 1) - edge(cell.column() - 1);
+}
+
+bool RtfRows::isSwallowed(int row, int column) const
+{
+    return m_spans == Spans::Wide && m_table.cellAt(row, column).column() != column;
 }
 
 QByteArray RtfRows::cellWords(int row, int column) const
@@ -164,7 +181,7 @@ QByteArray RtfRows::cellWords(int row, int column) const
     if (cell.rowSpan() > 1) {
         words += cell.row() == row ? "\\clvmgf" : "\\clvmrg";
     }
-    if (cell.columnSpan() > 1) {
+    if (cell.columnSpan() > 1 && m_spans == Spans::Merged) {
         words += cell.column() == column ? "\\clmgf" : "\\clmrg";
     }
     const QTextTableCellFormat format = cell.format().toTableCellFormat();
@@ -172,7 +189,8 @@ QByteArray RtfRows::cellWords(int row, int column) const
     if (const int number = m_tables.colourNumber(format.background())) {
         appendWord(words, "clcbpat", number);
     }
-    words += m_columns[std::size_t(column)].widthWords;
+    // Of merged cells, readers make more of the edges than of widths.
+    words += cell.columnSpan() > 1 ? QByteArray() : m_columns[std::size_t(column)].widthWords;
     if (cell.row() == row && cell.column() == column) {
         words += m_tables.withNumbers(format.property(CellWords).toByteArray());
     }

@@ -2,73 +2,101 @@
 
 #include "richtext/rtftokenizer.h"
 
+#include <QByteArray>
+
 #include <algorithm>
 #include <iterator>
-#include <limits>
 #include <string_view>
 
 namespace quorvane {
 
 namespace {
 
-struct Surplus
-{
-    std::string_view word;
-    int harmlessUpTo; ///< A number up to this one switches off; without a number counts as more.
-};
-
-constexpr int never = std::numeric_limits<int>::min();
-
-constexpr Surplus surplus[] = {
-    {"caps", 0},        {"cb", 1},           {"chcbpat", 0},     {"dn", 0},
-    {"fldinst", never}, {"footnote", never}, {"header", never},  {"footer", never},
-    {"highlight", 0},   {"ls", 0},           {"objdata", never}, {"outl", 0},
-    {"pict", never},    {"scaps", 0},        {"shad", 0},        {"strike", 0},
-    {"striked", 0},     {"strokewidth", 0},  {"sub", 0},         {"super", 0},
-    {"trowd", never},   {"uldb", 0},         {"up", 0},          {"v", 0},
+// Text that comes back in another place, what is behind a picture, and text that is crossed out.
+constexpr std::string_view surplus[] = {
+    "annotation", "deleted", "dptxbxtext", "footer",  "footerf", "footerl", "footerr",
+    "footnote",   "header",  "headerf",    "headerl", "headerr", "objdata", "shptxt",
 };
 
 // Their words describe what might be used, not what is.
 constexpr std::string_view catalogues[] = {"stylesheet", "listtable", "listoverridetable", "info"};
 
-bool isSurplus(const RtfToken &token)
+constexpr QByteArrayView hyperlink = "hyperlink";
+
+template <std::size_t N> bool isOneOf(const RtfToken &token, const std::string_view (&words)[N])
 {
-    const std::string_view word(token.text.data(), static_cast<std::size_t>(token.text.size()));
-    const auto found = std::find_if(std::begin(surplus), std::end(surplus),
-                                    [word](const Surplus &each) { return each.word == word; });
-    return found != std::end(surplus)
-        && (!token.hasParameter || token.parameter > found->harmlessUpTo);
+    const std::string_view word(token.text.data(), std::size_t(token.text.size()));
+    return std::find(std::begin(words), std::end(words), word) != std::end(words)
+        && (!token.hasParameter || token.parameter != 0);
 }
 
-bool isCatalogue(const RtfToken &token)
+/// Goes through a text and finds whether it holds any.
+class Search final
 {
-    const std::string_view word(token.text.data(), static_cast<std::size_t>(token.text.size()));
-    return std::find(std::begin(catalogues), std::end(catalogues), word) != std::end(catalogues);
-}
+public:
+    bool isFound(const RtfToken &token)
+    {
+        using Kind = RtfToken::Kind;
+        switch (token.kind) {
+        case Kind::GroupStart:
+            ++m_depth;
+            return false;
+        case Kind::GroupEnd:
+            return endGroup();
+        case Kind::Word:
+            return isFoundInWord(token);
+        case Kind::Text:
+            if (m_instructionDepth > 0 && m_instruction.size() < hyperlink.size()) {
+                m_instruction += token.text.toByteArray().trimmed().left(hyperlink.size());
+            }
+            return false;
+        default:
+            return false;
+        }
+    }
+
+private:
+    bool endGroup()
+    {
+        --m_depth;
+        m_catalogueDepth = m_depth < m_catalogueDepth ? 0 : m_catalogueDepth;
+        if (m_depth >= m_instructionDepth) {
+            return false;
+        }
+        m_instructionDepth = 0;
+        const QByteArray instruction = m_instruction.toLower();
+        return !instruction.isEmpty() && !instruction.startsWith(hyperlink);
+    }
+
+    bool isFoundInWord(const RtfToken &token)
+    {
+        if (m_catalogueDepth > 0) {
+            return false;
+        }
+        if (isOneOf(token, catalogues)) {
+            m_catalogueDepth = std::max<qsizetype>(m_depth, 1);
+        } else if (token.text == QByteArrayView("fldinst")) {
+            m_instructionDepth = std::max<qsizetype>(m_depth, 1);
+            m_instruction.clear();
+        }
+        return isOneOf(token, surplus);
+    }
+
+    qsizetype m_depth = 0;
+    qsizetype m_catalogueDepth = 0; ///< Of the catalogue's group; 0 outside.
+    qsizetype m_instructionDepth = 0; ///< Of a field's instruction; 0 outside.
+    QByteArray m_instruction; ///< Its first letters.
+};
 
 } // namespace
 
 bool rtfHoldsSurplus(QByteArrayView rtf)
 {
-    using Kind = RtfToken::Kind;
     RtfTokenizer tokenizer(rtf);
-    qsizetype depth = 0;
-    qsizetype catalogueDepth = 0; // of the catalogue's group; 0 outside
-    for (RtfToken token = tokenizer.next(); token.kind != Kind::End; token = tokenizer.next()) {
-        if (token.kind == Kind::GroupStart) {
-            ++depth;
-        } else if (token.kind == Kind::GroupEnd) {
-            --depth;
-            catalogueDepth = depth < catalogueDepth ? 0 : catalogueDepth;
-        } else if (token.kind != Kind::Word) {
-            continue;
-        } else if (token.text == QByteArrayView("bin") && token.hasParameter
-                   && token.parameter > 0) {
-            tokenizer.setPosition(
-                std::min(rtf.size(), tokenizer.position() + qsizetype(token.parameter)));
-        } else if (catalogueDepth == 0 && isCatalogue(token)) {
-            catalogueDepth = std::max<qsizetype>(depth, 1);
-        } else if (catalogueDepth == 0 && isSurplus(token)) {
+    Search search;
+    for (RtfToken token = tokenizer.next(); token.kind != RtfToken::Kind::End;
+         token = tokenizer.next()) {
+        if (search.isFound(token)) {
             return true;
         }
     }

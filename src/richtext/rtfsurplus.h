@@ -5,7 +5,8 @@
 namespace quorvane {
 
 /// Whether RTF says something about its text that reading and writing it again would not keep:
-/// pictures, tables, lists, links, and styles that the editor does not know. Linear in its length.
+/// where text beside the text stands, fields that count, what is embedded or marked as deleted.
+/// Linear in its length.
 bool rtfHoldsSurplus(QByteArrayView rtf);
 
 } // namespace quorvane

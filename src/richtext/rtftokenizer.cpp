@@ -30,17 +30,6 @@ constexpr std::array<bool, 256> makeTextBytes()
 
 constexpr std::array<bool, 256> textBytes = makeTextBytes();
 
-constexpr int hexValue(char c)
-{
-    if (isDigit(c)) {
-        return c - '0';
-    }
-    if (c >= 'a' && c <= 'f') {
-        return c - 'a' + 10;
-    }
-    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
 } // namespace
 
 RtfToken RtfTokenizer::next()
@@ -111,7 +100,9 @@ RtfToken RtfTokenizer::word()
         ++m_at;
     }
     // A length beyond the end is a lie, and what follows may be text.
-    if (token.text == "bin" && token.parameter > 0 && token.parameter <= m_rtf.size() - m_at) {
+    if (token.parameter > 0 && token.text == "bin" && token.parameter <= m_rtf.size() - m_at) {
+        token.kind = RtfToken::Kind::Binary;
+        token.text = m_rtf.sliced(m_at, token.parameter);
         m_at += token.parameter;
     }
     return token;

@@ -3,7 +3,6 @@
 #include "richtext/attachmentstore.h"
 #include "richtext/rtfparagraph.h"
 #include "richtext/rtfpicture.h"
-#include "richtext/rtfrows.h"
 #include "richtext/textproperties.h"
 
 #include <QBuffer>
@@ -21,7 +20,10 @@ namespace quorvane {
 
 namespace {
 
-constexpr int deepestNesting = 32;
+constexpr int deepestNesting = 32; // Of frames of any kind.
+// No reader takes more than that.
+constexpr int deepestTable = 8;
+constexpr int mostColumns = 512;
 constexpr char paragraphEnding[] = "\\\n";
 constexpr char cellEnding[] = "\\cell\n";
 constexpr char nestedCellEnding[] = "\\nestcell\n";
@@ -61,6 +63,7 @@ RtfWriter::RtfWriter(const QTextDocument &document, Form form)
     , m_fallback(form == Form::Alone ? RtfEscaper::Fallback::QuestionMark
                                      : RtfEscaper::Fallback::None)
     , m_lists(m_fallback)
+    , m_plainParagraph {rtfParagraphWords(QTextBlockFormat(), 0, m_tables) + "\n\n"}
 { }
 
 QByteArray RtfWriter::write()
@@ -118,12 +121,14 @@ void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &
 
 void RtfWriter::writeChild(QTextFrame &frame)
 {
-    if (m_nesting >= deepestNesting) {
+    const auto *table = qobject_cast<const QTextTable *>(&frame);
+    const bool isReadable = !table || (m_depth < deepestTable && table->columns() <= mostColumns);
+    if (m_nesting >= deepestNesting || !isReadable) {
         writeFlat(frame);
         return;
     }
     ++m_nesting;
-    if (const auto *table = qobject_cast<const QTextTable *>(&frame)) {
+    if (table) {
         writeTable(*table);
     } else {
         writeFrame(frame.begin(), frame.end(), paragraphEnding);
@@ -143,15 +148,17 @@ void RtfWriter::writeFlat(const QTextFrame &frame)
 void RtfWriter::writeTable(const QTextTable &table)
 {
     ++m_depth;
-    const RtfRows rows(table, m_depth, m_tables);
+    const auto spans = m_form == Form::Alone ? RtfRows::Spans::Wide : RtfRows::Spans::Merged;
+    const qint64 roomOutside = m_room;
+    const RtfRows rows(table, m_depth, m_room, m_tables, spans);
     const bool isNested = m_depth > 1;
     for (int row = 0; row < table.rows(); ++row) {
         const QByteArray definition = rows.definition(row);
-        m_hasParagraph = false; // Each row stands for itself.
+        m_paragraph = nullptr; // Each row stands for itself.
         if (!isNested) {
             m_body += '\n' + definition;
         }
-        writeRow(table, row);
+        writeRow(table, row, rows);
         const QByteArray last = row + 1 == table.rows() ? "\\lastrow" : "";
         if (isNested) {
             m_body +=
@@ -160,19 +167,21 @@ void RtfWriter::writeTable(const QTextTable &table)
             m_body += last + "\\row\n";
         }
     }
-    m_hasParagraph = false;
+    m_paragraph = nullptr;
+    m_room = roomOutside;
     --m_depth;
 }
 
-void RtfWriter::writeRow(const QTextTable &table, int row)
+void RtfWriter::writeRow(const QTextTable &table, int row, const RtfRows &rows)
 {
     const char *ending = m_depth > 1 ? nestedCellEnding : cellEnding;
     for (int column = 0; column < table.columns(); ++column) {
         const QTextTableCell cell = table.cellAt(row, column);
         if (cell.row() == row && cell.column() == column) {
+            m_room = rows.widthOf(cell);
             writeFrame(cell.begin(), cell.end(), ending);
-        } else {
-            switchParagraph(defaultTabWords, QByteArray());
+        } else if (!rows.isSwallowed(row, column)) {
+            switchParagraph(m_plainParagraph);
             m_body += ending;
         }
     }
@@ -180,42 +189,38 @@ void RtfWriter::writeRow(const QTextTable &table, int row)
 
 void RtfWriter::writeBlock(const QTextBlock &block, const char *ending)
 {
-    if (!m_hasParagraph && *ending == 0 && saysNothing(block)) {
+    if (!m_hasText && *ending == 0 && saysNothing(block)) {
         return; // The empty text has no paragraph either.
     }
     const Paragraph &paragraph = paragraphOf(block);
+    switchParagraph(paragraph);
+    const QTextBlock::iterator first = block.begin();
     if (paragraph.list) {
-        const RtfLists::Item item = m_lists.nextItem(*paragraph.list);
-        switchParagraph(paragraph.words, item.place);
-        writeListMarker(block, item.marker);
-    } else {
-        switchParagraph(paragraph.words, QByteArray());
+        writeListMarker(first, block, *paragraph.list);
     }
-    if (block.begin().atEnd()) {
-        switchTo(styleOf(block.charFormatIndex(), block.charFormat()).look);
+    if (first.atEnd()) {
+        switchTo(styleOf(block).look);
     }
-    for (auto it = block.begin(); !it.atEnd(); ++it) {
+    for (QTextBlock::iterator it = first; !it.atEnd(); ++it) {
         writeFragment(it.fragment());
     }
     closeLink();
     m_body += ending;
 }
 
-void RtfWriter::writeListMarker(const QTextBlock &block, const QByteArray &marker)
+void RtfWriter::writeListMarker(const QTextBlock::iterator &first, const QTextBlock &block,
+                                const QTextList &list)
 {
-    const QTextBlock::iterator first = block.begin();
-    const Style &style = first.atEnd()
-        ? styleOf(block.charFormatIndex(), block.charFormat())
-        : styleOf(first.fragment().charFormatIndex(), first.fragment().charFormat());
+    const Style &style = first.atEnd() ? styleOf(block) : styleOf(first.fragment());
     if (style.link.isEmpty()) {
         switchTo(style.look);
     }
-    m_body += marker;
+    m_lists.appendMarker(m_body, list);
 }
 
 void RtfWriter::writeFragment(const QTextFragment &fragment)
 {
-    const Style &style = styleOf(fragment.charFormatIndex(), fragment.charFormat());
+    const Style &style = styleOf(fragment);
     if (style.link != m_link) {
         closeLink();
         openLink(style.link);
@@ -290,7 +295,7 @@ void RtfWriter::openLink(const QString &address)
     m_body +=
         isPlace ? "{\\field{\\*\\fldinst{HYPERLINK \\\\l \"" : "{\\field{\\*\\fldinst{HYPERLINK \"";
     QString target = isPlace ? address.sliced(1) : address;
-    target.replace(u'\\', u"\\\\"_s).replace(u'"', u"%22"_s);
+    target.replace(u'"', u"%22"_s);
     RtfEscaper(m_body, m_fallback).text(target);
     m_body += "\"}}{\\fldrslt ";
 }
@@ -306,19 +311,22 @@ void RtfWriter::closeLink()
     m_hasLook = m_hadLookBeforeLink;
 }
 
-void RtfWriter::switchParagraph(const QByteArray &words, const QByteArray &listPlace)
+void RtfWriter::switchParagraph(const Paragraph &paragraph)
 {
-    QByteArray all = "\\pard";
-    if (m_depth > 0) {
-        all += "\\intbl" + rtfWord("itap", m_depth);
-    }
-    all += words + '\n' + listPlace + '\n';
-    if (m_hasParagraph && all == m_paragraph) {
+    m_hasText = true;
+    const bool isSame = m_paragraph && m_paragraphDepth == m_depth
+        && (m_paragraph == &paragraph || m_paragraph->words == paragraph.words);
+    if (isSame) {
         return;
     }
-    m_hasParagraph = true;
-    m_body += all;
-    m_paragraph = std::move(all);
+    m_paragraph = &paragraph;
+    m_paragraphDepth = m_depth;
+    m_body += "\\pard";
+    if (m_depth > 0) {
+        m_body += "\\intbl";
+        appendWord(m_body, "itap", m_depth);
+    }
+    m_body += paragraph.words;
 }
 
 void RtfWriter::switchTo(const RtfLook &look)
@@ -331,36 +339,44 @@ void RtfWriter::switchTo(const RtfLook &look)
     m_hasLook = true;
 }
 
-const RtfWriter::Style &RtfWriter::styleOf(int index, const QTextCharFormat &format)
+template <typename Piece> const RtfWriter::Style &RtfWriter::styleOf(const Piece &piece)
 {
-    std::unique_ptr<Style> &style = at(m_styles, index);
+    std::unique_ptr<Style> &style = at(m_styles, piece.charFormatIndex());
     if (!style) {
-        const bool isText = !format.hasProperty(QTextFormat::ObjectType)
-            && !format.hasProperty(OriginalUnit) && !format.isImageFormat();
-        style = std::make_unique<Style>(Style {RtfLook(format, m_tables),
-                                               format.isAnchor() ? format.anchorHref() : QString(),
-                                               isText});
+        style = makeStyle(piece.charFormat());
     }
     return *style;
 }
 
+std::unique_ptr<RtfWriter::Style> RtfWriter::makeStyle(const QTextCharFormat &format)
+{
+    const auto dialect =
+        m_form == Form::Alone ? RtfLook::Dialect::Common : RtfLook::Dialect::Platform;
+    auto style = std::make_unique<Style>();
+    style->look = RtfLook(format, m_tables, dialect);
+    style->link = format.isAnchor() ? format.anchorHref() : QString();
+    style->isText = !format.hasProperty(QTextFormat::ObjectType)
+        && !format.hasProperty(OriginalUnit) && !format.isImageFormat();
+    return style;
+}
+
 const RtfWriter::Paragraph &RtfWriter::paragraphOf(const QTextBlock &block)
 {
-    std::optional<Paragraph> &paragraph = at(m_paragraphs, block.blockFormatIndex());
+    std::unique_ptr<Paragraph> &paragraph = at(m_paragraphs, block.blockFormatIndex());
     if (!paragraph) {
         QTextList *list = block.textList();
         const int indent = list ? RtfLists::indentOf(*list) : 0;
-        paragraph = {rtfParagraphWords(block.blockFormat(), indent, m_tables), list};
+        paragraph = std::make_unique<Paragraph>(
+            Paragraph {rtfParagraphWords(block.blockFormat(), indent, m_tables) + '\n', list});
+        paragraph->words += (list ? m_lists.placeIn(*list) : QByteArray()) + '\n';
     }
     return *paragraph;
 }
 
 bool RtfWriter::saysNothing(const QTextBlock &block)
 {
-    const Paragraph &paragraph = paragraphOf(block);
-    return block.begin().atEnd() && !paragraph.list
-        && paragraph.words == rtfParagraphWords(QTextBlockFormat(), 0, m_tables)
-        && styleOf(block.charFormatIndex(), block.charFormat()).look.isEmpty();
+    return block.begin().atEnd() && paragraphOf(block).words == m_plainParagraph.words
+        && styleOf(block).look.isEmpty();
 }
 
 } // namespace quorvane

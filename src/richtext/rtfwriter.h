@@ -3,21 +3,20 @@
 #include "richtext/rtfescape.h"
 #include "richtext/rtflists.h"
 #include "richtext/rtflook.h"
+#include "richtext/rtfrows.h"
 #include "richtext/rtfwritertables.h"
 
 #include <QByteArray>
 #include <QHash>
 #include <QSet>
+#include <QTextBlock>
 #include <QTextFrame>
 
 #include <memory>
-#include <optional>
 #include <vector>
 
-class QTextBlock;
 class QTextCharFormat;
 class QTextDocument;
-class QTextFragment;
 class QTextList;
 class QTextTable;
 
@@ -57,7 +56,7 @@ private:
     /// What a block format comes to.
     struct Paragraph
     {
-        QByteArray words;
+        QByteArray words; ///< Without \pard and \itap.
         QTextList *list = nullptr;
     };
 
@@ -65,19 +64,21 @@ private:
                     const char *lastEnding);
     void writeChild(QTextFrame &frame);
     void writeTable(const QTextTable &table);
-    void writeRow(const QTextTable &table, int row);
+    void writeRow(const QTextTable &table, int row, const RtfRows &rows);
     void writeFlat(const QTextFrame &frame);
     void writeBlock(const QTextBlock &block, const char *ending);
-    void writeListMarker(const QTextBlock &block, const QByteArray &marker);
+    void writeListMarker(const QTextBlock::iterator &first, const QTextBlock &block,
+                         const QTextList &list);
     void writeFragment(const QTextFragment &fragment);
     void writeObjects(const QTextFragment &fragment, const QTextCharFormat &format);
     void writeAttachment(const QTextCharFormat &format);
     bool writeImage(const QTextCharFormat &format);
     void openLink(const QString &address);
     void closeLink();
-    void switchParagraph(const QByteArray &words, const QByteArray &listPlace);
+    void switchParagraph(const Paragraph &paragraph);
     void switchTo(const RtfLook &look);
-    const Style &styleOf(int index, const QTextCharFormat &format);
+    template <typename Piece> const Style &styleOf(const Piece &piece);
+    std::unique_ptr<Style> makeStyle(const QTextCharFormat &format);
     const Paragraph &paragraphOf(const QTextBlock &block);
     bool saysNothing(const QTextBlock &block);
     QByteArray head() const;
@@ -93,9 +94,12 @@ private:
 
     int m_nesting = 0; ///< Of frames and tables.
     int m_depth = 0; ///< Of tables.
-    QByteArray m_paragraph; ///< The words of the present paragraph.
-    bool m_hasParagraph = false;
-    std::vector<std::optional<Paragraph>> m_paragraphs; ///< By block format.
+    qint64 m_room = RtfRows::pageWidth; ///< For a table, in twips.
+    const Paragraph *m_paragraph = nullptr; ///< The present one; none where it is to be said anew.
+    int m_paragraphDepth = 0;
+    bool m_hasText = false;
+    const Paragraph m_plainParagraph;
+    std::vector<std::unique_ptr<Paragraph>> m_paragraphs; ///< By block format.
     std::vector<std::unique_ptr<Style>> m_styles; ///< By character format.
     const RtfLook m_noLook;
     const RtfLook *m_look = &m_noLook;

@@ -1,45 +1,34 @@
 #include "richtext/textdocumentsink.h"
 
 #include "richtext/attachmentstore.h"
-#include "richtext/fontnames.h"
 #include "richtext/paragraphends.h"
+#include "richtext/rtfformats.h"
+#include "richtext/rtfpicturefile.h"
 #include "richtext/rtftables.h"
 #include "richtext/textproperties.h"
 
-#include <QFont>
-#include <QTextBlockFormat>
 #include <QTextDocument>
+#include <QTextFrame>
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace quorvane {
 
 namespace {
 
-constexpr int defaultMilliPoints = 12000; // RTF 1.9.1: \fs24 where nothing is said.
-
-std::optional<Qt::Alignment> alignmentOf(RtfAlignment alignment)
-{
-    switch (alignment) {
-    case RtfAlignment::Natural:
-        break;
-    case RtfAlignment::Left:
-        return Qt::AlignLeft;
-    case RtfAlignment::Centre:
-        return Qt::AlignHCenter;
-    case RtfAlignment::Right:
-        return Qt::AlignRight;
-    case RtfAlignment::Justify:
-        return Qt::AlignJustify;
-    }
-    return std::nullopt;
-}
+constexpr std::size_t keptBlockLooks = 8;
+constexpr qsizetype mostCells = 100'000; // The toolkit takes about a kilobyte for each.
+constexpr qint64 mostMerging = 40'000'000; // Places looked at; each merge looks at a whole table.
 
 } // namespace
 
 TextDocumentSink::TextDocumentSink(QTextDocument &document)
-    : m_store(AttachmentStore::of(document))
+    : m_document(document)
+    , m_store(AttachmentStore::of(document))
     , m_cursor(&document)
+    , m_mergingLeft(mostMerging)
 { }
 
 void TextDocumentSink::begin(const RtfTables &tables)
@@ -51,6 +40,7 @@ void TextDocumentSink::tablesChanged()
 {
     m_formatIndex.clear();
     m_lastFormat.reset();
+    m_blockLooks.clear();
 }
 
 void TextDocumentSink::text(QStringView text, const RtfParagraph &paragraph,
@@ -58,12 +48,16 @@ void TextDocumentSink::text(QStringView text, const RtfParagraph &paragraph,
 {
     splitParagraphs(
         text, [&](QStringView piece) { appendText(piece, character); },
-        [&] { flushParagraph(paragraph, character); });
+        [&] { endParagraph(paragraph, character); });
 }
 
 void TextDocumentSink::appendText(QStringView text, const RtfCharacter &character)
 {
     const std::size_t format = formatOf(character);
+    if (m_pendingTabs > 0) {
+        append(QString(m_pendingTabs, u'\t'), format);
+        m_pendingTabs = 0;
+    }
     const auto *internal = std::find_if(text.begin(), text.end(),
                                         [](QChar c) { return isDocumentInternal(c.unicode()); });
     while (internal != text.end()) {
@@ -89,12 +83,18 @@ void TextDocumentSink::append(QStringView text, std::size_t format)
     }
 }
 
+void TextDocumentSink::appendObject(QTextCharFormat format)
+{
+    format.setObjectType(attachmentObjectType);
+    format.setProperty(AttachmentId, m_store.nextId());
+    m_formats.push_back(format);
+    append(QStringView(u"\ufffc"), m_formats.size() - 1);
+}
+
 void TextDocumentSink::attachment(const RtfAttachment &attachment, const RtfCharacter &character)
 {
     QTextCharFormat format = m_formats[formatOf(character)];
-    format.setObjectType(attachmentObjectType);
     format.setProperty(AttachmentName, attachment.name);
-    format.setProperty(AttachmentId, m_store.nextId());
     if (attachment.width > 0) {
         format.setProperty(AttachmentWidth, attachment.width);
     }
@@ -105,45 +105,120 @@ void TextDocumentSink::attachment(const RtfAttachment &attachment, const RtfChar
         format.setProperty(AttachmentNoOrient, true);
     }
     m_store.markPlaced(attachment.name);
-    m_formats.push_back(format);
-    append(QStringView(u"\ufffc"), m_formats.size() - 1);
+    appendObject(format);
+}
+
+void TextDocumentSink::picture(const RtfPicture &picture, const RtfCharacter &character)
+{
+    const QString wanted =
+        u"Image "_s + QString::number(++m_pictures) + u'.' + extensionOfPicture(picture);
+    const QSize size = sizeOfPicture(picture);
+    attachment({m_store.add(wanted, picture.bytes), size.width(), size.height()}, character);
 }
 
 void TextDocumentSink::paragraphEnd(const RtfParagraph &paragraph, const RtfCharacter &character)
 {
-    flushParagraph(paragraph, character);
+    endParagraph(paragraph, character);
+}
+
+void TextDocumentSink::cellEnd(const RtfParagraph &paragraph, const RtfCharacter &character,
+                               int nesting)
+{
+    if (++m_cells > mostCells) {
+        ++m_pendingTabs;
+        return;
+    }
+    closeTables(nesting);
+    TextTable &table = tableAt(nesting);
+    table.cell.push_back({takeParagraph(paragraph, character), nullptr});
+    table.endCell();
+}
+
+void TextDocumentSink::rowEnd(const RtfRow &row, int nesting)
+{
+    if (m_cells > mostCells) {
+        m_pendingTabs = 0;
+        RtfParagraph paragraph;
+        endParagraph(paragraph, m_lastCharacter);
+        return;
+    }
+    closeTables(nesting);
+    TextTable &table = tableAt(nesting);
+    if (!m_text.isEmpty()) {
+        table.cell.push_back({takeParagraph(RtfParagraph(), m_lastCharacter), nullptr});
+    }
+    table.endRow(row);
 }
 
 void TextDocumentSink::end(const RtfParagraph &paragraph, const RtfCharacter &character)
 {
-    flushParagraph(paragraph, character);
+    if (!m_text.isEmpty() && paragraph.nesting > 0) {
+        endParagraph(paragraph, character);
+    }
+    closeTables(0);
+    // What still speaks of a table's cell says nothing of the text behind the table.
+    endParagraph(paragraph.nesting > 0 ? RtfParagraph() : paragraph, character);
+    writeDocumentWords();
 }
 
-void TextDocumentSink::flushParagraph(const RtfParagraph &paragraph, const RtfCharacter &character)
+TextParagraph TextDocumentSink::takeParagraph(const RtfParagraph &paragraph,
+                                              const RtfCharacter &character)
 {
-    const QTextBlockFormat &blockFormat = blockFormatOf(paragraph);
     // An empty paragraph looks like its end, any other like its first character.
-    const std::size_t first = m_runs.empty() ? formatOf(character) : m_runs.front().format;
-    QTextCharFormat blockCharFormat = m_formats[first];
-    if (blockCharFormat.hasProperty(QTextFormat::ObjectType)) {
-        blockCharFormat = m_formats[formatOf(character)];
+    std::size_t first = m_runs.empty() ? formatOf(character) : m_runs.front().format;
+    if (m_formats[first].hasProperty(QTextFormat::ObjectType)) {
+        first = formatOf(character);
     }
-    if (m_isFirstBlock) {
-        m_cursor.setBlockFormat(blockFormat);
-        m_cursor.setBlockCharFormat(blockCharFormat);
-        m_isFirstBlock = false;
-    } else {
-        m_cursor.insertBlock(blockFormat, blockCharFormat);
-    }
-    qsizetype at = 0;
-    for (const Run &run : m_runs) {
-        const bool isWhole = run.length == m_text.size();
-        m_cursor.insertText(isWhole ? m_text : m_text.sliced(at, run.length),
-                            m_formats[run.format]);
-        at += run.length;
-    }
-    m_text.resize(0);
+    TextParagraph taken {std::move(m_text), std::move(m_runs), first, paragraph};
+    m_text = QString();
     m_runs.clear();
+    return taken;
+}
+
+void TextDocumentSink::endParagraph(const RtfParagraph &paragraph, const RtfCharacter &character)
+{
+    if (m_pendingTabs > 0) {
+        appendText({}, character);
+    }
+    TextParagraph ended = takeParagraph(paragraph, character);
+    const int nesting = m_cells > mostCells ? 0 : paragraph.nesting;
+    closeTables(nesting);
+    if (nesting > 0) {
+        tableAt(nesting).cell.push_back({std::move(ended), nullptr});
+        return;
+    }
+    write(ended, false);
+    // The memory is good for the next one.
+    m_text = std::move(ended.text);
+    m_text.resize(0);
+    m_runs = std::move(ended.runs);
+    m_runs.clear();
+}
+
+TextTable &TextDocumentSink::tableAt(int nesting)
+{
+    while (m_openTables.size() < std::size_t(nesting)) {
+        m_openTables.push_back(std::make_unique<TextTable>());
+    }
+    return *m_openTables[std::size_t(nesting) - 1];
+}
+
+/// Ends the tables that are deeper; the outermost one goes to the document.
+void TextDocumentSink::closeTables(int nesting)
+{
+    while (m_openTables.size() > std::size_t(nesting)) {
+        std::unique_ptr<TextTable> table = std::move(m_openTables.back());
+        m_openTables.pop_back();
+        table->close();
+        if (table->rows.empty()) {
+            continue;
+        }
+        if (m_openTables.empty()) {
+            write(*table);
+        } else {
+            m_openTables.back()->cell.push_back({TextParagraph(), std::move(table)});
+        }
+    }
 }
 
 std::size_t TextDocumentSink::formatOf(const RtfCharacter &character)
@@ -154,7 +229,7 @@ std::size_t TextDocumentSink::formatOf(const RtfCharacter &character)
     const std::pair key(character, char16_t(0));
     auto found = m_formatIndex.constFind(key);
     if (found == m_formatIndex.constEnd()) {
-        m_formats.push_back(makeFormat(character));
+        m_formats.push_back(charFormatOf(character, *m_tables));
         found = m_formatIndex.insert(key, m_formats.size() - 1);
     }
     m_lastCharacter = character;
@@ -176,50 +251,83 @@ std::size_t TextDocumentSink::standInFor(char16_t unit, const RtfCharacter &char
     return m_formats.size() - 1;
 }
 
-QTextCharFormat TextDocumentSink::makeFormat(const RtfCharacter &character) const
+const QTextBlockFormat &TextDocumentSink::blockFormat(const RtfParagraph &paragraph)
 {
-    QTextCharFormat format;
-    if (const std::optional<RtfFont> font = m_tables->font(character.font);
-        font && !font->name.isEmpty()) {
-        format.setFontFamilies({familyOfFontName(font->name)});
-        if (!fontNameIsPlain(font->name)) {
-            format.setProperty(FontName, font->name);
+    for (const BlockLook &look : m_blockLooks) {
+        if (look.paragraph == paragraph) {
+            return look.format;
         }
     }
-    if (character.milliPoints > 0) {
-        format.setFontPointSize(character.milliPoints / 1000.0);
-    } else if (m_tables->defaultFont) {
-        format.setFontPointSize(defaultMilliPoints / 1000.0);
+    if (m_blockLooks.size() < keptBlockLooks) {
+        m_blockLooks.emplace_back();
+        m_nextBlockLook = m_blockLooks.size() - 1;
+    } else {
+        m_nextBlockLook = (m_nextBlockLook + 1) % keptBlockLooks;
     }
-    if (character.bold) {
-        format.setFontWeight(QFont::Bold);
-    }
-    if (character.italic) {
-        format.setFontItalic(true);
-    }
-    if (character.underline) {
-        format.setFontUnderline(true);
-    }
-    if (const std::optional<QRgb> colour = m_tables->colour(character.colour)) {
-        format.setForeground(QColor::fromRgba(*colour));
-    }
-    return format;
+    BlockLook &look = m_blockLooks[m_nextBlockLook];
+    look = {paragraph, blockFormatOf(paragraph, *m_tables)};
+    return look.format;
 }
 
-const QTextBlockFormat &TextDocumentSink::blockFormatOf(const RtfParagraph &paragraph)
+void TextDocumentSink::writeDocumentWords()
 {
-    if (paragraph == m_lastParagraph) {
-        return m_lastBlockFormat;
+    const auto title = m_tables->info.constFind("title");
+    if (title != m_tables->info.constEnd()) {
+        m_document.setMetaInformation(QTextDocument::DocumentTitle, *title);
     }
-    m_lastParagraph = paragraph;
-    m_lastBlockFormat = QTextBlockFormat();
-    if (const std::optional<Qt::Alignment> alignment = alignmentOf(paragraph.alignment)) {
-        m_lastBlockFormat.setAlignment(*alignment);
+    QVariantMap info;
+    for (auto it = m_tables->info.constBegin(); it != m_tables->info.constEnd(); ++it) {
+        if (it != title) {
+            info.insert(QString::fromLatin1(it.key()), it.value());
+        }
     }
-    if (!paragraph.words.isEmpty() && paragraph.words != defaultTabWords) {
-        m_lastBlockFormat.setProperty(ParagraphWords, paragraph.words);
+    if (info.isEmpty() && m_tables->documentWords.isEmpty()) {
+        return;
     }
-    return m_lastBlockFormat;
+    QTextFrameFormat format = m_document.rootFrame()->frameFormat();
+    if (!m_tables->documentWords.isEmpty()) {
+        format.setProperty(DocumentWords, m_tables->documentWords);
+    }
+    if (!info.isEmpty()) {
+        format.setProperty(DocumentInfo, info);
+    }
+    m_document.rootFrame()->setFrameFormat(format);
+}
+
+void TextDocumentSink::write(const TextParagraph &paragraph, bool isInCell)
+{
+    QTextBlockFormat format = blockFormat(paragraph.look);
+    const bool isItem = m_lists.enter(paragraph.look, *m_tables, format);
+    const bool isFirstOfCell = isInCell && m_isFirst;
+    enterBlock(format, m_formats[paragraph.endFormat], isFirstOfCell);
+    if (isItem && m_lists.needsList()) {
+        m_lists.createFor(m_cursor, paragraph.look, *m_tables);
+    }
+    qsizetype at = 0;
+    for (const TextRun &run : paragraph.runs) {
+        const bool isWhole = run.length == paragraph.text.size();
+        m_cursor.insertText(isWhole ? paragraph.text : paragraph.text.sliced(at, run.length),
+                            m_formats[run.format]);
+        at += run.length;
+    }
+}
+
+/// \a isFirstOfCell: the format of the block's characters is the one of the cell.
+void TextDocumentSink::enterBlock(const QTextBlockFormat &format, const QTextCharFormat &charFormat,
+                                  bool isFirstOfCell)
+{
+    if (!m_hasOpenBlock) {
+        m_cursor.insertBlock(format, charFormat);
+    } else {
+        if (format.propertyCount() > 0) {
+            m_cursor.setBlockFormat(format);
+        }
+        if (!isFirstOfCell && charFormat.propertyCount() > 0) {
+            m_cursor.setBlockCharFormat(charFormat);
+        }
+    }
+    m_hasOpenBlock = false;
+    m_isFirst = false;
 }
 
 } // namespace quorvane

@@ -5,6 +5,8 @@
 #include <QTest>
 #include <QTextDocument>
 
+#include <functional>
+
 #include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
@@ -51,6 +53,8 @@ private slots:
     void largeAndDeepInputIsReadInBoundedMemory_data();
     void largeAndDeepInputIsReadInBoundedMemory();
     void groupsBeyondTheBoundStillKeepTheirText();
+    void tablesOfEveryShapeKeepTheirText_data();
+    void tablesOfEveryShapeKeepTheirText();
     void aFileCutAnywhereIsRead();
     void aFileWithAnyByteChangedIsRead();
 };
@@ -91,6 +95,57 @@ void TestRtfMalice::groupsBeyondTheBoundStillKeepTheirText()
     const QByteArray rtf = "{\\rtf1 " + QByteArray(depth, '{')
         + "deep{\\fonttbl\\f0 A;}{\\*\\x y}er" + QByteArray(depth, '}') + "\\b after}";
     QCOMPARE(textOf(rtf), u"deeperafter"_s);
+}
+
+void TestRtfMalice::tablesOfEveryShapeKeepTheirText_data()
+{
+    QTest::addColumn<QByteArray>("rtf");
+    const auto built = [](int count, const std::function<QByteArray(int)> &piece) {
+        QByteArray rtf;
+        for (int i = 0; i < count; ++i) {
+            rtf += piece(i);
+        }
+        return rtf;
+    };
+    QTest::newRow("more cells than are made")
+        << "\\trowd\\cellx99 " + repeated("a\\cell\\row", 3 << 20);
+    QTest::newRow("one row of cells without end") << repeated("a\\cell ", 1 << 20);
+    QTest::newRow("edges of its own in each row") << built(3000, [](int i) {
+        return "\\trowd\\cellx" + QByteArray::number(100 + i * 31)
+            + "\\cellx99999 a\\cell b\\cell\\row";
+    });
+    QTest::newRow("a long row among short ones")
+        << repeated("a\\cell ", 1 << 16) + "\\row" + repeated("a\\cell\\row", 1 << 16);
+    QTest::newRow("a long definition that hardly changes")
+        << "\\trowd" + repeated("\\cellx9", 1 << 16) + built(20'000, [](int i) {
+               return "\\trgaph" + QByteArray::number(i) + " a\\cell\\row";
+           });
+    QTest::newRow("merged cells all over") << built(2000, [](int i) {
+        return "\\trowd\\clvmgf\\cellx" + QByteArray::number(99 + i % 7 * 100)
+            + "\\clmgf\\cellx2000\\clmrg\\cellx3000 a\\cell b\\cell c\\cell\\row";
+    });
+    QTest::newRow("tables in tables") << built(2000, [](int i) {
+        const QByteArray depth = "\\itap" + QByteArray::number(i * 7 % 40);
+        return depth + " a\\par b\\nestcell c\\nestrow" + depth + "\\cell";
+    });
+    QTest::newRow("lists in cells")
+        << QByteArray(
+               "{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'01\\'00;}}\\listid1}}"
+               "{\\*\\listoverridetable{\\listoverride\\listid1\\ls1}}\\ls1 ")
+            + repeated("a\\par b\\cell\\row", 1 << 16);
+}
+
+void TestRtfMalice::tablesOfEveryShapeKeepTheirText()
+{
+    QFETCH(QByteArray, rtf);
+    const QByteArray whole = "{\\rtf1 " + rtf + "x}";
+    QTextDocument document;
+    const long before = peakMegabytes();
+    readBody(whole, document);
+    QVERIFY2(peakMegabytes() - before < 500, qPrintable(QString::number(peakMegabytes() - before)));
+    QString text = textOf(whole);
+    QString shown = document.toPlainText();
+    QCOMPARE(shown.remove(u'\n').remove(u'\t'), text.remove(u'\n').remove(u'\t'));
 }
 
 void TestRtfMalice::aFileCutAnywhereIsRead()

@@ -80,8 +80,9 @@ void TestRtfReader::givesTheText_data()
     row("the text of a box follows once",
         "{\\rtf1 a{\\shp{\\*\\shpinst{\\sp{\\sn n}{\\sv v}}{\\shptxt B}}{\\shprslt B}}c}",
         u"ac\nB"_s);
-    row("pictures are skipped", "{\\rtf1 a{\\pict\\pngblip 89504e47}b}", u"ab"_s);
-    row("binary bytes are skipped by count", "{\\rtf1 a{\\pict\\bin4 }}{{}b}", u"ab"_s);
+    row("a picture is one character", "{\\rtf1 a{\\pict\\pngblip 8950\n4e47}b}", u"a\ufffcb"_s);
+    row("a picture without bytes is none", "{\\rtf1 a{\\pict\\pngblip}b}", u"ab"_s);
+    row("binary bytes are skipped by count", "{\\rtf1 a{\\*\\x\\bin4 }}{{}b\\bin2 {{c}", u"abc"_s);
     row("deleted text goes", "{\\rtf1 a{\\deleted b}c}", u"ac"_s);
     row("hidden text stays", "{\\rtf1 a{\\v b}c}", u"abc"_s);
     row("an attachment is one character",

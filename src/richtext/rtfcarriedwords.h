@@ -1,0 +1,22 @@
+#pragma once
+
+#include "richtext/rtftokenizer.h"
+
+#include <QByteArray>
+
+#include <optional>
+
+namespace quorvane {
+
+class RtfTables;
+
+/// Adds a control word with its number to such as are carried along; too many are dropped.
+void appendCarriedWord(QByteArray &words, const RtfToken &token);
+
+/// The same with the number of a colour, which becomes the colour itself.
+void appendCarriedColour(QByteArray &words, const RtfToken &token, const RtfTables &tables);
+
+/// Takes a word with its number out of those that are carried.
+void removeCarriedWord(QByteArray &words, QByteArrayView word);
+
+} // namespace quorvane
