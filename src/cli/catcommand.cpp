@@ -77,6 +77,9 @@ bool print(const QString &format, const QByteArray &body)
     if (format == "text"_L1) {
         return printText(plainTextFromBody(body));
     }
+    if (format == "html"_L1) {
+        return printText(QString::fromUtf8(htmlOfBody(body)));
+    }
     if (writeEverything(STDOUT_FILENO, contentIn(format, body))) {
         return true;
     }
