@@ -24,6 +24,7 @@ ROOMS = {
     "document": (BELOW | {"product", "crypto"}, CORE, {"zxcvbn"}),
     "update": (BELOW | {"product"}, CORE, set()),
     "richtext": (BELOW, GUI, set()),
+    "cli": (BELOW | {"product", "crypto", "document", "richtext"}, GUI, set()),
     "editor": (BELOW | {"product", "util", "document", "richtext"}, WIDGETS, set()),
     "shell": (BELOW | {"product", "crypto", "util", "document", "update", "richtext", "editor"},
               WIDGETS, set()),

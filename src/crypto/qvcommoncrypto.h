@@ -1,5 +1,7 @@
 #pragma once
 
+#include "crypto/outcome.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -7,13 +9,6 @@
 #include <utility>
 
 namespace quorvane {
-
-/// What a cipher operation came to. Data is present exactly where the error is 0.
-struct [[nodiscard]] Outcome
-{
-    std::optional<QByteArray> data;
-    qint32 error = 0; ///< 0, or one of QVCommonCrypto's negative status values.
-};
 
 /// The cipher of documents since format version 10700: AES-256 in CBC mode with PKCS #7 padding
 /// (RFC 5652, 6.3), the key from PBKDF2 (RFC 8018) with HMAC-SHA1 and 10000 rounds.
@@ -26,6 +21,7 @@ class QVCommonCrypto final
 public:
     static constexpr int derivationRounds = 10000;
 
+    // The error of an outcome is 0 or one of these.
     static constexpr qint32 statusParameter = -4300; ///< Vector, salt or context of no use.
     static constexpr qint32 statusMemory = -4302; ///< No room for the result.
     static constexpr qint32 statusAlignment = -4303; ///< Not a whole number of blocks.

@@ -7,11 +7,11 @@ namespace quorvane {
 
 qint64 randomInRange(qint64 low, qint64 high)
 {
-    static bool isSeeded = false;
-    if (!isSeeded) {
+    // Whichever thread comes first seeds, and no other.
+    [[maybe_unused]] static const bool isSeeded = [] {
         srandom(static_cast<unsigned int>(time(nullptr)));
-        isSeeded = true;
-    }
+        return true;
+    }();
     if (high < low) {
         return low;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "crypto/qvcommoncrypto.h"
+#include "crypto/qvcrypto.h"
 #include "document/qvcryptodoc.h"
 #include "platform/nstextview.h"
 #include "platform/nsuserdefaults.h"
@@ -141,6 +142,7 @@ private:
     void renewPasswordCheck();
     void setUpEngineIfPasswordChanged();
     qint32 decryptAes();
+    qint32 decryptBlowfish();
 
     MyDocumentSurroundings m_surroundings;
     std::unique_ptr<NSWindowController> m_windowController;
@@ -160,6 +162,7 @@ private:
     std::optional<QByteArray> m_mySha1_RcData;
 
     std::unique_ptr<QVCommonCrypto> m_myCommonCrypto;
+    QVCrypto m_myCrypto {QVCrypto::documentVector};
     qint64 m_releaseToDecryptDoc = 0;
     NSRect m_myWinRectToUse;
     bool m_useMyWinRect = false;

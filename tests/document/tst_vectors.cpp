@@ -91,9 +91,8 @@ void TestVectors::aFileMadeElsewhereComesToWhatItShould()
         QCOMPARE(document.myPublicTextData().value_or(u""_s), vector.header.value(u"note"_s));
     }
     document.setPlainPassword(vector.header.value(u"password"_s));
-    const bool isBlowfish = vector.header.value(u"cipher"_s) == "blowfish"_L1;
     const bool opens = document.Decript() == 0;
-    QCOMPARE(opens, !isBlowfish && (expected == "opened"_L1 || expected == "damaged"_L1));
+    QCOMPARE(opens, expected == "opened"_L1 || expected == "damaged"_L1);
     if (opens) {
         if (vector.header.contains(u"mac"_s)) {
             QCOMPARE(QString::fromLatin1(document.myCrMAC().value_or(QByteArray()).toHex()),
@@ -103,6 +102,7 @@ void TestVectors::aFileMadeElsewhereComesToWhatItShould()
             document.myTextViewData().value_or(QByteArray()), QCryptographicHash::Sha1);
         QCOMPARE(QString::fromLatin1(sha1.toHex()), vector.header.value(u"body-sha1"_s));
         // What was opened is saved in the current version and opens again.
+        document.decryptDone();
         MyDocument again(world.surroundings());
         QVERIFY(again.readFromData(document.dataOfType().value_or(QByteArray())));
         again.setPlainPassword(document.plainPassword());

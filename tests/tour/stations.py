@@ -77,6 +77,7 @@ class Tour:
         self.log = "program.log"
         self.text = TEXT
         self.password = PASSWORD
+        self.old = []  # documents of old versions, once they were migrated
         self.station = None
         self.pictures = 0
         self.editor_size = None

@@ -53,9 +53,9 @@ bool accessibilityTells(QAccessibleInterface *node, int &nodesLeft)
     if (!node || nodesLeft-- <= 0) {
         return false;
     }
-    for (const QAccessible::Text kind : {QAccessible::Name, QAccessible::Description,
-                                         QAccessible::Value, QAccessible::Help,
-                                         QAccessible::Accelerator}) {
+    for (const QAccessible::Text kind :
+         {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help,
+          QAccessible::Accelerator}) {
         if (tells(node->text(kind))) {
             return true;
         }
@@ -78,8 +78,7 @@ bool anyWidgetTells()
     return std::any_of(widgets.begin(), widgets.end(), [](QWidget *widget) {
         int nodesLeft = mostNodes;
         return tells(widget->windowTitle()) || tells(widget->toolTip())
-            || tells(widget->accessibleName())
-            || tells(widget->property("text").toString())
+            || tells(widget->accessibleName()) || tells(widget->property("text").toString())
             || tells(widget->property("plainText").toString())
             || accessibilityTells(QAccessible::queryAccessibleInterface(widget), nodesLeft);
     });
@@ -150,8 +149,8 @@ void TestLockedSilence::noWayLeadsToAWordOfALockedDocument()
         QVERIFY2(!clipboardTells() && !anyWidgetTells(), qPrintable(title));
         QCOMPARE(program.panels.saved.size(), savesBefore);
     }
-    for (const Qt::Key key : {Qt::Key_A, Qt::Key_C, Qt::Key_X, Qt::Key_Insert, Qt::Key_Z,
-                              Qt::Key_P, Qt::Key_F}) {
+    for (const Qt::Key key :
+         {Qt::Key_A, Qt::Key_C, Qt::Key_X, Qt::Key_Insert, Qt::Key_Z, Qt::Key_P, Qt::Key_F}) {
         for (QWidget *receiver : {static_cast<QWidget *>(&editor), editor.viewport(),
                                   static_cast<QWidget *>(&program.window())}) {
             QTest::keyClick(receiver, key, Qt::ControlModifier);

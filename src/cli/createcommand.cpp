@@ -1,0 +1,60 @@
+#include "cli/commands.h"
+#include "cli/content.h"
+#include "cli/passwords.h"
+#include "cli/storeddocument.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+namespace quorvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A symbolic link that leads nowhere is something, too.
+bool exists(const QString &path)
+{
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0;
+}
+
+std::optional<Failure> refusal(const Arguments &arguments)
+{
+    if (!exists(arguments.file()) || arguments.has("force")) {
+        return std::nullopt;
+    }
+    return Failure {ExitCode::CannotWrite, u"it exists; --force replaces it"_s};
+}
+
+} // namespace
+
+ExitCode runCreate(const Arguments &arguments)
+{
+    const QString &file = arguments.file();
+    if (const auto failure = refusal(arguments)) {
+        return fail(file, *failure); // before the trouble of a password
+    }
+    const auto typed = newPassword(arguments, NewPasswordSource::PasswordOptions);
+    if (!typed.value) {
+        return fail(file, typed.failure);
+    }
+    // After the password, which may be the first line of the same input.
+    QByteArray body;
+    if (const std::optional<QString> from = arguments.value("from")) {
+        const Result<QByteArray> read = bodyFrom(*from);
+        if (!read.value) {
+            return fail(*from, read.failure);
+        }
+        body = *read.value;
+    }
+    if (const auto failure = refusal(arguments)) {
+        return fail(file, *failure);
+    }
+    const auto failure =
+        StoredDocument::create(file, body, arguments.value("note").value_or(u""_s), *typed.value);
+    return failure ? fail(file, *failure) : ExitCode::Done;
+}
+
+} // namespace quorvane
