@@ -43,8 +43,9 @@ void TestBackground::anotherWindowSavesAndArmsTheLock()
     document->setMyTextViewData("body");
     BusConnector sessionBus(QDBusConnection::SessionBus);
     Desktop desktop(sessionBus);
-    desktop.serve({documents, delegate, world.defaults, world.queue, [] {
-                   }});
+    const auto nothing = [] {
+    };
+    desktop.serve({documents, delegate, world.defaults, world.queue, nothing, nothing});
 
     QWidget window;
     window.setGeometry(100, 100, 300, 200);

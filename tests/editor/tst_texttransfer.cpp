@@ -54,7 +54,8 @@ public:
         };
         transfer = std::make_unique<TextTransfer>(
             *document, editor, view,
-            TransferSurroundings {{world.queue, files, world.panels}, packages, isOpen});
+            TransferSurroundings {
+                {world.queue, files, world.panels, world.timers}, packages, isOpen});
     }
 
     ~Desk() { document->disconnectOutlets(); }
