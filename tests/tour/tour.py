@@ -44,7 +44,8 @@ def go(tour):
         try:
             tour.station, tour.pictures = f"{number:02}-{name}", 0
             function(tour)
-            tour.picture()
+            if tour.screen.program or not tour.pictures:  # Else the screen is empty by now.
+                tour.picture()
         except Exception as error:
             fail(tour, number, name, error)
             return 1
