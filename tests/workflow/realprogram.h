@@ -46,6 +46,8 @@ public:
     ~RealProgram()
     {
         documents.closeAllDocuments([](bool) {});
+        // Closed documents go with the next turn; nothing of the program outlives this one.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     /// A file of a document with that body, made by the program itself.
