@@ -8,7 +8,7 @@ namespace quorvane {
 namespace {
 
 constexpr int tolerance = 30; // Twips between edges that are meant to be one.
-constexpr int narrowest = 2 * tolerance; // So that no cell is without a column.
+constexpr int narrowest = tolerance + 1; // No cell is without a column, and each column stays.
 constexpr int usualWidth = 1440; // Of a cell that has no edge.
 constexpr std::size_t mostColumns = 128;
 constexpr std::size_t slack = 4096; // Places in the grid beside four for each cell.
@@ -99,7 +99,8 @@ void joinAcross(Places &places, const RtfRow &definition)
     std::erase_if(places, [](const TextTableGrid::Place &place) { return place.rows == 0; });
 }
 
-/// Joins cells that say they belong to the one above them.
+/// Joins cells that say they belong to the one above them. One with text in it stays where it is:
+/// moved up, the text would come before that of cells it stands behind.
 void joinDown(TextTableGrid &grid, const TextTable &table)
 {
     std::vector<std::pair<std::size_t, std::size_t>> above(std::size_t(grid.columnCount));
@@ -110,7 +111,7 @@ void joinDown(TextTableGrid &grid, const TextTable &table)
             auto &owner = above[std::size_t(place.column)];
             const RtfCell *const cell = definitionOf(definition, place.index);
             const bool follows = r > 0 && cell && cell->down == RtfCell::Merge::Follows
-                && owner.second < grid.rows[owner.first].size();
+                && !holdsSomething(*place.cell) && owner.second < grid.rows[owner.first].size();
             TextTableGrid::Place *const first =
                 follows ? &grid.rows[owner.first][owner.second] : nullptr;
             const bool fits = first && first->column == place.column
@@ -121,7 +122,6 @@ void joinDown(TextTableGrid &grid, const TextTable &table)
             }
             ++first->rows;
             place.rows = 0;
-            moveInto(*first->cell, *place.cell);
         }
     }
 }
