@@ -9,7 +9,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr int largestLength = 31'680; // Twips: 22 inches, the largest page of word processors.
 constexpr int largestSize = 10'000'000; // Thousandths of a point.
 constexpr int usualShift = 6; // Half points, where no number is said.
 constexpr qsizetype mostTabs = 64;

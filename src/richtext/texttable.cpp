@@ -7,8 +7,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr int tolerance = 30; // Twips between edges that are meant to be one.
-constexpr int narrowest = tolerance + 1; // No cell is without a column, and each column stays.
 constexpr int usualWidth = 1440; // Of a cell that has no edge.
 constexpr std::size_t mostColumns = 128;
 constexpr std::size_t slack = 4096; // Places in the grid beside four for each cell.
@@ -45,7 +43,7 @@ std::vector<int> edgesOf(const RtfRow &row, std::size_t count, bool widthsComeFi
             && cell->widthUnit == RtfCell::WidthUnit::Twips) {
             edge = left + cell->width;
         }
-        edges.push_back(std::max(edge, left + narrowest));
+        edges.push_back(std::max(edge, left + narrowestColumn));
     }
     return edges;
 }
@@ -65,7 +63,7 @@ std::vector<int> columnEdges(const TextTable &table, bool widthsComeFirst, std::
     std::sort(all.begin(), all.end());
     std::vector<int> columns;
     for (const int edge : all) {
-        if (columns.empty() || edge - columns.back() > tolerance) {
+        if (columns.empty() || edge - columns.back() >= narrowestColumn) {
             columns.push_back(edge);
         }
     }
@@ -209,7 +207,7 @@ TextTableGrid gridOf(TextTable &table, bool widthsComeFirst)
     const std::vector<int> columns = columnEdges(table, widthsComeFirst, most);
     grid.columnCount = columns.empty() ? int(std::min(longest, most)) : int(columns.size()) - 1;
     for (std::size_t i = 1; i < columns.size(); ++i) {
-        grid.widths.push_back(columns[i] - columns[i - 1]);
+        grid.widths.push_back(std::min(columns[i] - columns[i - 1], largestLength));
     }
     for (TextRow &row : table.rows) {
         const RtfRow &definition = table.definitions[row.definition];
