@@ -122,9 +122,8 @@ void RtfRows::measureColumns(const QTextTableFormat &format, qint64 room)
         variable += length.type() == QTextLength::VariableLength ? 1 : 0;
         fixed += length.type() == QTextLength::FixedLength ? twipsOf(length.rawValue()) : 0;
     }
-    const qint64 share =
-        std::max((room - fixed) / std::max(variable, 1),
-                 count > 0 ? std::min(usualColumn, room / count) : usualColumn);
+    const qint64 share = std::max((room - fixed) / std::max(variable, 1),
+                                  count > 0 ? std::min(usualColumn, room / count) : usualColumn);
     qint64 edge = m_left;
     for (int i = 0; i < count; ++i) {
         const QTextLength length = constraints.value(i);
