@@ -337,6 +337,8 @@ void TestRtfDocument::whatWouldBeLostIsTold_data()
     row("text beside the text", "a{\\footnote b}", true);
     row("what is embedded", "{\\object{\\*\\objdata 00}{\\result a}}", true);
     row("text that is crossed out", "{\\deleted a}", true);
+    row("the entry of an index", "a{\\xe\\v b}", true);
+    row("a formula", "{\\mmath{\\*\\moMath{\\mr x}}}", true);
     row("a field that counts", "{\\field{\\*\\fldinst{ PAGE }}{\\fldrslt 1}}", true);
     row("a link", "{\\field{\\*\\fldinst{HYPER}{LINK \"x\"}}{\\fldrslt 1}}", false);
     row("bytes that look like words", "{\\pict\\pngblip\\bin10 {\\footnote}a", false);
