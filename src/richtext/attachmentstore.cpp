@@ -29,7 +29,10 @@ void AttachmentStore::setEntries(FlatRtfdEntries entries,
     m_composed.clear();
     QHash<QByteArray, FlatRtfdAttributes> known;
     for (const FlatRtfdAttributes &record : attributes) {
-        known.insert(record.name, record);
+        // The text's record comes last where a file has the same name.
+        if (!known.contains(record.name)) {
+            known.insert(record.name, record);
+        }
     }
     for (FlatRtfdEntry &entry : entries) {
         Stored stored;

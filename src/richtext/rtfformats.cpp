@@ -436,14 +436,15 @@ QTextBlockFormat blockFormatOf(const RtfParagraph &paragraph, const RtfTables &t
 QTextListFormat listFormatOf(const RtfListLevel &listLevel, int level)
 {
     constexpr int bullet = 23; // Number of \levelnfc.
+    const QString text = listLevel.text.left(longestLevelText);
     QTextListFormat format;
     format.setIndent(level + 1);
     if (listLevel.kind == bullet) {
-        setBulletOf(format, listLevel.text);
+        setBulletOf(format, text);
         return format;
     }
     format.setStyle(listStyleOf(listLevel.kind));
-    setNumberOf(format, listLevel.text, level);
+    setNumberOf(format, text, level);
     if (listLevel.start != 1) {
         format.setProperty(ListStart, listLevel.start);
     }

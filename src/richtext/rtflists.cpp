@@ -1,5 +1,6 @@
 #include "richtext/rtflists.h"
 
+#include "richtext/rtftables.h"
 #include "richtext/textproperties.h"
 
 #include <QTextList>
@@ -16,7 +17,6 @@ namespace {
 constexpr int deepestIndent = 9; // RTF 1.9.1: nine levels.
 constexpr int firstListId = 1;
 constexpr int templateBase = 100; // Identifiers of levels that no other list has.
-constexpr qsizetype longestLevelText = 60;
 constexpr qsizetype longestAffix = 29;
 
 struct Style
@@ -184,9 +184,10 @@ RtfLists::Known RtfLists::makeKnown(const QTextListFormat &format)
                  int(style.style),
                  startOf(format)};
     RtfEscaper(known.beforeNumber, m_fallback)
-        .text(isNumbered(style) ? format.numberPrefix() : bulletOf(format, style));
+        .text(isNumbered(style) ? format.numberPrefix().left(longestAffix)
+                                : bulletOf(format, style));
     if (isNumbered(style)) {
-        RtfEscaper(known.behindNumber, m_fallback).text(suffixOf(format));
+        RtfEscaper(known.behindNumber, m_fallback).text(suffixOf(format).left(longestAffix));
     }
     known.behindNumber += "\t}";
     return known;

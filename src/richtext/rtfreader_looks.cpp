@@ -9,7 +9,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr int largestLength = 31'680; // Twips: 22 inches, the largest page of word processors.
 constexpr int largestSize = 10'000'000; // Thousandths of a point.
 constexpr int usualShift = 6; // Half points, where no number is said.
 constexpr qsizetype mostTabs = 64;
@@ -143,8 +142,8 @@ void RtfReader::lineWord(RtfKeyword keyword, const RtfToken &token)
         character.strikeColour = std::max(token.parameter, 0);
         break;
     case RtfAction::Spacing:
-        character.spacing = std::clamp(token.parameter, -largestLength, largestLength);
-        character.spacing *= keyword.value;
+        character.spacing =
+            std::clamp(length(token) * keyword.value, -largestLength, largestLength);
         break;
     case RtfAction::Kerning:
         // Elsewhere it is the size from which on pairs are kerned.
@@ -169,10 +168,10 @@ void RtfReader::carryCharacterWord(RtfKeyword keyword, const RtfToken &token)
     if (!isOn(token) && number != CarriedNumber::PlainOrZero) {
         return;
     }
-    if (number == CarriedNumber::Colour) {
-        appendCarriedColour(words, token, m_tables);
-    } else {
+    if (number != CarriedNumber::Colour) {
         appendCarriedWord(words, token);
+    } else if (m_tables.exactColour(token.parameter)) {
+        appendCarriedColour(words, token, m_tables);
     }
 }
 

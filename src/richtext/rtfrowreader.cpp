@@ -9,7 +9,7 @@ namespace quorvane {
 namespace {
 
 constexpr std::size_t mostCells = 512; // Word processors stop at 63.
-constexpr int largestLength = 31'680; // Twips: 22 inches, the widest page of word processors.
+constexpr int largestEdge = largestLength * int(mostCells + 1);
 
 int length(const RtfToken &token)
 {
@@ -67,7 +67,7 @@ void RtfRowReader::cellWord(RtfKeyword keyword, const RtfToken &token, RtfRow &r
     const auto value = std::size_t(keyword.value);
     switch (keyword.action) {
     case RtfAction::CellEdge:
-        m_cell.edge = length(token);
+        m_cell.edge = std::clamp(token.parameter, -largestLength, largestEdge);
         if (row.cells.size() < mostCells) {
             row.cells.push_back(m_cell);
         }

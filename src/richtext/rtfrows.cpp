@@ -2,6 +2,7 @@
 
 #include "richtext/rtfescape.h"
 #include "richtext/rtfparagraph.h"
+#include "richtext/rtfsink.h"
 #include "richtext/rtfwritertables.h"
 #include "richtext/textproperties.h"
 
@@ -15,7 +16,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr qint64 narrowestColumn = 720;
+constexpr qint64 usualColumn = 720; // At least, where there is room.
 constexpr int fiftiethsPerCent = 50;
 
 const char *styleWord(QTextFrameFormat::BorderStyle style)
@@ -82,6 +83,12 @@ const char *verticalWord(const QTextTableCellFormat &cell)
     }
 }
 
+/// Another width would not come back.
+qint64 columnWidth(qint64 twips)
+{
+    return std::clamp<qint64>(twips, narrowestColumn, largestLength);
+}
+
 } // namespace
 
 RtfRows::RtfRows(const QTextTable &table, int depth, qint64 room, RtfWriterTables &tables,
@@ -91,7 +98,7 @@ RtfRows::RtfRows(const QTextTable &table, int depth, qint64 room, RtfWriterTable
     , m_spans(spans)
 {
     const QTextTableFormat format = table.format();
-    m_left = twipsOf(format.leftMargin());
+    m_left = std::clamp<qint64>(twipsOf(format.leftMargin()), -largestLength, largestLength);
     m_headerRows = format.headerRowCount();
     m_start = rtfWord("itap", depth) + "\\trowd \\taflags1 " + rtfWord("trgaph", 0)
         + rtfWord("trleft", m_left);
@@ -115,20 +122,19 @@ void RtfRows::measureColumns(const QTextTableFormat &format, qint64 room)
         variable += length.type() == QTextLength::VariableLength ? 1 : 0;
         fixed += length.type() == QTextLength::FixedLength ? twipsOf(length.rawValue()) : 0;
     }
-    const qint64 share =
-        std::max((room - fixed) / std::max(variable, 1),
-                 count > 0 ? std::min(narrowestColumn, room / count) : narrowestColumn);
+    const qint64 share = std::max((room - fixed) / std::max(variable, 1),
+                                  count > 0 ? std::min(usualColumn, room / count) : usualColumn);
     qint64 edge = m_left;
     for (int i = 0; i < count; ++i) {
         const QTextLength length = constraints.value(i);
         Column column {"\\clftsWidth1", 0};
-        qint64 width = std::max<qint64>(share, 1);
+        qint64 width = columnWidth(share);
         if (length.type() == QTextLength::FixedLength) {
-            width = twipsOf(length.rawValue());
+            width = columnWidth(twipsOf(length.rawValue()));
             column.widthWords = rtfWord("clwWidth", width) + "\\clftsWidth3";
         } else if (length.type() == QTextLength::PercentageLength) {
             const double percent = std::clamp(length.rawValue(), 0.0, 100.0);
-            width = std::max<qint64>(qRound64(double(room) * percent / 100), 1);
+            width = columnWidth(qRound64(double(room) * percent / 100));
             column.widthWords =
                 rtfWord("clwWidth", qRound64(percent * fiftiethsPerCent)) + "\\clftsWidth2";
         }

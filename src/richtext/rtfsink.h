@@ -12,6 +12,9 @@ namespace quorvane {
 
 class RtfTables;
 
+constexpr int largestLength = 31'680; ///< Twips: 22 inches, the largest page of word processors.
+constexpr int narrowestColumn = 31; ///< Twips: edges that are nearer to each other are one.
+
 enum class RtfScript : signed char { Sub = -1, Normal, Super };
 enum class RtfCapitals : uchar { AsWritten, All, Small };
 

@@ -12,10 +12,12 @@ namespace quorvane {
 
 namespace {
 
-// Text that comes back in another place, what is behind a picture, and text that is crossed out.
+// Text that comes back in another place, what is behind a picture, text that is crossed out,
+// formulas and the entries of an index or of a table of contents.
 constexpr std::string_view surplus[] = {
-    "annotation", "deleted", "dptxbxtext", "footer",  "footerf", "footerl", "footerr",
-    "footnote",   "header",  "headerf",    "headerl", "headerr", "objdata", "shptxt",
+    "annotation", "deleted",  "dptxbxtext", "footer",  "footerf", "footerl",
+    "footerr",    "footnote", "header",     "headerf", "headerl", "headerr",
+    "moMath",     "objdata",  "shptxt",     "tc",      "xe",
 };
 
 // Their words describe what might be used, not what is.

@@ -30,6 +30,8 @@ struct RtfExpandedColour
     QRgb rgba = 0;
 };
 
+constexpr qsizetype longestLevelText = 60; ///< As long as labels are written.
+
 struct RtfListLevel
 {
     int kind = 0; ///< The number of \levelnfc.

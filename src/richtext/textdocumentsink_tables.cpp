@@ -15,7 +15,7 @@ namespace {
 constexpr double twipsPerPixel = 15;
 constexpr double fiftiethsPerPercent = 50;
 
-/// How wide each column is to be: as its cells say, the edges apart.
+/// How wide each column is to be: as its first cell says, the edges apart.
 QList<QTextLength> columnLengths(const TextTable &table, const TextTableGrid &grid)
 {
     QList<QTextLength> lengths(grid.columnCount);
@@ -23,17 +23,22 @@ QList<QTextLength> columnLengths(const TextTable &table, const TextTableGrid &gr
         lengths[qsizetype(i)] =
             QTextLength(QTextLength::FixedLength, grid.widths[i] / twipsPerPixel);
     }
-    const RtfRow &definition = table.definitions[table.rows.front().definition];
-    for (const TextTableGrid::Place &place : grid.rows.front()) {
-        if (place.columns != 1 || place.index >= definition.cells.size()) {
-            continue;
-        }
-        const RtfCell &cell = definition.cells[place.index];
-        if (cell.widthUnit == RtfCell::WidthUnit::Automatic) {
-            lengths[place.column] = QTextLength();
-        } else if (cell.widthUnit == RtfCell::WidthUnit::Percent) {
-            lengths[place.column] =
-                QTextLength(QTextLength::PercentageLength, cell.width / fiftiethsPerPercent);
+    std::vector<bool> isTold(std::size_t(grid.columnCount));
+    for (std::size_t r = 0; r < grid.rows.size(); ++r) {
+        const RtfRow &definition = table.definitions[table.rows[r].definition];
+        for (const TextTableGrid::Place &place : grid.rows[r]) {
+            if (place.columns != 1 || isTold[std::size_t(place.column)]
+                || place.index >= definition.cells.size()) {
+                continue;
+            }
+            isTold[std::size_t(place.column)] = true;
+            const RtfCell &cell = definition.cells[place.index];
+            if (cell.widthUnit == RtfCell::WidthUnit::Automatic) {
+                lengths[place.column] = QTextLength();
+            } else if (cell.widthUnit == RtfCell::WidthUnit::Percent) {
+                lengths[place.column] =
+                    QTextLength(QTextLength::PercentageLength, cell.width / fiftiethsPerPercent);
+            }
         }
     }
     return lengths;

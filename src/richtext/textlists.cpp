@@ -6,12 +6,13 @@
 #include <QTextCursor>
 #include <QTextList>
 
+#include <algorithm>
+
 namespace quorvane {
 
 namespace {
 
 constexpr int bullet = 23; // Number of \levelnfc.
-constexpr int deepestLevel = 8;
 // The toolkit looks at all items of a list for each new one. Bullets do not mind another list;
 // numbers would begin anew, so that long ones are parted only when they have cost their share.
 constexpr int usualItems = 200;
@@ -26,6 +27,7 @@ bool TextLists::enter(const RtfParagraph &paragraph, const RtfTables &tables,
     m_needsList = false;
     const RtfListLevel *const level = tables.level(paragraph);
     if (!level) {
+        m_lastOfLevel.front() = m_paragraph;
         return false;
     }
     for (int deeper = paragraph.level + 1; deeper <= deepestLevel; ++deeper) {
@@ -34,9 +36,11 @@ bool TextLists::enter(const RtfParagraph &paragraph, const RtfTables &tables,
     const auto open = m_open.find({paragraph.list, paragraph.level});
     const bool isBullet = level->kind == bullet;
     const bool isOld = paragraph.list < 0;
-    qsizetype &last = m_last[paragraph.list];
-    const bool isNext = last + 1 == m_paragraph;
-    last = m_paragraph;
+    const auto behindLevel =
+        m_lastOfLevel.begin() + std::min<int>(paragraph.level, deepestLevel) + 1;
+    const qsizetype lastUpHere = *std::max_element(m_lastOfLevel.begin(), behindLevel);
+    *(behindLevel - 1) = m_paragraph;
+    const bool isNext = open != m_open.end() && open->last == lastUpHere;
     const bool hasRoom =
         open != m_open.end() && (open->items < usualItems || (!isBullet && m_visits < mostVisits));
     const bool continues = hasRoom && (isNext || !(isBullet || isOld));
@@ -45,6 +49,7 @@ bool TextLists::enter(const RtfParagraph &paragraph, const RtfTables &tables,
         return true;
     }
     m_visits += ++open->items;
+    open->last = m_paragraph;
     format.setObjectIndex(open->list->objectIndex());
     return true;
 }
@@ -57,7 +62,7 @@ void TextLists::createFor(QTextCursor &cursor, const RtfParagraph &paragraph,
         return;
     }
     QTextList *const list = cursor.createList(listFormatOf(*level, paragraph.level));
-    m_open.insert({paragraph.list, paragraph.level}, {list, 1});
+    m_open.insert({paragraph.list, paragraph.level}, {list, 1, m_paragraph});
     m_needsList = false;
 }
 

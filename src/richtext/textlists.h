@@ -5,7 +5,7 @@
 #include <QHash>
 #include <QTextBlockFormat>
 
-#include <optional>
+#include <array>
 
 class QTextCursor;
 class QTextList;
@@ -15,7 +15,8 @@ namespace quorvane {
 class RtfTables;
 
 /// Gives each item of a list its place in one of the document's lists. A level starts anew behind
-/// an item of a higher one; where something else stands between two items, numbers go on.
+/// an item of a higher one; where something else than deeper items stands between two items,
+/// numbers go on and bullets do not.
 class TextLists final
 {
 public:
@@ -33,13 +34,16 @@ private:
     {
         QTextList *list;
         int items;
+        qsizetype last; ///< The paragraph of the last item.
     };
 
     using Key = std::pair<int, int>; ///< List and level.
+    static constexpr int deepestLevel = 8;
 
     QHash<Key, Open> m_open;
-    QHash<int, qsizetype> m_last; ///< The last paragraph of each list, on whatever level.
     qsizetype m_paragraph = 0;
+    /// The last item of each level, of whatever list; a paragraph that is none counts as the first.
+    std::array<qsizetype, deepestLevel + 1> m_lastOfLevel {};
     qint64 m_visits = 0; ///< Of items, by the toolkit.
     bool m_needsList = false;
 };

@@ -7,8 +7,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr int tolerance = 30; // Twips between edges that are meant to be one.
-constexpr int narrowest = 2 * tolerance; // So that no cell is without a column.
 constexpr int usualWidth = 1440; // Of a cell that has no edge.
 constexpr std::size_t mostColumns = 128;
 constexpr std::size_t slack = 4096; // Places in the grid beside four for each cell.
@@ -45,7 +43,7 @@ std::vector<int> edgesOf(const RtfRow &row, std::size_t count, bool widthsComeFi
             && cell->widthUnit == RtfCell::WidthUnit::Twips) {
             edge = left + cell->width;
         }
-        edges.push_back(std::max(edge, left + narrowest));
+        edges.push_back(std::max(edge, left + narrowestColumn));
     }
     return edges;
 }
@@ -65,7 +63,7 @@ std::vector<int> columnEdges(const TextTable &table, bool widthsComeFirst, std::
     std::sort(all.begin(), all.end());
     std::vector<int> columns;
     for (const int edge : all) {
-        if (columns.empty() || edge - columns.back() > tolerance) {
+        if (columns.empty() || edge - columns.back() >= narrowestColumn) {
             columns.push_back(edge);
         }
     }
@@ -99,7 +97,8 @@ void joinAcross(Places &places, const RtfRow &definition)
     std::erase_if(places, [](const TextTableGrid::Place &place) { return place.rows == 0; });
 }
 
-/// Joins cells that say they belong to the one above them.
+/// Joins cells that say they belong to the one above them. One with text in it stays where it is:
+/// moved up, the text would come before that of cells it stands behind.
 void joinDown(TextTableGrid &grid, const TextTable &table)
 {
     std::vector<std::pair<std::size_t, std::size_t>> above(std::size_t(grid.columnCount));
@@ -110,7 +109,7 @@ void joinDown(TextTableGrid &grid, const TextTable &table)
             auto &owner = above[std::size_t(place.column)];
             const RtfCell *const cell = definitionOf(definition, place.index);
             const bool follows = r > 0 && cell && cell->down == RtfCell::Merge::Follows
-                && owner.second < grid.rows[owner.first].size();
+                && !holdsSomething(*place.cell) && owner.second < grid.rows[owner.first].size();
             TextTableGrid::Place *const first =
                 follows ? &grid.rows[owner.first][owner.second] : nullptr;
             const bool fits = first && first->column == place.column
@@ -121,7 +120,6 @@ void joinDown(TextTableGrid &grid, const TextTable &table)
             }
             ++first->rows;
             place.rows = 0;
-            moveInto(*first->cell, *place.cell);
         }
     }
 }
@@ -209,7 +207,7 @@ TextTableGrid gridOf(TextTable &table, bool widthsComeFirst)
     const std::vector<int> columns = columnEdges(table, widthsComeFirst, most);
     grid.columnCount = columns.empty() ? int(std::min(longest, most)) : int(columns.size()) - 1;
     for (std::size_t i = 1; i < columns.size(); ++i) {
-        grid.widths.push_back(columns[i] - columns[i - 1]);
+        grid.widths.push_back(std::min(columns[i] - columns[i - 1], largestLength));
     }
     for (TextRow &row : table.rows) {
         const RtfRow &definition = table.definitions[row.definition];

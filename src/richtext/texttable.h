@@ -75,7 +75,7 @@ struct TextTableGrid
 
 /// Finds the columns by the edges of the cells; where these make no sense, by counting. The grid
 /// has at most some times as many places as the table has cells. What stands in cells that belong
-/// to others moves into those.
+/// to those in front of them moves there; below others there is nothing to move.
 TextTableGrid gridOf(TextTable &table, bool widthsComeFirst);
 
 } // namespace quorvane

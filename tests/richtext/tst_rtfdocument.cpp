@@ -163,6 +163,13 @@ void TestRtfDocument::listRows()
             + u"}c\nitem 2{style=-4 indent=1 start=3}d\n"
               "item 1{style=-5 indent=2 prefix=( suffix=)}e\n"
               "item 2{style=-5 indent=2 prefix=( suffix=)}"_s);
+    row("a list goes on behind deeper items of another one",
+        "\\pard\\ls2 a\\par\\ls1\\ilvl1 b\\par\\ls2\\ilvl0 c\\par\\ls3\\ilvl1 d\\par"
+        "\\pard\\ls1 e\\par\\ls2\\ilvl1 f\\par\\ls1\\ilvl0 g",
+        u"item 1{style=-4 indent=1 start=3}a\nitem 1{style=-3 indent=2}b\n"
+        "item 2{style=-4 indent=1 start=3}c\nitem 1{style=-1 indent=2 marker=\u2043}d\n"
+        "item 1{style=-1 indent=1}e\nitem 1{style=-5 indent=2 prefix=( suffix=)}f\n"
+        "item 2{style=-1 indent=1}g"_s);
     row("a bullet of its own", "\\pard\\ls3 a", u"item 1{style=-1 indent=1 marker=\u2043}a"_s);
     row("an indent beyond the level's", "\\pard\\ls1\\li1080\\fi-1080 a",
         u"{left=24}item 1{style=-1 indent=1}a"_s);
@@ -231,6 +238,14 @@ void TestRtfDocument::tableRows()
         u"{beforetable=true}\ntable 1x1{columns=0v}\n(a)\nb\nc"_s);
     row("rows without cells", "a\\row b\\row c",
         u"{beforetable=true}\ntable 2x1{columns=0v}\n(a)\n(b)\nc"_s);
+    row("text in a cell that is merged into the one above it stays in its place",
+        "\\trowd\\clvmgf\\cellx1500\\cellx3000 a\\cell b\\cell\\row"
+        "\\trowd\\clvmrg\\cellx1500\\cellx3000 c\\cell d\\cell\\row",
+        u"{beforetable=true}\ntable 2x2{columns=100x,100x}\n(a)(b)\n(c)(d)\n"_s);
+    row("a column's unit told below merged cells",
+        "\\trowd\\clmgf\\cellx1500\\clmrg\\cellx3000 a\\cell\\cell\\row"
+        "\\trowd\\clftsWidth1\\cellx1500\\cellx3000 b\\cell c\\cell\\row",
+        u"{beforetable=true}\ntable 2x2{columns=0v,100x}\n({columns=2}a)\n(b)(c)\n"_s);
     row("a list in a cell", lists + "\\trowd\\cellx1500\\intbl\\ls1 a\\par\\ls1 b\\cell\\row",
         u"{beforetable=true}\ntable 1x1{columns=100x}\n(item 1{style=-1 indent=1}a / "
         "item 2{style=-1 indent=1}b)\n"_s);
@@ -322,6 +337,8 @@ void TestRtfDocument::whatWouldBeLostIsTold_data()
     row("text beside the text", "a{\\footnote b}", true);
     row("what is embedded", "{\\object{\\*\\objdata 00}{\\result a}}", true);
     row("text that is crossed out", "{\\deleted a}", true);
+    row("the entry of an index", "a{\\xe\\v b}", true);
+    row("a formula", "{\\mmath{\\*\\moMath{\\mr x}}}", true);
     row("a field that counts", "{\\field{\\*\\fldinst{ PAGE }}{\\fldrslt 1}}", true);
     row("a link", "{\\field{\\*\\fldinst{HYPER}{LINK \"x\"}}{\\fldrslt 1}}", false);
     row("bytes that look like words", "{\\pict\\pngblip\\bin10 {\\footnote}a", false);
