@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 namespace quorvane {
 
@@ -37,7 +38,7 @@ bool everythingIsSaved(const NSDocumentController &documents)
 {
     const std::vector<NSDocument *> open = documents.documents();
     return std::none_of(open.begin(), open.end(),
-                        [](const NSDocument *document) { return document->isDocumentEdited(); });
+                        [](const NSDocument *document) { return document->hasUnsavedChanges(); });
 }
 
 } // namespace
@@ -126,7 +127,10 @@ void Desktop::followEnds(const Program &program)
     m_signals.emplace();
     // Nobody can be asked now. That all is saved is an end like any other; where something is not,
     // the exit code is the one of a program that the signal ended.
-    connect(&*m_signals, &TerminationSignals::received, this, [program](int number) {
+    connect(&*m_signals, &TerminationSignals::received, this, [this, program](int number) {
+        if (std::exchange(m_isEnding, true)) {
+            return; // The first one says how it ends.
+        }
         program.documents.autosaveDocuments();
         const bool isSaved = everythingIsSaved(program.documents);
         program.willEnd();

@@ -52,6 +52,7 @@ private:
     std::optional<SessionGuard> m_guard;
     std::optional<TerminationSignals> m_signals;
     bool m_isActive = false;
+    bool m_isEnding = false;
 };
 
 } // namespace quorvane

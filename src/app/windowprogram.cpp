@@ -29,6 +29,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QSet>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -184,7 +185,13 @@ QStringList filesOfCommandLine(const QCoreApplication &application)
     parser.addVersionOption();
     parser.addPositionalArgument(u"FILE"_s, u"Documents to open."_s, u"[FILE…]"_s);
     parser.process(application);
-    return parser.positionalArguments();
+    QStringList files = parser.positionalArguments();
+    for (QString &file : files) { // some launchers give addresses
+        if (const QUrl url(file, QUrl::StrictMode); url.isLocalFile()) {
+            file = url.toLocalFile();
+        }
+    }
+    return files;
 }
 
 // Help and version are told where there is no display, too.

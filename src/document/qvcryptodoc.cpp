@@ -77,8 +77,9 @@ bool QVCryptoDoc::validateUserInterfaceItem(DocumentAction action) const
 void QVCryptoDoc::canCloseDocument(std::function<void(bool should)> shouldClose)
 {
     if (m_isEncrypted) {
-        // The caller is deliberately not answered, and nobody is asked.
-        closeWithoutReview();
+        // The caller is deliberately not answered, and nobody is asked: but for a text that is
+        // neither in the file nor kept for recovery, which would be gone.
+        closeUnlessUnsaved(std::move(shouldClose));
         return;
     }
     NSDocument::canCloseDocument(std::move(shouldClose));

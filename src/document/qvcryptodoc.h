@@ -88,6 +88,9 @@ Q_SIGNALS:
     void plainPasswordPreviousChanged();
     void plainPasswordChanged();
 
+protected:
+    bool mayRevert() const override { return !m_isEncrypted; }
+
 private:
     void passwordNotEqualSheet(NSWindow *window);
     void passwordMustBe6CharLong(NSWindow *window);

@@ -133,6 +133,12 @@ protected:
 
     virtual void markTextUnedited() { }
 
+    /// Closes with no question, unless what is unsaved can neither be saved nor kept.
+    void closeUnlessUnsaved(std::function<void(bool should)> shouldClose);
+
+    /// Whether the user may drop the changes for what the file holds.
+    virtual bool mayRevert() const { return true; }
+
     /// To be called at each change of the text.
     void noteChange();
 
@@ -201,7 +207,8 @@ private:
     void readAgain();
 
     // Closing
-    void saveOrKeep();
+    /// \return whether nothing of the user's is in memory alone any more.
+    [[nodiscard]] bool saveOrKeep();
     void saveThenClose(const std::function<void(bool should)> &shouldClose);
     void askToSave(const std::function<void(bool should)> &shouldClose);
     void reviewUnsaved(const NSAlert &alert, std::function<void()> save,

@@ -22,7 +22,7 @@ void NSDocument::canCloseDocument(std::function<void(bool should)> shouldClose)
     if (!hasUnsavedChanges()) {
         shouldClose(true);
     } else if (!windowForSheet()) {
-        saveOrKeep();
+        static_cast<void>(saveOrKeep());
         shouldClose(true);
     } else if (m_reviewing) {
         shouldClose(false);
@@ -44,6 +44,7 @@ void NSDocument::saveThenClose(const std::function<void(bool should)> &shouldClo
     if (outcome.result == Writing::Conflict) {
         NSAlert alert = conflictAlert(outcome.conflict);
         alert.buttons.insert(alert.buttons.size() - 1, closeAnywayChoice);
+        alert.informativeText += u" To close anyway drops your own changes."_s;
         reviewUnsaved(
             alert,
             [this, conflict = outcome.conflict, shouldClose] {
@@ -108,20 +109,35 @@ void NSDocument::performClose()
 void NSDocument::closeWithoutReview()
 {
     if (!m_closed) {
-        saveOrKeep();
+        static_cast<void>(saveOrKeep()); // Nobody is there to be told.
     }
     close();
 }
 
-// Nobody is there to be told where both fail.
-void NSDocument::saveOrKeep()
+bool NSDocument::saveOrKeep()
 {
     if (!hasUnsavedChanges() || reasonNotToWrite()) {
+        return true;
+    }
+    if (m_fileURL && write(*m_fileURL).result == Writing::Done) {
+        return true;
+    }
+    return !keepForRecovery() && m_surroundings.recovery != nullptr;
+}
+
+void NSDocument::closeUnlessUnsaved(std::function<void(bool should)> shouldClose)
+{
+    if (saveOrKeep() || !m_fileURL || m_reviewing || !windowForSheet()) {
+        close();
         return;
     }
-    if (!m_fileURL || write(*m_fileURL).result != Writing::Done) {
-        static_cast<void>(keepForRecovery());
-    }
+    saveThenClose([self = QPointer(this), shouldClose = std::move(shouldClose)](bool should) {
+        if (should && self) {
+            self->close();
+        } else {
+            shouldClose(false);
+        }
+    });
 }
 
 void NSDocument::close()

@@ -112,6 +112,7 @@ void NSDocument::readUntouchedAgain(const FileConflict &conflict)
     }
 }
 
+// What keeps both is the default.
 NSAlert NSDocument::conflictAlert(const FileConflict &conflict)
 {
     m_toldConflict = conflict;
@@ -120,19 +121,19 @@ NSAlert NSDocument::conflictAlert(const FileConflict &conflict)
         return {u"“%1” has been moved or deleted."_s.arg(name),
                 u"To save anyway puts it back where it was:\n%1\n\nUntil then this document is "
                 u"not saved by itself."_s.arg(*m_fileURL),
-                {saveAnywayChoice, saveAsChoice, cancelChoice}};
+                {saveAsChoice, saveAnywayChoice, cancelChoice}};
     }
     return {u"“%1” has been changed by another program."_s.arg(name),
             u"To save anyway replaces what that program has written. To save as another file keeps "
             u"both.\n\nUntil then this document is not saved by itself."_s,
-            {saveAnywayChoice, saveAsChoice, cancelChoice}};
+            {saveAsChoice, saveAnywayChoice, cancelChoice}};
 }
 
 void NSDocument::askAboutConflict(const FileConflict &conflict,
                                   std::function<void(bool saved)> done)
 {
     NSAlert alert = conflictAlert(conflict);
-    if (conflict.found) {
+    if (conflict.found && mayRevert()) {
         alert.informativeText += u" To revert reads it again and drops your own changes."_s;
         alert.buttons.insert(alert.buttons.size() - 1, revertChoice);
     }

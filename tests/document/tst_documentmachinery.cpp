@@ -325,7 +325,7 @@ void TestDocumentMachinery::aCloseAsksAboutAConflict()
     bool isClosed = true;
     scene.program.controller.closeAllDocuments([&isClosed](bool closed) { isClosed = closed; });
     QCOMPARE(scene.program.window().alerts.last().buttons,
-             QStringList({u"Save Anyway"_s, u"Save As…"_s, u"Close Anyway"_s, u"Cancel"_s}));
+             QStringList({u"Save As…"_s, u"Save Anyway"_s, u"Close Anyway"_s, u"Cancel"_s}));
     QVERIFY(scene.program.answer(u"Cancel"_s));
     QVERIFY(!isClosed && scene.program.document());
     scene.program.document()->performClose();

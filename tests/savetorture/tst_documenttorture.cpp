@@ -78,8 +78,8 @@ private:
         // What a save left that was killed, or a look that failed, is to the document as another
         // program's work: the user has it written all the same.
         while (!isSaved && !window.alerts.isEmpty()
-               && window.alerts.last().buttons.first() == "Save Anyway"_L1) {
-            window.answer(AlertAnswer::First);
+               && window.alerts.last().buttons.value(1) == "Save Anyway"_L1) {
+            window.answer(AlertAnswer::Second);
             m_world.queue.runAll();
         }
         if (isSaved) {
