@@ -14,6 +14,8 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
 
 namespace quorvane {
 
@@ -25,6 +27,27 @@ constexpr double smallestFont = 4; // points
 constexpr double largestFont = 288;
 constexpr int shortestLockDelay = 30; // seconds; none is shorter, whatever is stored
 constexpr int longestLockDelay = 24 * 60 * 60;
+
+/// A family that is not listed is in force all the same, and is shown as plainly as the others; a
+/// dark palette leaves usual placeholders black.
+class FontPopup final : public QComboBox
+{
+public:
+    using QComboBox::QComboBox;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QStylePainter painter(this);
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        if (currentIndex() < 0) {
+            option.currentText = placeholderText();
+        }
+        painter.drawComplexControl(QStyle::CC_ComboBox, option);
+        painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+    }
+};
 
 QCheckBox *newCheckBox(const QString &title, NSUserDefaults &defaults, const Key<bool> &key)
 {
@@ -88,7 +111,7 @@ QWidget *newEditPanel(NSUserDefaults &defaults, FontPopups &popups)
     auto *panel = new QWidget;
     auto *column = new QVBoxLayout(panel);
     column->setContentsMargins(24, 16, 24, 16);
-    popups = {new QComboBox(panel), new QComboBox(panel)};
+    popups = {new FontPopup(panel), new FontPopup(panel)};
     defaultsbinding::bindSelectedTitle(defaults, settings::startupFontFamily, *popups.ofDocuments);
     defaultsbinding::bindSelectedTitle(defaults, settings::publicNoteFontFamily,
                                        *popups.ofPublicNote);
