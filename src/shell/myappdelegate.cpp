@@ -94,6 +94,20 @@ void MyAppDelegate::loadPrefWindow()
     setPrefWindow(m_preferences->platformWindow(), m_preferences->toolbarDelegate());
 }
 
+std::optional<QString> MyAppDelegate::doCreateDocWithText(const std::optional<QString> &text)
+{
+    setUsingAServices(true);
+    if (!text) {
+        return u"Error: Pasteboard doesn't contain a string."_s;
+    }
+    documents().newDocument();
+    const std::vector<NSDocument *> open = documents().documents();
+    if (auto *document = qobject_cast<MyDocument *>(open.empty() ? nullptr : open.back())) {
+        document->setContentAsText(*text);
+    }
+    return std::nullopt;
+}
+
 void MyAppDelegate::applicationDidResignActive()
 {
     if (!defaults().value(settings::autolocBackgroundEnabled)) {

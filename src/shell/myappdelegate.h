@@ -30,6 +30,10 @@ public:
 
     PreferencesWindow *preferencesWindow() const { return m_preferences.get(); }
 
+    /// Makes a new document for another program, which handed over a text, or something else. The
+    /// text does not reach the document. \return what is wrong, for the caller.
+    std::optional<QString> doCreateDocWithText(const std::optional<QString> &text);
+
     /// Arms the automatic lock where the user wants it. The settings are read here only.
     void applicationDidResignActive();
     void applicationDidBecomeActive();

@@ -35,8 +35,9 @@ void TestBackground::anotherWindowSavesAndArmsTheLock()
     document->setFileURL(u"/documents/a.quorvane"_s);
     document->setMyTextViewData("body");
     Desktop desktop;
-    desktop.serve({documents, delegate, world.defaults, world.queue, [] {
-                   }});
+    const auto nothing = [] {
+    };
+    desktop.serve({documents, delegate, world.defaults, world.queue, nothing, nothing});
 
     QWidget window;
     window.setGeometry(100, 100, 300, 200);

@@ -81,6 +81,7 @@ private Q_SLOTS:
     void aMissingDocumentIsToldOnALaterTurn();
     void aRefusedDocumentIsToldAtOnce();
     void choosingAndClearingAreWritten();
+    void aProgramThatServesAnotherOpensNothingItself();
     void onlyAFileThatCanBeReadGivesAccess();
 };
 
@@ -196,6 +197,16 @@ void TestStartupDocument::choosingAndClearingAreWritten()
     QCOMPARE(messages.size() + specified.size(), 2);
     program.delegate.UseFrontDocumentAsStartupDoc();
     QVERIFY(program.bookmark().isEmpty());
+}
+
+void TestStartupDocument::aProgramThatServesAnotherOpensNothingItself()
+{
+    Startup program;
+    QVERIFY(program.delegate.doCreateDocWithText(std::nullopt));
+    program.perform(u"start"_s);
+    QVERIFY(program.openFile().isEmpty() && program.access.calls.isEmpty());
+    program.perform(u"test"_s);
+    QCOMPARE(program.openFile(), program.path);
 }
 
 void TestStartupDocument::onlyAFileThatCanBeReadGivesAccess()
