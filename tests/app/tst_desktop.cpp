@@ -107,6 +107,7 @@ void TestDesktop::init()
     m_folder = std::make_unique<QTemporaryDir>();
     qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address());
     qputenv("XDG_CONFIG_HOME", file(u"config"_s).toUtf8());
+    qputenv("XDG_STATE_HOME", file(u"state"_s).toUtf8()); // nothing recovered from another test
     QVERIFY(write(file(u"a.quorvane"_s), m_data));
 }
 
