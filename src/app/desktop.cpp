@@ -2,6 +2,7 @@
 
 #include "product/release.h"
 #include "shell/myappdelegate.h"
+#include "shell/myscriptdecryptdoc.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -107,6 +108,16 @@ void Desktop::followOtherStarts(const Program &program)
                     }
                 });
             });
+    m_application->setCreateDoc([program](const std::optional<QString> &text) {
+        return program.delegate.doCreateDocWithText(text);
+    });
+    connect(
+        &*m_application, &DBusApplication::decryptDocRequested, this,
+        [program](const QString &path, const std::optional<QString> &password) {
+            program.mainQueue.addOperation([program, path, password] {
+                MyScriptDecryptDoc(path, password).performDefaultImplementation(program.documents);
+            });
+        });
     connect(&*m_application, &DBusApplication::activateRequested, this, [program] {
         program.mainQueue.addOperation([program] {
             const std::vector<NSDocument *> open = program.documents.documents();

@@ -8,12 +8,14 @@
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
+#include "platform/securityscopedaccess.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
 #include "platform_qt/qtpanels.h"
 #include "platform_qt/qttimers.h"
+#include "platform_qt/qturlloader.h"
 #include "platform_qt/qtwindow.h"
 #include "platform_qt/qtworkspace.h"
 #include "platform_qt/settingsdefaults.h"
@@ -23,6 +25,7 @@
 #include "shell/mainmenu.h"
 #include "shell/myappdelegate.h"
 #include "shell/startwindowkeeper.h"
+#include "update/qvphonehome.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -54,6 +57,7 @@ class Program final
 {
 public:
     Program();
+    ~Program();
 
     void start(const QStringList &files);
     /// Closes all documents, with the questions that this takes, then ends the program.
@@ -61,6 +65,7 @@ public:
     Desktop::Program forDesktop();
 
 private:
+    AppSurroundings appSurroundings();
     MenuSurroundings menuSurroundings();
     std::unique_ptr<NSDocument> makeDocument();
     std::unique_ptr<NSWindowController> loadNib(MyDocument &document);
@@ -75,6 +80,11 @@ private:
     QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
+    FileModeAccess m_access;
+    QtURLLoader m_loader;
+    QtBackgroundQueue m_background {m_mainQueue};
+    QVPhoneHome m_phoneHome {
+        {m_defaults, m_alerts, m_workspace, m_loader, m_background, &QDateTime::currentDateTime}};
     QVRevertDocController m_documents;
     MyAppDelegate m_delegate;
     XdgRecentDocuments m_recents;
@@ -84,18 +94,41 @@ private:
 Program::Program()
     : m_documents({m_mainQueue, m_files, m_panels, m_timers, &m_recovery}, m_alerts,
                   documentExtension, [this] { return makeDocument(); })
-    , m_delegate(m_defaults, m_documents, m_timers)
+    , m_delegate(appSurroundings())
     , m_recents(m_timers, {productName, u"quorvane %f"_s, documentType})
     , m_startWindow(menuSurroundings(), m_mainQueue)
 {
-    MyAppDelegate::initialize(m_defaults);
     QObject::connect(&m_documents, &NSDocumentController::fileUsed, &m_recents,
                      [this](const QString &path) { m_recents.note(path); });
 }
 
+// A check that is still waiting for its answer would hold the end up.
+Program::~Program()
+{
+    Q_EMIT m_loader.cancelled();
+}
+
+AppSurroundings Program::appSurroundings()
+{
+    MyAppDelegate::initialize(m_defaults, m_phoneHome);
+    return {m_defaults,
+            m_documents,
+            m_timers,
+            m_mainQueue,
+            m_alerts,
+            m_panels,
+            m_workspace,
+            m_fontManager,
+            m_access,
+            m_phoneHome,
+            [this](QWidget &widget) {
+                return std::make_unique<QtWindow>(widget, m_mainQueue);
+            }};
+}
+
 MenuSurroundings Program::menuSurroundings()
 {
-    return {m_documents, m_recents, m_alerts, m_workspace, [this] {
+    return {m_documents, m_recents, m_alerts, m_delegate, [this] {
                 quit();
             }};
 }
@@ -150,6 +183,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
 
 void Program::start(const QStringList &files)
 {
+    m_delegate.applicationWillFinishLaunching();
     for (const QString &file : files) {
         m_documents.openDocumentWithContentsOfURL(file);
     }

@@ -95,6 +95,9 @@ public:
     /// Asks, then takes all styles from the text.
     void makePlainText();
     void doMakePlainText();
+    /// Gives the text, and what is typed next, the look of a new document, and counts as a change.
+    /// The argument is not read: a document made for another program begins empty.
+    void setContentAsText(const QString &text);
 
     void lockDocument();
     /// Locks without a question: an open document with a password and a file, a sheet on it or not.

@@ -55,4 +55,22 @@ void MyDocument::doMakePlainText()
     myTextView->setUsesAdaptiveColorMappingForDarkAppearance(true);
 }
 
+// Close to the conversion above, but for three things that are meant: a read-only document is no
+// exception, the colours come first, and it is a change.
+void MyDocument::setContentAsText(const QString &)
+{
+    if (!myTextView || !myTextView->isRichText()) {
+        return;
+    }
+    const NSParagraphStyle paragraphs = myTextView->defaultParagraphStyle();
+    const std::optional<NSFont> font = startupFont();
+    myTextView->setUsesAdaptiveColorMappingForDarkAppearance(true);
+    if (myTextView->length() != 0 && !myTextView->setAttributes(font)) {
+        return;
+    }
+    myTextView->setTypingAttributes(font);
+    myTextView->setDefaultParagraphStyle(paragraphs);
+    updateChangeCount(NSDocumentChangeType::Done);
+}
+
 } // namespace quorvane

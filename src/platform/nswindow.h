@@ -58,6 +58,7 @@ public:
 
     virtual void makeKeyAndOrderFront() = 0;
     virtual void makeFirstResponder(NSResponder &responder) = 0;
+    virtual bool isVisible() const = 0;
     virtual void close() = 0;
     virtual void setTitle(const QString &title) = 0;
     virtual void setDocumentEdited(bool edited) = 0;

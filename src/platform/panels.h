@@ -15,6 +15,7 @@ struct NSOpenPanel
     QStringList allowedFileTypes; ///< Extensions without a dot; empty for any file.
     bool allowsMultipleSelection = false;
     QStringList packageTypes = {}; ///< Extensions of folders that are chosen like files.
+    QString prompt = {}; ///< The title of the button that chooses; empty for the usual one.
 };
 
 /// What a save panel offers.

@@ -1,6 +1,7 @@
 #include "platform_qt/dbusapplication.h"
 
 #include "platform_qt/applicationadaptor.h"
+#include "platform_qt/scriptingadaptor.h"
 
 #include <QDBusError>
 #include <QDir>
@@ -71,7 +72,8 @@ DBusApplication::DBusApplication(const QDBusConnection &bus, const QString &name
     , m_path(u'/' + QString(name).replace(u'.', u'/').replace(u'-', u'_'))
     , m_patience(patience)
 {
-    new ApplicationAdaptor(*this); // owned by this
+    new ApplicationAdaptor(*this); // owned by this, as is the next one
+    new ScriptingAdaptor(*this);
 }
 
 DBusApplication::Start DBusApplication::start(const QStringList &files)
@@ -144,6 +146,13 @@ void DBusApplication::activateAction(const QString &name, bool hasParameter)
         return;
     }
     Q_EMIT newDocumentRequested();
+}
+
+void DBusApplication::createDocWithText(const std::optional<QString> &text)
+{
+    if (const std::optional<QString> wrong = m_createDoc ? m_createDoc(text) : std::nullopt) {
+        sendErrorReply(QDBusError::InvalidArgs, *wrong);
+    }
 }
 
 } // namespace quorvane

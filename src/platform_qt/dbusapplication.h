@@ -6,6 +6,10 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
+#include <optional>
+#include <utility>
+
 namespace quorvane {
 
 /// The one running program of a user: it owns a name on the session bus, and takes there what later
@@ -30,16 +34,25 @@ public:
     /// Relative paths are counted from the folder of this process.
     [[nodiscard]] Start start(const QStringList &files);
 
+    /// What makes a document for another program that hands over a text, or something that is none.
+    /// It answers what is wrong, which the caller is told.
+    using CreateDoc = std::function<std::optional<QString>(const std::optional<QString> &text)>;
+
+    void setCreateDoc(CreateDoc createDoc) { m_createDoc = std::move(createDoc); }
+
 Q_SIGNALS:
     // Each on a call of its own, whose reply is sent on return.
     void activateRequested();
     void openRequested(const QStringList &paths);
     void newDocumentRequested();
+    void decryptDocRequested(const QString &path, const std::optional<QString> &password);
 
 private:
     friend class ApplicationAdaptor;
+    friend class ScriptingAdaptor;
 
     void open(const QStringList &uris);
+    void createDocWithText(const std::optional<QString> &text);
     void activateAction(const QString &name, bool hasParameter);
     bool takeName();
     QDBusMessage handOver(const QStringList &files) const;
@@ -48,6 +61,7 @@ private:
     QString m_name;
     QString m_path;
     int m_patience;
+    CreateDoc m_createDoc;
 };
 
 } // namespace quorvane

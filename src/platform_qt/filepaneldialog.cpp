@@ -46,6 +46,9 @@ FilePanelDialog::FilePanelDialog(QWidget *parent, const NSOpenPanel &panel,
     setAcceptMode(QFileDialog::AcceptOpen);
     setFileMode(panel.allowsMultipleSelection ? QFileDialog::ExistingFiles
                                               : QFileDialog::ExistingFile);
+    if (!panel.prompt.isEmpty()) {
+        setLabelText(QFileDialog::Accept, panel.prompt);
+    }
 }
 
 FilePanelDialog::FilePanelDialog(QWidget *parent, const NSSavePanel &panel,

@@ -12,14 +12,32 @@
 
 namespace quorvane {
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Names that RFC 2606 keeps from ever being anybody's. A program that was built without hosts of
+// its own has such ones, and is not to tell a name server of itself.
+bool isReserved(const QString &host)
+{
+    const QString top = host.section(u'.', -1, -1, QString::SectionSkipEmpty).toLower();
+    return QStringList({u"example"_s, u"invalid"_s, u"test"_s}).contains(top);
+}
+
+} // namespace
+
 QtURLLoader::QtURLLoader(std::chrono::milliseconds timeout)
     : m_timeout(timeout)
 { }
 
 std::optional<QByteArray> QtURLLoader::contentsOfURL(const QString &url)
 {
+    const QUrl address(url, QUrl::StrictMode);
+    if (isReserved(address.host())) {
+        return std::nullopt;
+    }
     QNetworkAccessManager network; // of the thread that asks
-    QNetworkRequest request(QUrl(url, QUrl::StrictMode));
+    QNetworkRequest request(address);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);

@@ -19,6 +19,7 @@ class QtURLLoader final : public QObject, public URLLoader
 public:
     explicit QtURLLoader(std::chrono::milliseconds timeout = std::chrono::seconds(15));
 
+    /// Nothing, and nobody is asked, where the host's name is a reserved one (RFC 2606).
     std::optional<QByteArray> contentsOfURL(const QString &url) override;
 
     static constexpr qint64 longestAnswer = 1024 * 1024; ///< Bytes; a longer one is none.

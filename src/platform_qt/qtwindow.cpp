@@ -71,6 +71,11 @@ void QtWindow::makeFirstResponder(NSResponder &responder)
     responder.becomeFirstResponder();
 }
 
+bool QtWindow::isVisible() const
+{
+    return m_widget.isVisible();
+}
+
 void QtWindow::close()
 {
     // Qt destroys the dialogs of a closed window without a word to those who wait for an answer.

@@ -32,6 +32,7 @@ public:
 
     void makeKeyAndOrderFront() override;
     void makeFirstResponder(NSResponder &responder) override;
+    bool isVisible() const override;
     /// Ends the sheet that is up and forgets those that wait.
     void close() override;
     void setTitle(const QString &title) override;

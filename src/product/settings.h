@@ -27,6 +27,11 @@ inline constexpr Key<bool> autolocBackgroundEnabled {"autolocBackgroundEnabled"_
 inline constexpr Key<qint64> autolocBackgroundInterval {"autolocBackgroundInterval"_L1,
                                                         120}; // seconds
 
+// Never registered: nothing is there until it is first written.
+inline constexpr auto startupSelectedDocBookmark =
+    "StartupSelectedDocBookmark"_L1; // empty: cleared
+inline constexpr auto lastCheckDateForUpdate = "lastCheckDateForUpdate"_L1;
+
 /// The sixteen registered values.
 QVariantMap registeredDefaults();
 

@@ -5,10 +5,10 @@
 #include "editor/formattoolbar.h"
 #include "editor/glyphicon.h"
 #include "platform/nsdocumentcontroller.h"
-#include "product/qvappsupportutility.h"
 #include "product/release.h"
 #include "shell/editmenu.h"
 #include "shell/menuitems.h"
+#include "shell/qvappdelegatebase.h"
 #include "shell/recentmenu.h"
 #include "shell/windowmenu.h"
 
@@ -150,6 +150,16 @@ void MainMenu::showLockInToolbar(QAction &lock)
 void MainMenu::buildApplicationMenu()
 {
     QMenu *menu = addMenu(u"&%1"_s.arg(productName));
+    QVAppDelegateBase *delegate = &m_surroundings.delegate;
+    m_items->add(*menu, u"&About %1"_s.arg(productName), {}, [delegate] { delegate->openAbout(); })
+        ->setMenuRole(QAction::AboutRole);
+    delegate->adjustBeforeFinishingLaunching(*menu);
+    menu->addSeparator();
+    m_items
+        ->add(*menu, u"&Preferences…"_s, Qt::CTRL | Qt::Key_Comma,
+              [delegate] { delegate->openPreferences(); })
+        ->setMenuRole(QAction::PreferencesRole);
+    menu->addSeparator();
     m_items->add(*menu, u"&Quit %1"_s.arg(productName), Qt::CTRL | Qt::Key_Q, m_surroundings.quit)
         ->setMenuRole(QAction::QuitRole);
 }
@@ -226,9 +236,22 @@ void MainMenu::buildViewMenu()
 
 void MainMenu::buildHelpMenu()
 {
-    NSWorkspace *workspace = &m_surroundings.workspace;
-    m_items->add(*addMenu(u"&Help"_s), u"%1 &Home Page"_s.arg(productName), {},
-                 [workspace] { QVAppSupportUtility::visitUs(*workspace); });
+    QMenu *menu = addMenu(u"&Help"_s);
+    QVAppDelegateBase *delegate = &m_surroundings.delegate;
+    m_items->add(
+        *menu, u"%1 User &Guide"_s.arg(productName), QKeySequence::HelpContents,
+        [delegate] { delegate->openUserGuide(); },
+        [delegate] {
+            return MenuItemState {delegate->isUserGuideInstalled(), {}, {}};
+        });
+    menu->addSeparator();
+    m_items->add(*menu, u"%1 &Home Page"_s.arg(productName), {},
+                 [delegate] { delegate->visitAppUrl(); });
+    m_items->add(*menu, u"%1 &Web Site"_s.arg(delegate->vendorName()), {},
+                 [delegate] { delegate->webSite(); });
+    m_items->add(*menu, u"Follow Us on &Twitter"_s, {}, [delegate] { delegate->visitTwitter(); });
+    menu->addSeparator();
+    m_items->add(*menu, u"&Mail to Support…"_s, {}, [delegate] { delegate->emailSupport(); });
 }
 
 void MainMenu::followDocument()

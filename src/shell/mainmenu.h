@@ -19,7 +19,7 @@ class MenuItems;
 class ModalAlerts;
 class MyDocument;
 class NSDocumentController;
-class NSWorkspace;
+class QVAppDelegateBase;
 class RecentDocuments;
 
 /// What every menu bar of the program stands on.
@@ -28,7 +28,7 @@ struct MenuSurroundings
     NSDocumentController &documents;
     RecentDocuments &recents;
     ModalAlerts &alerts;
-    NSWorkspace &workspace;
+    QVAppDelegateBase &delegate;
     std::function<void()> quit; ///< Ends the program, after the review of its documents.
 };
 

@@ -13,7 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr auto lastCheckKey = "lastCheckDateForUpdate"_L1;
 constexpr int invitationDays = 90;
 constexpr qint64 invitationSeconds = 7'776'000;
 
@@ -90,14 +89,15 @@ void QVPhoneHome::silentCheckForLastReleaseAvailable()
 // Calendar days count, not spans of 24 hours.
 bool QVPhoneHome::lastCheckNotToday() const
 {
-    const QDateTime last = m_surroundings.defaults.objectForKey(lastCheckKey).toDateTime();
+    const QDateTime last =
+        m_surroundings.defaults.objectForKey(settings::lastCheckDateForUpdate).toDateTime();
     return !last.isValid()
         || last.toLocalTime().date() != m_surroundings.now().toLocalTime().date();
 }
 
 void QVPhoneHome::setInPreferencesTodayWasChecked()
 {
-    m_surroundings.defaults.setObject(lastCheckKey, m_surroundings.now());
+    m_surroundings.defaults.setObject(settings::lastCheckDateForUpdate, m_surroundings.now());
 }
 
 std::optional<UpdateRecord> QVPhoneHome::getDictionaryFromTheNet() const
@@ -201,7 +201,8 @@ void QVPhoneHome::notifyAboutFailedChechForUpdate()
 
 void QVPhoneHome::inCaseInviteToCheckForLastReleaseAvailable(const std::function<void()> &answered)
 {
-    const QDateTime last = m_surroundings.defaults.objectForKey(lastCheckKey).toDateTime();
+    const QDateTime last =
+        m_surroundings.defaults.objectForKey(settings::lastCheckDateForUpdate).toDateTime();
     if (last.isValid() && last.secsTo(m_surroundings.now()) <= invitationSeconds) {
         if (answered) {
             answered();

@@ -1,8 +1,5 @@
 #include "app/desktop.h"
-#include "document/documentfixture.h"
-#include "product/release.h"
-#include "shell/myappdelegate.h"
-#include "support/faketimers.h"
+#include "shell/delegateworld.h"
 
 #include <QApplication>
 #include <QProcess>
@@ -29,13 +26,9 @@ private Q_SLOTS:
 
 void TestBackground::anotherWindowSavesAndArmsTheLock()
 {
-    World world;
+    DelegateWorld program;
+    auto &[world, timers, access, loader, background, phoneHome, documents, delegate] = program;
     world.defaults.setObject(settings::autolocBackgroundEnabled.name, true);
-    FakeTimers timers;
-    NSDocumentController documents(
-        world.surroundings().machinery, world.alerts, documentExtension,
-        [&world] { return std::make_unique<MyDocument>(world.surroundings()); });
-    MyAppDelegate delegate(world.defaults, documents, timers);
     documents.newDocument();
     auto *document = static_cast<MyDocument *>(documents.documents().front());
     document->setPlainPassword(u"password"_s);

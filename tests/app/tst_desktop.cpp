@@ -6,6 +6,7 @@
 #include "support/privatebus.h"
 
 #include <QApplication>
+#include <QDBusVariant>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
@@ -73,6 +74,9 @@ private Q_SLOTS:
     void aSecondStartHandsItsFilesOver();
     void aSecondStartWithoutFilesBringsTheFirstForward();
     void theDesktopCanAskForANewDocument();
+    void anotherProgramGetsAnEmptyDocument_data();
+    void anotherProgramGetsAnEmptyDocument();
+    void aScriptedPasswordUnlocksNothing();
     void whatCannotBeServedIsRefused();
     void withoutABusEachStartIsAProgram();
     void aBusThatHangsHoldsNobodyUp();
@@ -83,7 +87,8 @@ private Q_SLOTS:
 private:
     QString file(const QString &name) const { return QDir(m_folder->path()).filePath(name); }
 
-    QDBusMessage call(const QString &method, const QVariantList &arguments) const;
+    QDBusMessage call(const QString &method, const QVariantList &arguments,
+                      const QString &interface = u"org.freedesktop.Application"_s) const;
 
     PrivateBus m_bus;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -111,10 +116,11 @@ void TestDesktop::cleanup()
     QDBusConnection::disconnectFromBus(u"caller"_s);
 }
 
-QDBusMessage TestDesktop::call(const QString &method, const QVariantList &arguments) const
+QDBusMessage TestDesktop::call(const QString &method, const QVariantList &arguments,
+                               const QString &interface) const
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(QString(applicationId), path,
-                                                          u"org.freedesktop.Application"_s, method);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(QString(applicationId), path, interface, method);
     message.setArguments(arguments);
     return m_bus.connectAs(u"caller"_s).call(message);
 }
@@ -197,6 +203,48 @@ void TestDesktop::theDesktopCanAskForANewDocument()
     QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
     QVERIFY(reply.arguments().isEmpty());
     QTRY_COMPARE(program.titles(), (QStringList {u"Untitled"_s, u"a"_s}));
+}
+
+void TestDesktop::anotherProgramGetsAnEmptyDocument_data()
+{
+    QTest::addColumn<QVariant>("content");
+    QTest::addColumn<bool>("isText");
+    const auto boxed = [](const QVariant &value) {
+        return QVariant::fromValue(QDBusVariant(value));
+    };
+    QTest::newRow("for a text") << QVariant(u"some words"_s) << true;
+    QTest::newRow("for an empty text") << QVariant(u""_s) << true;
+    QTest::newRow("for a text in a variant") << boxed(u"some words"_s) << true;
+    QTest::newRow("but not for a number") << boxed(7) << false;
+    QTest::newRow("but not for bytes") << boxed(QByteArray("some words")) << false;
+}
+
+void TestDesktop::anotherProgramGetsAnEmptyDocument()
+{
+    QFETCH(QVariant, content);
+    QFETCH(bool, isText);
+    DrivenProgram program({file(u"a.quorvane"_s)});
+    QCOMPARE(program.titles(), QStringList {u"a"_s});
+    const QDBusMessage reply = call(u"CreateDocWithText"_s, {content}, QString(applicationId));
+    QCOMPARE(reply.type(), isText ? QDBusMessage::ReplyMessage : QDBusMessage::ErrorMessage);
+    QCOMPARE(reply.errorMessage(),
+             isText ? QString() : u"Error: Pasteboard doesn't contain a string."_s);
+    QCOMPARE(program.titles(),
+             isText ? (QStringList {u"Untitled"_s, u"a"_s}) : QStringList {u"a"_s});
+}
+
+void TestDesktop::aScriptedPasswordUnlocksNothing()
+{
+    DrivenProgram program({});
+    QTRY_VERIFY(!program.titles().isEmpty());
+    const QVariantList both {file(u"a.quorvane"_s), password};
+    for (const QVariantList &arguments : {both, QVariantList {both[0]}}) {
+        const QDBusMessage reply = call(u"DecryptDoc"_s, arguments, QString(applicationId));
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QVERIFY(reply.arguments().isEmpty());
+    }
+    QTRY_VERIFY(program.titles().contains(u"a"_s));
+    QCOMPARE(program.tell(u"activate"_s, u"a"_s), u"locked"_s);
 }
 
 void TestDesktop::whatCannotBeServedIsRefused()

@@ -72,16 +72,24 @@ void TestDocumentEditing::theConversionKeepsItsOrder_data()
     QTest::addColumn<bool>("isRich");
     QTest::addColumn<bool>("isEditable");
     QTest::addColumn<bool>("isTooTall");
+    QTest::addColumn<bool>("isInjection");
     QTest::addColumn<QStringList>("calls");
     const QString text = u"setAttributes"_s;
     const QStringList rest {u"setTypingAttributes"_s, u"setDefaultParagraphStyle"_s};
-    QTest::newRow("a text") << QByteArray("a") << true << true << false << QStringList(text) + rest;
+    const QStringList all = QStringList(text) + rest;
+    const QByteArray a("a");
+    QTest::newRow("a text") << a << true << true << false << false << all;
     QTest::newRow("an empty text: the typing changes")
-        << QByteArray() << true << true << false << rest;
-    QTest::newRow("no rich text") << QByteArray("a") << false << true << false << QStringList();
-    QTest::newRow("read-only") << QByteArray("a") << true << false << false << QStringList();
+        << QByteArray() << true << true << false << false << rest;
+    QTest::newRow("no rich text") << a << false << true << false << false << QStringList();
+    QTest::newRow("read-only") << a << true << false << false << false << QStringList();
     QTest::newRow("it would be too tall")
-        << QByteArray("a") << true << true << true << QStringList(text);
+        << a << true << true << true << false << QStringList(text);
+    QTest::newRow("another program: even read-only") << a << true << false << false << true << all;
+    QTest::newRow("another program: an empty text")
+        << QByteArray() << true << true << false << true << rest;
+    QTest::newRow("another program: no rich text")
+        << a << false << true << false << true << QStringList();
 }
 
 void TestDocumentEditing::theConversionKeepsItsOrder()
@@ -90,18 +98,26 @@ void TestDocumentEditing::theConversionKeepsItsOrder()
     QFETCH(bool, isRich);
     QFETCH(bool, isEditable);
     QFETCH(bool, isTooTall);
+    QFETCH(bool, isInjection);
     World world;
     WindowedDocument open(world);
     open.show(world);
     world.defaults.setObject("StartupFontSize"_L1, 17.5);
     FakeTextView &view = open.outlets->textView;
     view.type(text);
+    view.markUnedited();
     view.isRich = isRich;
     view.isTooTall = isTooTall;
     view.calls.clear();
     view.typingFont = std::nullopt;
     open.document->setMyIsEditable(isEditable);
-    open.document->doMakePlainText();
+    if (isInjection) {
+        open.document->setContentAsText(u"not read"_s);
+    } else {
+        open.document->doMakePlainText();
+    }
+    QCOMPARE(open.document->isDocumentEdited(), isInjection && isRich);
+    QCOMPARE(view.body().value_or(QByteArray()), text);
     QTEST(view.calls, "calls");
     const NSFont font {u"Helvetica"_s, 17.5};
     QVERIFY(view.calls.isEmpty() || view.textFont.value_or(font) == font);

@@ -1,6 +1,7 @@
 #include "platform_qt/qtoperationqueue.h"
 #include "platform_qt/qturlloader.h"
 
+#include <QNetworkProxy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
@@ -27,6 +28,8 @@ private Q_SLOTS:
     void anAnswerIsTakenOrNone_data();
     void anAnswerIsTakenOrNone();
     void whatNeverAnswersCanBeCancelled();
+    void aReservedNameIsNotAskedFor_data();
+    void aReservedNameIsNotAskedFor();
 
 private:
     static bool fetch(const QString &url, std::optional<QByteArray> &body, QtURLLoader &loader,
@@ -105,6 +108,37 @@ void TestQtURLLoader::whatNeverAnswersCanBeCancelled()
     QVERIFY(!body);
     QtURLLoader hasty(std::chrono::milliseconds(1));
     QVERIFY(fetch(url, body, hasty) && !body);
+}
+
+void TestQtURLLoader::aReservedNameIsNotAskedFor_data()
+{
+    QTest::addColumn<bool>("isAsked");
+    QTest::newRow("update.orbelt.example") << false;
+    QTest::newRow("UPDATE.INVALID.") << false;
+    QTest::newRow("test") << false;
+    QTest::newRow("test.orbelt.net") << true;
+}
+
+// The proxy stands for the whole net: it sees every name that would be looked up.
+void TestQtURLLoader::aReservedNameIsNotAskedFor()
+{
+    QFETCH(bool, isAsked);
+    QTcpServer proxy;
+    QVERIFY(proxy.listen(QHostAddress::LocalHost));
+    QNetworkProxy::setApplicationProxy(
+        {QNetworkProxy::HttpProxy, u"127.0.0.1"_s, proxy.serverPort()});
+    bool sees = false;
+    connect(&proxy, &QTcpServer::newConnection, &proxy, [&proxy, &sees] {
+        sees = true;
+        proxy.nextPendingConnection()->disconnectFromHost();
+    });
+    QtURLLoader loader;
+    std::optional<QByteArray> body;
+    QVERIFY(fetch(u"http://%1/mac/quorvane.plist"_s.arg(QLatin1StringView(QTest::currentDataTag())),
+                  body, loader));
+    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+    QVERIFY(!body);
+    QCOMPARE(sees, isAsked);
 }
 
 QTEST_GUILESS_MAIN(TestQtURLLoader)

@@ -1,10 +1,6 @@
-#include "document/documentfixture.h"
-#include "platform/nsdocumentcontroller.h"
-#include "product/release.h"
-#include "shell/myappdelegate.h"
+#include "shell/delegateworld.h"
 #include "shell/sessionguard.h"
 #include "support/fakesessionevents.h"
-#include "support/faketimers.h"
 
 #include <QTest>
 
@@ -18,11 +14,11 @@ namespace {
 constexpr double noTimer = 0;
 
 /// The program with documents whose windows are doubles.
-struct Shell
+struct Shell final : DelegateWorld
 {
     Shell() { world.defaults.setObject(settings::autolocBackgroundEnabled.name, true); }
 
-    std::unique_ptr<NSDocument> make()
+    std::unique_ptr<NSDocument> make() override
     {
         MyDocumentSurroundings surroundings = world.surroundings();
         surroundings.loadNib = [this](MyDocument &made) {
@@ -55,14 +51,7 @@ struct Shell
         world.defaults.setObject(settings::autolocBackgroundInterval.name, seconds);
     }
 
-    World world;
-    FakeTimers timers;
     QList<Outlets *> outlets;
-    NSDocumentController documents {world.surroundings().machinery, world.alerts, documentExtension,
-                                    [this] {
-                                        return make();
-                                    }};
-    MyAppDelegate delegate {world.defaults, documents, timers};
     FakeSessionEvents events;
     SessionGuard guard {events, world.defaults, documents, world.queue, delegate};
 };

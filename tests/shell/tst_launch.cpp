@@ -1,9 +1,5 @@
-#include "document/documentfixture.h"
-#include "platform/nsdocumentcontroller.h"
 #include "product/qvappsupportutility.h"
-#include "product/release.h"
-#include "shell/myappdelegate.h"
-#include "support/faketimers.h"
+#include "shell/delegateworld.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,21 +11,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Launch
+struct Launch : DelegateWorld
 {
     explicit Launch(qint64 startupAction)
     {
-        MyAppDelegate::initialize(world.defaults);
         world.defaults.setObject(settings::startupActionTag.name, startupAction);
     }
-
-    World world;
-    FakeTimers timers;
-    NSDocumentController documents {world.surroundings().machinery, world.alerts, documentExtension,
-                                    [this] {
-                                        return std::make_unique<MyDocument>(world.surroundings());
-                                    }};
-    MyAppDelegate delegate {world.defaults, documents, timers};
 };
 
 } // namespace
@@ -46,6 +33,7 @@ private Q_SLOTS:
     void theStartupActionRunsASecondAfterTheLaunch();
     void aDocumentThatHasComeByThenWins();
     void anOpeningDocumentHoldsTheFallbackBack();
+    void theUpdateInvitationHoldsTheStartupActionBack();
     void aFileThatIsOpenIsBroughtForwardByAnyOfItsPaths();
     void aDocumentIsNotSavedOverOneThatIsOpen();
     void aPathLeadsWhereTheSystemLeadsIt();
@@ -136,6 +124,21 @@ void TestLaunch::anOpeningDocumentHoldsTheFallbackBack()
     launch.delegate.applicationDidFinishLaunching();
     launch.timers.advance(3.0);
     QVERIFY(launch.documents.documents().empty());
+}
+
+void TestLaunch::theUpdateInvitationHoldsTheStartupActionBack()
+{
+    Launch launch(2);
+    launch.world.defaults.setObject(settings::notifyUpdate.name, false);
+    launch.delegate.applicationDidFinishLaunching();
+    QCOMPARE(launch.loader.asked.size(), 4);
+    QVERIFY(launch.loader.asked[3].endsWith(u".example/mac/quorvane.plist"_s));
+    launch.timers.advance(3.0);
+    QVERIFY(launch.world.panels.opened.isEmpty() && !launch.delegate.finishedLaunching());
+    QVERIFY(launch.world.alerts.answer(AlertAnswer::Third));
+    QVERIFY(launch.delegate.finishedLaunching());
+    launch.timers.advance(1.0);
+    QCOMPARE(launch.world.panels.opened.size(), 1);
 }
 
 void TestLaunch::aFileThatIsOpenIsBroughtForwardByAnyOfItsPaths()

@@ -1,3 +1,4 @@
+#include "shell/aboutwindow.h"
 #include "workflow/realprogram.h"
 
 #include <QClipboard>
@@ -64,7 +65,9 @@ private Q_SLOTS:
     void aLockedWindowKeepsItsToolbarAndSize();
     void theWindowMenuListsAllDocuments();
     void recentDocumentsAreOfferedAndForgotten();
-    void theHomePageIsInTheHelpMenu();
+    void theVendorIsInTheHelpMenu_data();
+    void theVendorIsInTheHelpMenu();
+    void theApplicationMenuLeadsToTheProgramsWindows();
 };
 
 void TestMenus::everyWindowHasTheSameBar()
@@ -211,11 +214,48 @@ void TestMenus::recentDocumentsAreOfferedAndForgotten()
     QVERIFY(!entry(0)->isEnabled() && !entry(2)->isEnabled());
 }
 
-void TestMenus::theHomePageIsInTheHelpMenu()
+void TestMenus::theVendorIsInTheHelpMenu_data()
+{
+    QTest::addColumn<QString>("opened");
+    QTest::newRow("Quorvane Home Page") << u"http://www.orbelt.example/osx/quorvane"_s;
+    QTest::newRow("Orbelt - Mirando Web Site") << u"http://www.orbelt.example/"_s;
+    QTest::newRow("Follow Us on Twitter") << u"http://twitter.example/orbelt"_s;
+    QTest::newRow("Mail to Support…") << u"mailto:support@orbelt.example"_s;
+}
+
+void TestMenus::theVendorIsInTheHelpMenu()
 {
     Opened program;
-    program.menuItem(u"Quorvane Home Page"_s)->trigger();
+    program.menuItem(QString::fromUtf8(QTest::currentDataTag()))->trigger();
     QCOMPARE(program.workspace.opened.size(), 1);
+    QTEST(program.workspace.opened[0].toString(QUrl::RemoveQuery), "opened");
+}
+
+void TestMenus::theApplicationMenuLeadsToTheProgramsWindows()
+{
+    Opened program;
+    const QMenu *menu = program.window().menuBar()->actions().first()->menu();
+    QCOMPARE(titlesOf(*menu),
+             QStringList({u"About Quorvane"_s, u"Software Update…"_s, u"Preferences…"_s,
+                          u"Quit Quorvane"_s}));
+    program.menuItem(u"About Quorvane"_s)->trigger();
+    const AboutWindow *about = program.delegate.aboutWindow();
+    QVERIFY(about && about->isVisible());
+    QCOMPARE(about->windowTitle().remove(u"[*]"_s), u"About Quorvane"_s);
+    const std::pair<const char *, QVariant> properties[] = {
+        {"appName", u"Quorvane"_s},
+        {"vendorName", u"Orbelt - Mirando"_s},
+        {"releaseString", u"2.6.1"_s},
+        {"buildString", u"2.6.1"_s},
+        {"appStantment", u"The encryption visual editor for Mac"_s},
+        {"hasUserGuide", true},
+    };
+    for (const auto &[name, value] : properties) {
+        QCOMPARE(about->property(name), value);
+    }
+    program.menuItem(u"Software Update…"_s)->trigger();
+    QTRY_VERIFY(RealProgram::dialogText().contains(u"was not able to connect"_s));
+    QVERIFY(RealProgram::press(u"OK"_s));
 }
 
 QTEST_MAIN(TestMenus)

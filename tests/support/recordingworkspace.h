@@ -3,6 +3,7 @@
 #include "platform/nsworkspace.h"
 
 #include <QList>
+#include <QStringList>
 
 namespace quorvane {
 
@@ -15,7 +16,17 @@ public:
         return opens;
     }
 
+    bool openFile(const QString &path) override
+    {
+        openedFiles.append(path);
+        return opens;
+    }
+
+    void selectFileInFileViewer(const QString &path) override { selectedFiles.append(path); }
+
     QList<QUrl> opened;
+    QStringList openedFiles;
+    QStringList selectedFiles;
     bool opens = true; ///< What openURL answers.
 };
 

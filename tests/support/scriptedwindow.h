@@ -56,7 +56,11 @@ public:
         ++centred;
     }
 
-    void makeKeyAndOrderFront() override { calls.append(QStringLiteral("makeKeyAndOrderFront")); }
+    void makeKeyAndOrderFront() override
+    {
+        calls.append(QStringLiteral("makeKeyAndOrderFront"));
+        visible = true;
+    }
 
     void makeFirstResponder(NSResponder &responder) override
     {
@@ -64,6 +68,8 @@ public:
         firstResponder = &responder;
         responder.becomeFirstResponder();
     }
+
+    bool isVisible() const override { return visible; }
 
     void close() override
     {
@@ -73,6 +79,7 @@ public:
             m_sheets.end(*sheet, modalResponseStop);
         }
         isClosed = true;
+        visible = false;
     }
 
     void setTitle(const QString &title) override { titles.append(title); }
@@ -122,6 +129,7 @@ public:
     bool showsResizeIndicator = true;
     bool isDocumentEdited = false;
     bool isClosed = false;
+    bool visible = false;
     int centred = 0;
     NSResponder *firstResponder = nullptr;
     QList<NSRect> frames; ///< As they were asked for.

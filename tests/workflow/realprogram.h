@@ -16,12 +16,16 @@
 #include "product/release.h"
 #include "product/settings.h"
 #include "shell/mainmenu.h"
+#include "shell/myappdelegate.h"
 #include "shell/startwindowkeeper.h"
 #include "support/failingfilestore.h"
 #include "support/inmemorydefaults.h"
 #include "support/listedrecents.h"
+#include "support/nobodyloader.h"
+#include "support/recordingaccess.h"
 #include "support/recordingworkspace.h"
 #include "support/scriptedpanels.h"
+#include "update/qvphonehome.h"
 
 #include <QAction>
 #include <QApplication>
@@ -39,7 +43,7 @@ namespace quorvane {
 class RealProgram
 {
 public:
-    RealProgram() { defaults.registerDefaults(settings::registeredDefaults()); }
+    RealProgram() = default;
 
     InMemoryDefaults defaults;
 
@@ -157,9 +161,27 @@ public:
     }
 
 private:
+    AppSurroundings appSurroundings()
+    {
+        MyAppDelegate::initialize(defaults, m_phoneHome);
+        return {defaults,
+                documents,
+                m_timers,
+                m_queue,
+                m_alerts,
+                panels,
+                workspace,
+                m_fontManager,
+                access,
+                m_phoneHome,
+                [this](QWidget &widget) {
+                    return std::make_unique<QtWindow>(widget, m_queue);
+                }};
+    }
+
     MenuSurroundings menuSurroundings()
     {
-        return {documents, recents, m_alerts, workspace, [this] {
+        return {documents, recents, m_alerts, delegate, [this] {
                     documents.closeAllDocuments([this](bool closed) {
                         if (closed) {
                             startWindow.end();
@@ -212,6 +234,8 @@ private:
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     PosixPackageStore m_packages;
+    NobodyLoader m_loader;
+    ImmediateBackground m_background;
     QList<QPointer<DocumentWindow>> m_windows;
 
 public:
@@ -219,12 +243,20 @@ public:
     ScriptedPanels panels;
     ListedRecents recents;
     RecordingWorkspace workspace;
+    RecordingAccess access;
+
+private:
+    QVPhoneHome m_phoneHome {
+        {defaults, m_alerts, workspace, m_loader, m_background, &QDateTime::currentDateTime}};
+
+public:
     QVRevertDocController documents {{m_queue, files, panels, m_timers},
                                      m_alerts,
                                      documentExtension,
                                      [this] {
                                          return makeDocument();
                                      }};
+    MyAppDelegate delegate {appSurroundings()};
     StartWindowKeeper startWindow {menuSurroundings(), m_queue}; ///< Only where a test begins it.
     bool hasQuit = false;
 };
