@@ -79,6 +79,10 @@ private:
     {
     public:
         bool openURL(const QUrl &) override { return false; }
+
+        bool openFile(const QString &) override { return false; }
+
+        void selectFileInFileViewer(const QString &) override { }
     };
 
     Queue m_queue;
