@@ -282,6 +282,8 @@ void TestCopiedText::pastedHtmlLooksAsItWillWhenReopened_data()
     QTest::newRow("a table") << u"x<table><tr><td>a</td><td>b</td></tr></table>y"_s
                              << u"x\na\nb\ny"_s;
     QTest::newRow("bullets") << u"<ul><li>a</li><li>b</li></ul>"_s << u"a\nb"_s;
+    QTest::newRow("items without a mark")
+        << u"<ul style='list-style-type:none'><li>a</li><li>b</li></ul>"_s << u"a\nb"_s;
     QTest::newRow("looks that are not kept")
         << u"<s>a</s><span style='background-color:#ff0000'>b</span><sup>c</sup>"_s << u"abc"_s;
     QTest::newRow("looks that are kept")
