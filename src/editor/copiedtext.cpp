@@ -183,7 +183,7 @@ QVariant CopiedText::retrieveData(const QString &format, QMetaType) const
         return {}; // an empty answer would be taken for the text
     }
     if (format == plainFormat) {
-        return m_common->text();
+        return plainTextFromBody(bodyFromDocument(*text())); // the toolkit's own changes characters
     }
     if (format == htmlFormat) {
         return m_common->html();
@@ -191,7 +191,8 @@ QVariant CopiedText::retrieveData(const QString &format, QMetaType) const
     return m_common->data(format);
 }
 
-std::unique_ptr<QTextDocument> CopiedText::document() const
+/// Without the files of the attachments.
+std::unique_ptr<QTextDocument> CopiedText::text() const
 {
     auto document = std::make_unique<QTextDocument>();
     document->setUndoRedoEnabled(false);
@@ -207,6 +208,12 @@ std::unique_ptr<QTextDocument> CopiedText::document() const
     } else if (m_firstParagraph && !m_beginsWithItem) {
         cursor.setBlockFormat(*m_firstParagraph);
     }
+    return document;
+}
+
+std::unique_ptr<QTextDocument> CopiedText::document() const
+{
+    std::unique_ptr<QTextDocument> document = text();
     AttachmentStore &store = AttachmentStore::of(*document);
     for (const Entry &entry : m_entries) {
         store.add(QString::fromUtf8(entry.entry.name), entry.entry, entry.attributes);

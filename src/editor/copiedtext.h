@@ -50,6 +50,7 @@ private:
     };
 
     bool isHidden() const;
+    std::unique_ptr<QTextDocument> text() const;
     std::unique_ptr<QTextDocument> document() const;
 
     std::unique_ptr<QMimeData> m_common;

@@ -21,6 +21,7 @@ constexpr double twipsPerPixel = 15;
 constexpr int wholeLine = 240; // \sl of a single line.
 constexpr int defaultTabDistance = 560;
 constexpr int defaultTabCount = 12;
+constexpr qsizetype usualFonts = 256;
 
 double pixels(int twips)
 {
@@ -36,7 +37,11 @@ void setFontOf(QTextCharFormat &format, const RtfCharacter &character, const Rtf
 {
     if (const std::optional<RtfFont> font = tables.font(character.font);
         font && !font->name.isEmpty()) {
-        format.setFontFamilies({familyOfFontName(font->name)});
+        const QString family = familyOfFontName(font->name);
+        format.setFontFamilies({family});
+        if (tables.fonts.size() > usualFonts) {
+            format.setProperty(FontKey, family);
+        }
         if (!fontNameIsPlain(font->name)) {
             format.setProperty(FontName, font->name);
         }

@@ -178,11 +178,12 @@ RtfLists::Known RtfLists::makeKnown(const QTextListFormat &format)
     m_definitions.push_back(definition(format, number));
     const Style &style = styleOf(format);
     const int level = std::clamp(format.indent(), 1, deepestIndent) - 1;
-    Known known {rtfWord("ls", number) + rtfWord("ilvl", level),
-                 "{\\listtext\t",
-                 {},
-                 int(style.style),
-                 startOf(format)};
+    Known known {
+        rtfWord("ls", number) + rtfWord("ilvl", level), {}, {}, int(style.style), startOf(format)};
+    if (!style.marker) {
+        return known; // Where nothing is shown, readers would take the tabs for text.
+    }
+    known.beforeNumber = "{\\listtext\t";
     RtfEscaper(known.beforeNumber, m_fallback)
         .text(isNumbered(style) ? format.numberPrefix().left(longestAffix)
                                 : bulletOf(format, style));

@@ -62,6 +62,7 @@ void RtfReader::run()
         m_state.destination = Destination::Body;
         endDestination(left);
     }
+    endField();
     settleLabel();
 }
 
@@ -196,6 +197,7 @@ void RtfReader::endGroup()
     if (left == Destination::Styles && m_state.styleDepth == 1) {
         endStyle();
     }
+    const bool endsField = m_state.field == m_stack.size();
     m_state = std::move(m_stack.back());
     m_stack.pop_back();
     if (left == Destination::Fonts) {
@@ -203,6 +205,9 @@ void RtfReader::endGroup()
     }
     if (left != m_state.destination) {
         endDestination(left);
+    }
+    if (endsField) {
+        endField();
     }
 }
 
@@ -216,7 +221,7 @@ void RtfReader::endDestination(Destination left)
         endPicture();
         break;
     case Destination::FieldInstruction:
-        endField();
+        endInstruction();
         break;
     case Destination::OldList:
         m_state.paragraph.list = m_listReader.endOld();
@@ -417,6 +422,7 @@ bool RtfReader::takesText()
         m_asideCells = 0;
     }
     settleLabel();
+    m_symbol.reset();
     m_paragraphIsEmpty = false;
     return true;
 }

@@ -55,7 +55,7 @@ private:
         Destination destination = Destination::Body;
         Alternative alternative = Alternative::None; ///< Of the very group, not inherited.
         bool deleted = false;
-        bool isInField = false;
+        std::size_t field = 0; ///< The depth of the innermost field's group; 0 outside.
         int styleDepth = 0; ///< 1 in the group of a style.
         int fallbackLength = 1;
         int codePage = windowsLatin;
@@ -73,6 +73,13 @@ private:
     struct Ending
     {
         RtfParagraph paragraph;
+        RtfCharacter character;
+    };
+
+    /// The character that a field shows, for as long as its result shows nothing.
+    struct Symbol
+    {
+        QString text;
         RtfCharacter character;
     };
 
@@ -96,6 +103,9 @@ private:
     void endGraphic();
     void endPicture();
     void endField();
+    void endInstruction();
+    void takeSymbol();
+    int symbolFont(const QString &name);
     void endStyle();
 
     void symbol(uchar byte);
@@ -172,6 +182,8 @@ private:
     RtfCharacter m_labelCharacter;
     QString m_instruction;
     QHash<QString, int> m_linkNumbers;
+    std::optional<Symbol> m_symbol;
+    QHash<QString, int> m_symbolFonts;
     QByteArray m_infoWord;
     int m_oldTextPlace = 0;
 

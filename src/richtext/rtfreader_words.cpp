@@ -1,8 +1,10 @@
 #include "richtext/rtfcarriedwords.h"
-#include "richtext/rtfhyperlink.h"
+#include "richtext/rtffields.h"
 #include "richtext/rtfreader.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -12,6 +14,7 @@ namespace {
 
 constexpr std::size_t mostAsides = 65536;
 constexpr int longestFallback = 16;
+constexpr int symbolBase = 0xf000; // Where the private area has the places of symbol fonts.
 
 } // namespace
 
@@ -68,7 +71,7 @@ void RtfReader::destination(RtfKeyword keyword, const RtfToken &token)
     case RtfAction::Transparent:
         break;
     case RtfAction::Field:
-        m_state.isInField = isInBody;
+        m_state.field = isInBody ? m_stack.size() : 0;
         break;
     case RtfAction::UnicodeAlternative:
         m_stack.back().alternative = Alternative::Taken;
@@ -83,6 +86,7 @@ void RtfReader::destination(RtfKeyword keyword, const RtfToken &token)
             const bool isNote = token.text == "footnote";
             m_asides.push_back({m_tokenizer.position(), m_state, isNote ? m_footnotes : 0});
             m_asides.back().state.paragraph.nesting = 0;
+            m_asides.back().state.field = 0;
             skipGroup();
         }
         break;
@@ -360,14 +364,14 @@ void RtfReader::setFont(int number)
 }
 
 /// Gives the link to all that follows in the group of the field.
-void RtfReader::endField()
+void RtfReader::endInstruction()
 {
-    if (!m_state.isInField || m_state.destination != Destination::Body) {
+    if (m_state.field == 0 || m_state.destination != Destination::Body) {
         return;
     }
     const QString address = addressOfHyperlink(m_instruction);
-    m_instruction.clear();
     if (address.isEmpty()) {
+        takeSymbol();
         return;
     }
     int &number = m_linkNumbers[address];
@@ -376,6 +380,53 @@ void RtfReader::endField()
         number = int(m_tables.links.size());
     }
     m_state.character.link = number;
+}
+
+void RtfReader::takeSymbol()
+{
+    const std::optional<RtfSymbolField> field = symbolFieldOf(m_instruction);
+    if (!field) {
+        return;
+    }
+    m_symbol = Symbol {QString(), m_state.character};
+    if (!field->font.isEmpty()) {
+        m_symbol->character.font = symbolFont(field->font);
+    }
+    if (field->points > 0) {
+        m_symbol->character.milliPoints = field->points * 1000;
+    }
+    const char byte = char(field->code);
+    if (field->isUnicode || field->code > 0xff) {
+        m_symbol->text = QString::fromUcs4(QList {char32_t(field->code)}.constData(), 1);
+    } else if (isSymbolFont(field->font)) {
+        m_symbol->text = QChar(symbolBase + field->code);
+    } else {
+        m_codePages.decode(m_tables.ansiCodePage, QByteArrayView(&byte, 1), m_symbol->text);
+    }
+}
+
+/// The number of a font that an instruction names, which need not be in the table.
+int RtfReader::symbolFont(const QString &name)
+{
+    int &number = m_symbolFonts[name];
+    if (number == 0) {
+        number = std::numeric_limits<int>::max() - int(m_symbolFonts.size());
+        m_tables.fonts.insert(number, {name, {}, {}});
+    }
+    return number;
+}
+
+/// Shows the character of a field whose result has shown nothing.
+void RtfReader::endField()
+{
+    if (!m_symbol || m_state.destination != Destination::Body) {
+        return;
+    }
+    const Symbol symbol = *std::exchange(m_symbol, std::nullopt);
+    if (takesText()) {
+        flushText();
+        m_sink.text(symbol.text, m_state.paragraph, symbol.character);
+    }
 }
 
 void RtfReader::paragraphEnd()

@@ -105,6 +105,9 @@ enum TextProperty {
     DocumentWords, ///< QByteArray, words of the document: paper, margins, view, hyphenation...
     DocumentInfo, ///< QVariantMap of QString by word ("author"), the title apart: that is native
     ///< meta information.
+    // Characters once more.
+    FontKey, ///< QString, the family where a text has very many fonts: of a list of families Qt's
+    ///< table of formats knows nothing but the type, and would compare with each.
 };
 
 /// Units that a text document uses for its own structure: U+FFFD with OriginalUnit stands for them.

@@ -121,6 +121,8 @@ private slots:
     void whatALockedTextGaveToAClipboardIsGone();
     void whatOthersGaveToAClipboardStays_data();
     void whatOthersGaveToAClipboardStays();
+    void plainTextHasItsVeryCharacters_data();
+    void plainTextHasItsVeryCharacters();
     void aCutAndPastedTextIsWhatItWas();
     void aCopyInAnotherEditorIsWhatItWas();
     void aCopyBesideItsOriginalHasAFileOfItsOwn();
@@ -175,6 +177,36 @@ void TestCopiedText::whatOthersGaveToAClipboardStays()
     }
     editor->setContentHidden(true);
     QCOMPARE(QGuiApplication::clipboard()->text(), u"other"_s);
+}
+
+void TestCopiedText::plainTextHasItsVeryCharacters_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("text");
+    const auto exact = [](const char *name, const QString &text) {
+        QTest::newRow(name) << text.toUtf8() << text;
+    };
+    exact("spaces of every kind", u"a\u00a0b\u2009c\u3000d\t"_s);
+    exact("line ends of every kind", u"\na\u2028b\fc\n\n"_s);
+    exact("characters that the toolkit uses itself", u"a\ufdd0b\ufdd1c\ufffdd"_s);
+    QTest::newRow("attachments") << bodyWithFiles(attachmentsText)
+                                 << u"one\nboldred\ufffc\ufffc\nlast"_s;
+    QTest::newRow("cells") << QByteArray("{\\rtf1 x\\par\\trowd\\cellx99\\cellx999 "
+                                         "\\intbl a\\~\\cell b\\cell\\row\\pard y}")
+                           << u"x\na\u00a0\tb\ny"_s;
+    QTest::newRow("items of a list") << QByteArray("{\\rtf1{\\pntext 1.\\tab}{\\*\\pn\\pnlvlbody"
+                                                   "\\pndec}a\\par b}")
+                                     << u"a\nb"_s;
+}
+
+void TestCopiedText::plainTextHasItsVeryCharacters()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, text);
+    const EditorPtr editor = editorOf(body);
+    editor->selectAll();
+    editor->copy();
+    QCOMPARE(QGuiApplication::clipboard()->text(), text);
 }
 
 void TestCopiedText::aCutAndPastedTextIsWhatItWas()
@@ -250,6 +282,8 @@ void TestCopiedText::pastedHtmlLooksAsItWillWhenReopened_data()
     QTest::newRow("a table") << u"x<table><tr><td>a</td><td>b</td></tr></table>y"_s
                              << u"x\na\nb\ny"_s;
     QTest::newRow("bullets") << u"<ul><li>a</li><li>b</li></ul>"_s << u"a\nb"_s;
+    QTest::newRow("items without a mark")
+        << u"<ul style='list-style-type:none'><li>a</li><li>b</li></ul>"_s << u"a\nb"_s;
     QTest::newRow("looks that are not kept")
         << u"<s>a</s><span style='background-color:#ff0000'>b</span><sup>c</sup>"_s << u"abc"_s;
     QTest::newRow("looks that are kept")

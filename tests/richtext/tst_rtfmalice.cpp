@@ -142,6 +142,11 @@ void TestRtfMalice::tablesOfEveryShapeKeepTheirText_data()
         const QByteArray depth = "\\itap" + QByteArray::number(i * 7 % 40);
         return depth + " a\\par b\\nestcell c\\nestrow" + depth + "\\cell";
     });
+    QTest::newRow("many fonts, each in many places") << built(400'000, [](int i) {
+        const QByteArray number = QByteArray::number(i % 50'000);
+        const QByteArray entry = "{\\fonttbl\\f" + number + " F" + number + ";}";
+        return (i < 50'000 ? entry : QByteArray()) + "\\f" + number + " a";
+    });
     QTest::newRow("lists in cells")
         << QByteArray(
                "{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'01\\'00;}}\\listid1}}"

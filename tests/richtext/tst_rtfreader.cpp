@@ -70,6 +70,16 @@ void TestRtfReader::givesTheText_data()
     row("a destination amid the outer group means nothing", "{\\rtf1 a\\info b}", u"ab"_s);
     row("a field shows its result",
         "{\\rtf1{\\field{\\*\\fldinst HYPERLINK \"u\"}{\\fldrslt link}}x}", u"linkx"_s);
+    const auto symbol = [](const QByteArray &instruction, const QByteArray &result) {
+        return "{\\rtf1 A{\\field{\\*\\fldinst{SYMBOL " + instruction + "}}" + result + "}B}";
+    };
+    row("a symbol without a result", symbol("74 \\\\f \"Wingdings\" \\\\s 11", ""), u"A\uf04aB"_s);
+    row("a symbol with an empty result", symbol("0xB7 \\\\f Symbol", "{\\fldrslt\\f1\\fs22}"),
+        u"A\uf0b7B"_s);
+    row("a symbol with a result", symbol("74 \\\\f Wingdings", "{\\fldrslt{\\f1 J}}"), u"AJB"_s);
+    row("a symbol in Unicode", symbol("128512 \\\\u", "{\\fldrslt}"), u"A\U0001F600B"_s);
+    row("a symbol of a font of letters", symbol("128 \\\\f Arial", ""), u"A\u20acB"_s);
+    row("a symbol that is cut off", "{\\rtf1 A{\\field{\\*\\fldinst SYMBOL 65}{\\fldrslt", u"AA"_s);
     row("labels of lists are text", "{\\rtf1{\\listtext\t\\uc0\\u8226 \t}a\\\n}",
         u"\t\u2022\ta\n"_s);
     row("cells and rows", "{\\rtf1\\trowd a\\cell b\\cell\\row\\trowd\\cell c\\cell\\row d}",

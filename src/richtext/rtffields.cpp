@@ -1,10 +1,17 @@
-#include "richtext/rtfhyperlink.h"
+#include "richtext/rtffields.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace quorvane {
 
 namespace {
+
+constexpr int largestPoints = 1000;
+
+constexpr QLatin1StringView symbolFonts[] = {"Symbol"_L1,       "Wingdings"_L1, "Webdings"_L1,
+                                             "ZapfDingbats"_L1, "Marlett"_L1,   "MT Extra"_L1};
 
 /// Takes the next word off the front: what stands in quotation marks is one.
 QString takeWord(QStringView &text)
@@ -47,6 +54,40 @@ QString addressOfHyperlink(const QString &instruction)
         }
     }
     return place.isEmpty() ? address : address + u'#' + place;
+}
+
+std::optional<RtfSymbolField> symbolFieldOf(const QString &instruction)
+{
+    QStringView rest(instruction);
+    if (takeWord(rest).compare("SYMBOL"_L1, Qt::CaseInsensitive) != 0) {
+        return std::nullopt;
+    }
+    RtfSymbolField symbol;
+    bool isNumber = false;
+    const QString code = takeWord(rest);
+    const bool isHex = code.startsWith("0x"_L1, Qt::CaseInsensitive);
+    symbol.code = isHex ? code.sliced(2).toInt(&isNumber, 16) : code.toInt(&isNumber);
+    if (!isNumber || symbol.code < ' ' || symbol.code > 0x10ffff) {
+        return std::nullopt;
+    }
+    while (!(rest = rest.trimmed()).isEmpty()) {
+        const QString word = takeWord(rest);
+        if (word == "\\u"_L1) {
+            symbol.isUnicode = true;
+        } else if (word == "\\f"_L1) {
+            symbol.font = takeWord(rest);
+        } else if (word == "\\s"_L1) {
+            symbol.points = std::clamp(takeWord(rest).toInt(), 0, largestPoints);
+        }
+    }
+    return symbol;
+}
+
+bool isSymbolFont(const QString &name)
+{
+    return std::any_of(std::begin(symbolFonts), std::end(symbolFonts), [&](QLatin1StringView font) {
+        return name.startsWith(font, Qt::CaseInsensitive);
+    });
 }
 
 } // namespace quorvane
