@@ -263,6 +263,16 @@ class Refusals(Case):
         for number, input, told in rows:
             done = self.run_cli("cat", "--password-fd", number, good, password=None, input=input)
             self.assert_ends(done, USAGE, told)
+        for input in (b"correct horse\r\nmore", b"correct horse\r", b"correct horse"):
+            self.assert_ends(self.run_cli("cat", "--password-fd=0", good, password=None, input=input), DONE)
+        fresh = self.folder / "fresh.quorvane"
+        for control in ("\0", "\t", "\x1b", "\x7f", "\x85", "\r\r"):
+            input = f"correct{control}".encode()
+            done = self.run_cli("create", "--password-fd=0", fresh, password=None, input=input)
+            self.assert_ends(done, USAGE, "control character")
+            done = self.run_cli("passwd", "--new-password-fd=0", good, input=input)
+            self.assert_ends(done, USAGE, "control character")
+        self.assertFalse(fresh.exists())
         # Two lines of one descriptor, and the content behind them.
         both = self.run_cli("passwd", "--password-fd=0", "--new-password-fd=0", good, password=None,
                             input=b"correct horse\nanother horse\n")
