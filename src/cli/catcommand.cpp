@@ -1,9 +1,9 @@
+#include "cli/clearoutput.h"
 #include "cli/commands.h"
 #include "cli/content.h"
 #include "cli/passwords.h"
 #include "cli/storeddocument.h"
 #include "cli/streams.h"
-#include "platform/posixpackagestore.h"
 #include "richtext/body.h"
 
 #include <QFile>
@@ -37,39 +37,29 @@ bool areSameFile(const QString &one, const QString &other)
 
 QByteArray contentIn(const QString &format, const QByteArray &body)
 {
+    if (format == "text"_L1) {
+        return plainTextFromBody(body).toUtf8();
+    }
     if (format == "rtf"_L1) {
         return rtfOfBody(body);
     }
     return format == "html"_L1 ? htmlOfBody(body) : body;
 }
 
-/// What is replaced gives its mode to the new file: the text in the clear is the owner's alone.
-std::optional<Failure> narrowMode(const QString &path)
+ClearOutput::Kind kindOf(const QString &format)
 {
-    const QByteArray name = QFile::encodeName(path);
-    struct stat status = {};
-    if (::stat(name.constData(), &status) != 0 || !S_ISREG(status.st_mode)
-        || (status.st_mode & (S_IRWXG | S_IRWXO)) == 0
-        || ::chmod(name.constData(), S_IRUSR | S_IWUSR) == 0) {
-        return std::nullopt;
+    if (format == "rtfd"_L1) {
+        return ClearOutput::Kind::Package;
     }
-    return Failure {ExitCode::CannotWrite,
-                    u"others may read it, and that cannot be changed: "_s + qt_error_string(errno)};
+    return format == "text"_L1 || format == "html"_L1 ? ClearOutput::Kind::Text
+                                                      : ClearOutput::Kind::Bytes;
 }
 
-std::optional<Failure> writeFile(const QString &path, const QByteArray &content)
+std::optional<Failure> write(const ClearOutput &output, const QString &format,
+                             const QByteArray &body)
 {
-    if (const std::optional<Failure> failure = narrowMode(path)) {
-        return failure;
-    }
-    const std::optional<FileError> error = PosixFileStore().replace(path, content);
-    return error ? std::optional(cannotWrite(*error)) : std::nullopt;
-}
-
-std::optional<Failure> writePackage(const QString &path, const QByteArray &body)
-{
-    const std::optional<FileError> error = PosixPackageStore().replace(path, packageOfBody(body));
-    return error ? std::optional(cannotWrite(*error)) : std::nullopt;
+    return format == "rtfd"_L1 ? output.write(packageOfBody(body))
+                               : output.write(contentIn(format, body));
 }
 
 bool print(const QString &format, const QByteArray &body)
@@ -99,7 +89,7 @@ std::optional<Failure> unusable(const QString &format, const std::optional<QStri
     if (output && areSameFile(*output, file)) {
         return usage(u"the text would take the place of its own document"_s);
     }
-    return std::nullopt;
+    return output ? ClearOutput(*output, kindOf(format)).refusal() : std::nullopt;
 }
 
 } // namespace
@@ -133,9 +123,7 @@ ExitCode runCat(const Arguments &arguments)
     if (!output) {
         return print(format, body) ? ExitCode::Done : ExitCode::CannotWrite;
     }
-    const auto failure = format == "rtfd"_L1 ? writePackage(*output, body)
-        : format == "text"_L1                ? writeFile(*output, plainTextFromBody(body).toUtf8())
-                                             : writeFile(*output, contentIn(format, body));
+    const auto failure = write(ClearOutput(*output, kindOf(format)), format, body);
     return failure ? fail(*output, *failure) : ExitCode::Done;
 }
 

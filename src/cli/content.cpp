@@ -5,7 +5,9 @@
 #include "richtext/body.h"
 #include "richtext/flatrtfd.h"
 #include "richtext/richtextexport.h"
+#include "richtext/rtfwriter.h"
 
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 #include <QTextDocument>
@@ -75,8 +77,21 @@ QByteArray bodyOfContent(const QByteArray &content)
     return bodyOfText(content);
 }
 
+const QString nameOfText = u"TXT.rtf"_s;
+const Failure noPackage {ExitCode::NotReadable, u"a folder without TXT.rtf is no RTFD package"_s};
+
+bool isText(const PackageEntry &entry)
+{
+    return !entry.isFolder
+        && QFile::decodeName(entry.name).compare(nameOfText, Qt::CaseInsensitive) == 0;
+}
+
 Result<QByteArray> bodyOfPackage(const QString &path)
 {
+    // Before all of it is read, which may be a whole disk.
+    if (QDir(path).isReadable() && !holdsPackageText(path)) {
+        return {std::nullopt, noPackage};
+    }
     const PackageStore::ReadResult read = PosixPackageStore().read(path);
     if (!read.entries) {
         return {std::nullopt, cannotRead(read.error)};
@@ -84,11 +99,8 @@ Result<QByteArray> bodyOfPackage(const QString &path)
     for (const QByteArray &left : read.leftOut) {
         complain(path, u"left out: "_s + QFile::decodeName(left));
     }
-    const auto isText = [](const PackageEntry &entry) {
-        return !entry.isFolder && entry.name.compare("TXT.rtf", Qt::CaseInsensitive) == 0;
-    };
     if (std::none_of(read.entries->begin(), read.entries->end(), isText)) {
-        return {std::nullopt, {ExitCode::NotReadable, u"a folder without TXT.rtf is no RTFD"_s}};
+        return {std::nullopt, noPackage};
     }
     return {bodyFromPackage(*read.entries), {}};
 }
@@ -140,6 +152,29 @@ PackageEntries packageOfBody(const QByteArray &body)
     QTextDocument document;
     readBody(body, document);
     return packageFromDocument(document);
+}
+
+bool holdsPackageText(const QString &path)
+{
+    return QDir(path)
+        .entryList(QDir::Files | QDir::Hidden | QDir::System)
+        .contains(nameOfText, Qt::CaseInsensitive);
+}
+
+std::optional<QByteArray> foreignEntry(const PackageEntries &old, const PackageEntries &fresh)
+{
+    needApplication();
+    QTextDocument document;
+    readBody(bodyFromPackage(old), document);
+    RtfWriter writer(document);
+    writer.write();
+    const QSet<QString> &named = writer.attachmentNames();
+    const auto foreign = std::find_if(old.begin(), old.end(), [&](const PackageEntry &entry) {
+        return !isText(entry) && !named.contains(QString::fromUtf8(entry.name))
+            && std::none_of(fresh.begin(), fresh.end(),
+                            [&entry](const PackageEntry &its) { return its.name == entry.name; });
+    });
+    return foreign == old.end() ? std::nullopt : std::optional(foreign->name);
 }
 
 Result<QByteArray> bodyFrom(const QString &path)

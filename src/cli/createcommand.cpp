@@ -2,6 +2,7 @@
 #include "cli/content.h"
 #include "cli/passwords.h"
 #include "cli/storeddocument.h"
+#include "cli/streams.h"
 
 #include <QFile>
 
@@ -33,6 +34,10 @@ std::optional<Failure> refusal(const Arguments &arguments)
 ExitCode runCreate(const Arguments &arguments)
 {
     const QString &file = arguments.file();
+    if (file.isEmpty()) {
+        complain(u"the name of the document is empty"_s);
+        return ExitCode::Usage;
+    }
     if (const auto failure = refusal(arguments)) {
         return fail(file, *failure); // before the trouble of a password
     }

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -63,6 +64,9 @@ PasswordResult firstLineOf(int descriptor, const QString &name)
             return failure(u"no password from %1: it is empty"_s.arg(name));
         }
         if (count == 0 || byte == '\n') {
+            if (line.endsWith('\r')) { // of a line end as other systems write it
+                line.chop(1);
+            }
             return decoded(line);
         }
         line.append(byte);
@@ -115,8 +119,16 @@ struct Source
 constexpr Source given {passwordFd, passwordFile};
 constexpr Source fresh {newPasswordFd, newPasswordFile};
 
-PasswordResult longEnough(PasswordResult result)
+/// One with control characters could hardly be typed again.
+PasswordResult allowed(PasswordResult result)
 {
+    const auto isControl = [](QChar character) {
+        return character.category() == QChar::Other_Control;
+    };
+    if (result.value && std::any_of(result.value->begin(), result.value->end(), isControl)) {
+        return failure(u"the new password has a control character in it, such as a tab or a NUL; "
+                       u"it must have none"_s);
+    }
     if (result.value && result.value->size() < leastPasswordLength) {
         return failure(u"Password Too Short. You have to use a password which is at least six "
                        u"character long."_s);
@@ -180,7 +192,7 @@ PasswordResult passwordFromTerminal(const QString &prompt)
 PasswordResult newPassword(const Arguments &arguments, NewPasswordSource source)
 {
     const Source &named = source == NewPasswordSource::PasswordOptions ? given : fresh;
-    return longEnough(named.isNamed(arguments) ? named.read(arguments) : typedTwice());
+    return allowed(named.isNamed(arguments) ? named.read(arguments) : typedTwice());
 }
 
 } // namespace quorvane

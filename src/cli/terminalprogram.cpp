@@ -37,7 +37,8 @@ const std::vector<Command> &commands()
          "write the content of a document",
          "FORMAT is text (in UTF-8, the default), rtf, html, rtfd or body, the bytes as they were\n"
          "encrypted. An rtfd is a package, a folder, and needs --output. What OUT was is replaced\n"
-         "in one step; OUT can be read by you alone.\n",
+         "in one step; OUT can be read by you alone. A protected document is not replaced; a pipe\n"
+         "or a device, also as /dev/stdout, is written to.\n",
          1,
          {{"Options",
            {{"format", "FORMAT", "write this format", 'f'},

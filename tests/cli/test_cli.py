@@ -114,6 +114,49 @@ class Reading(Case):
                 self.assertEqual((out.read_bytes(), out.stat().st_mode & 0o777), (done.stdout, 0o600))
         self.assertEqual(self.run_cli("cat", path).stdout, TEXT.encode())
 
+    def test_whatIsNoRegularFileIsWrittenToAsAStream(self):
+        path, out = self.file("a.quorvane"), self.file("out", "before\n")
+        out.chmod(0o644)
+        link, fifo = self.folder / "link", self.folder / "fifo"
+        link.symlink_to("/dev/stdout")
+        os.mkfifo(fifo)
+        rows = (("/dev/stdout", "ab"), ("/dev/fd/1", "ab"), ("/proc/self/fd/1", "r+b"), (link, "ab"))
+        for name, mode in rows:
+            with self.subTest(name), open(out, mode) as shells:
+                out.write_text("before\n")
+                shells.seek(7)
+                inode = out.stat().st_ino
+                command = [PROGRAM, "cat", "--password-file", self.file("pw", PASSWORD), "-o", name, path]
+                subprocess.run(command, stdout=shells, check=True)
+                self.assertEqual((out.read_text(), out.stat().st_ino), ("before\n" + TEXT, inode))
+        reader = subprocess.Popen(["cat", fifo], stdout=subprocess.PIPE)
+        self.assert_ends(self.run_cli("cat", "-o", fifo, path), DONE)
+        self.assertEqual(reader.communicate()[0], TEXT.encode())
+        self.assert_ends(self.run_cli("cat", "-o", "/dev/null", path), DONE)
+        self.assert_ends(self.run_cli("cat", "-o", "/dev/full", path), UNWRITABLE, "/dev/full: No space left")
+        self.assert_ends(self.run_cli("cat", "-o", "/dev/fd/77", path), UNWRITABLE, "/dev/fd/77: ")
+        self.assertTrue(fifo.is_fifo() and link.is_symlink())
+
+    def test_whatShouldLastIsNotReplaced(self):
+        path, other = self.file("a.quorvane"), self.file("other.quorvane")
+        old, newer = self.file("old.quorvane", version=1400), self.file("newer.quorvane", version=20401)
+        damaged = self.file("damaged.quorvane", other.read_bytes()[:-40])
+        package = self.folder / "out.rtfd"
+        self.assert_ends(self.run_cli("cat", "-f", "rtfd", "-o", package, path), DONE)
+        self.assert_ends(self.run_cli("cat", "-f", "rtfd", "-o", package, path), DONE)
+        (package / "mine").write_text("mine")
+        rows = [("rtfd", self.file("text", "x"), "it is a file"), ("rtfd", "/dev/null", "it is no folder"),
+                ("text", package, "it is a folder"), ("rtfd", package, "'mine'")]
+        rows += [(format, out, "protected document") for format in ("text", "body", "rtfd")
+                 for out in (other, old, newer, damaged)]
+        files = [each for each in self.folder.rglob("*") if each.is_file()]
+        before = {each: each.read_bytes() for each in files}
+        for format, out, told in rows:
+            with self.subTest(f"{format} over {out}"):
+                done = self.assert_ends(self.run_cli("cat", "-f", format, "-o", out, path), UNWRITABLE, told)
+                self.assertIn(str(out), done.stderr.decode())
+        self.assertEqual({each: each.read_bytes() for each in files}, before)
+
     def test_verifyPromisesNoMoreThanItKnows(self):
         rows = ((None, {}, DONE, "without the password"),
                 (PASSWORD, {}, DONE, "the password opens it"),
@@ -234,7 +277,8 @@ class Refusals(Case):
             (("cat", "-o", self.folder / "no" / "out", good), UNWRITABLE, "out: "),
             (("cat", "-o", self.folder, good), UNWRITABLE, str(self.folder)),
             (("create", good), UNWRITABLE, "--force"), (("create", "--from", gone, out), UNREADABLE, "gone"),
-            (("create", "--from", self.folder, out), UNREADABLE, "TXT.rtf"),
+            (("create", "--from", self.folder, out), UNREADABLE, "no RTFD package"),
+            (("create", "--from", text, ""), USAGE, "the name of the document is empty"),
             (("create", self.folder / "no" / "out"), UNWRITABLE, "out: "),
             (("note", gone), UNREADABLE, "gone"), (("note", "--set", "x", newer), NEWER, "newer"),
             (("passwd", text), UNREADABLE, "text"), (("passwd", newer), NEWER, "newer"),
@@ -263,6 +307,16 @@ class Refusals(Case):
         for number, input, told in rows:
             done = self.run_cli("cat", "--password-fd", number, good, password=None, input=input)
             self.assert_ends(done, USAGE, told)
+        for input in (b"correct horse\r\nmore", b"correct horse\r", b"correct horse"):
+            self.assert_ends(self.run_cli("cat", "--password-fd=0", good, password=None, input=input), DONE)
+        fresh = self.folder / "fresh.quorvane"
+        for control in ("\0", "\t", "\x1b", "\x7f", "\x85", "\r\r"):
+            input = f"correct{control}".encode()
+            done = self.run_cli("create", "--password-fd=0", fresh, password=None, input=input)
+            self.assert_ends(done, USAGE, "control character")
+            done = self.run_cli("passwd", "--new-password-fd=0", good, input=input)
+            self.assert_ends(done, USAGE, "control character")
+        self.assertFalse(fresh.exists())
         # Two lines of one descriptor, and the content behind them.
         both = self.run_cli("passwd", "--password-fd=0", "--new-password-fd=0", good, password=None,
                             input=b"correct horse\nanother horse\n")
