@@ -130,6 +130,7 @@ class Reading(Case):
                 subprocess.run(command, stdout=shells, check=True)
                 self.assertEqual((out.read_text(), out.stat().st_ino), ("before\n" + TEXT, inode))
         reader = subprocess.Popen(["cat", fifo], stdout=subprocess.PIPE)
+        self.addCleanup(reader.kill)
         self.assert_ends(self.run_cli("cat", "-o", fifo, path), DONE)
         self.assertEqual(reader.communicate()[0], TEXT.encode())
         self.assert_ends(self.run_cli("cat", "-o", "/dev/null", path), DONE)
