@@ -46,7 +46,8 @@ for target in "${targets[@]}"; do
     if [ "$mode" = test ]; then
         corpus=$root/build/fuzz/test/$name
         rm -rf "$corpus"
-        options=(-seed=1 -verbosity=0)
+        # The count makes a fast machine do no other things than a slow one.
+        options=(-seed=1 -verbosity=0 -runs=20000)
     fi
     mkdir -p "$corpus" "$root/build/fuzz/found"
     folders=("$corpus")
