@@ -349,6 +349,15 @@ class Refusals(Case):
 
 
 class AtATerminal(Case):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        try:
+            for end in os.openpty():
+                os.close(end)
+        except OSError as error:
+            raise unittest.SkipTest(f"this machine has no terminals to give: {error}") from None
+
     def test_aPasswordIsAskedForAndNotShown(self):
         path = self.file("a.quorvane", body=flat_rtfd({"TXT.rtf": rtf("text\x1b[31m")}))
         terminal = Terminal(PROGRAM, "cat", path)
