@@ -1,0 +1,32 @@
+#include "editor/texttools.h"
+
+#include "editor/characterstyles.h"
+#include "editor/documentwindow.h"
+#include "editor/textcontextmenu.h"
+#include "editor/texteditor.h"
+#include "editor/visiblemarks.h"
+
+namespace quorvane {
+
+// In the order in which they speak in the context menu.
+struct TextTools::Tools
+{
+    explicit Tools(const TextToolSurroundings &with)
+        : editor(with.window.editor())
+        , commands(with.window.commands())
+    { }
+
+    TextEditor &editor;
+    TextCommands &commands;
+    VisibleMarks marks {editor};
+    TextContextMenu contextMenu {editor, commands};
+    CharacterStyles characters {editor, commands};
+};
+
+TextTools::TextTools(const TextToolSurroundings &surroundings)
+    : m_tools(std::make_unique<Tools>(surroundings))
+{ }
+
+TextTools::~TextTools() = default;
+
+} // namespace quorvane
