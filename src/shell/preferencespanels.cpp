@@ -141,7 +141,7 @@ QWidget *newEditPanel(NSUserDefaults &defaults, FontPopups &popups)
     return panel;
 }
 
-QWidget *newAdvancedPanel(NSUserDefaults &defaults)
+QWidget *newAdvancedPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
 {
     auto *panel = new QWidget;
     auto *form = new QFormLayout(panel);
@@ -161,6 +161,14 @@ QWidget *newAdvancedPanel(NSUserDefaults &defaults)
         u"They are locked at once, too, when the screen locks or the machine goes to sleep."_s,
         panel);
     form->addRow(hint);
+    auto *restore = new QPushButton(u"&Restore Defaults…"_s, panel);
+    restore->setAutoDefault(true); // Enter presses it, too
+    QObject::connect(restore, &QPushButton::clicked, &delegate,
+                     &QVAppDelegateBase::restoreDefaults);
+    auto *last = newRow({restore});
+    last->setContentsMargins(0, 6, 0, 0);
+    last->addStretch();
+    form->addRow(last);
     return panel;
 }
 

@@ -24,7 +24,7 @@ PreferencesWindow::PreferencesWindow(QVAppDelegateBase &delegate, NSUserDefaults
     auto *tabView = new QStackedWidget(this);
     tabView->addWidget(newGeneralPanel(delegate, defaults));
     tabView->addWidget(newEditPanel(defaults, m_fontPopups));
-    tabView->addWidget(newAdvancedPanel(defaults));
+    tabView->addWidget(newAdvancedPanel(delegate, defaults));
     tabView->addWidget(newUpdatePanel(delegate, defaults));
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int invitationDays = 90;
-constexpr qint64 invitationSeconds = 7'776'000;
+constexpr qint64 invitationSpan = 7'776'000'000; // milliseconds
 
 std::optional<UpdateRecord> firstRecordOf(URLLoader &loader, const QStringList &urls)
 {
@@ -203,7 +203,7 @@ void QVPhoneHome::inCaseInviteToCheckForLastReleaseAvailable(const std::function
 {
     const QDateTime last =
         m_surroundings.defaults.objectForKey(settings::lastCheckDateForUpdate).toDateTime();
-    if (last.isValid() && last.secsTo(m_surroundings.now()) <= invitationSeconds) {
+    if (last.isValid() && last.msecsTo(m_surroundings.now()) <= invitationSpan) {
         if (answered) {
             answered();
         }

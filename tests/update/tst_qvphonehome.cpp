@@ -216,23 +216,23 @@ void TestQVPhoneHome::theLaunchChecksOnceADay()
 
 void TestQVPhoneHome::theInvitationComesAfterNinetyDays_data()
 {
-    QTest::addColumn<qint64>("secondsAgo");
+    QTest::addColumn<qint64>("msecsAgo");
     QTest::addColumn<QString>("message");
     const QString afterDays =
         u"It is more then 90 days this app doesn't report to you for updates.\n"_s + invitation;
     QTest::newRow("never checked") << qint64(-1) << invitation;
-    QTest::newRow("90 days to the second") << qint64(7'776'000) << QString();
-    QTest::newRow("a second longer") << qint64(7'776'001) << afterDays;
+    QTest::newRow("90 days exactly") << qint64(7'776'000'000) << QString();
+    QTest::newRow("a moment longer") << qint64(7'776'000'001) << afterDays;
 }
 
 void TestQVPhoneHome::theInvitationComesAfterNinetyDays()
 {
-    QFETCH(const qint64, secondsAgo);
+    QFETCH(const qint64, msecsAgo);
     QFETCH(const QString, message);
     World world;
     world.defaults.setObject(settings::notifyUpdate.name, false);
-    if (secondsAgo >= 0) {
-        world.defaults.setObject("lastCheckDateForUpdate"_L1, world.now.addSecs(-secondsAgo));
+    if (msecsAgo >= 0) {
+        world.defaults.setObject("lastCheckDateForUpdate"_L1, world.now.addMSecs(-msecsAgo));
     }
     bool launched = false;
     world.phone.startupProcedure([&launched] { launched = true; });
