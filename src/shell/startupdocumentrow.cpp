@@ -99,6 +99,7 @@ void StartupDocumentRow::show()
     m_name->setText(name.isEmpty() ? u"No document selected"_s : name);
     m_path->setText(m_path->fontMetrics().elidedText(folder, Qt::ElideMiddle, pathWidth));
     m_path->setToolTip(path);
+    m_path->setAccessibleName(path); // not cut to what there is room for
     m_status->setText(m_delegate.StartupDocPathMessageString());
     const bool isWanted = isTrue(u"valueIsOpSelDoc"_s, m_action.currentText());
     m_name->setEnabled(isWanted);
