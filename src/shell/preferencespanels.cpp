@@ -101,6 +101,7 @@ QWidget *newGeneralPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
         action->addItem(title, qint64(action->count()));
     }
     defaultsbinding::bindSelectedTag(defaults, settings::startupActionTag, *action);
+    action->setAccessibleDescription(u"What a start shows"_s); // its name is its value here
     form->addRow(u"At &startup:"_s, action);
     form->addRow(u"Document:"_s, new StartupDocumentRow(delegate, defaults, *action));
     return panel;
@@ -136,8 +137,13 @@ QWidget *newEditPanel(NSUserDefaults &defaults, FontPopups &popups)
     column->addWidget(documents);
     column->addWidget(note);
     column->addStretch();
-    popups.ofDocuments->setAccessibleName(u"Font of new documents"_s);
-    popups.ofPublicNote->setAccessibleName(u"Font of the public note"_s);
+    const std::pair<QComboBox *, QString> names[] = {
+        {popups.ofDocuments, u"Font of new documents"_s},
+        {popups.ofPublicNote, u"Font of the public note"_s}};
+    for (const auto &[popup, name] : names) {
+        popup->setAccessibleName(name);
+        popup->setAccessibleDescription(name); // where its value is told for its name
+    }
     return panel;
 }
 
