@@ -1,6 +1,7 @@
 #include "app/windowprogram.h"
 
 #include "app/desktop.h"
+#include "app/readableplaceholders.h"
 #include "app/settingsnotice.h"
 #include "document/mydocument.h"
 #include "document/qvrevertdoccontroller.h"
@@ -268,6 +269,7 @@ int runWindowProgram(int argc, char **argv)
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(productName);
     QApplication::setDesktopFileName(u"quorvane"_s);
+    const ReadablePlaceholders placeholders;
     const QStringList files = filesOfCommandLine(application);
     BusConnector sessionBus(QDBusConnection::SessionBus); // while the rest is made
     // The last document's window goes before the start window comes.

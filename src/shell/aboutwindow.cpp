@@ -24,6 +24,8 @@ constexpr int markExtent = 72;
 AboutWindow::AboutWindow(QVAppDelegateBase &delegate)
     : m_delegate(delegate)
 {
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                   | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(36, 30, 36, 26);
     column->setSizeConstraint(QLayout::SetFixedSize);
@@ -97,6 +99,7 @@ void AboutWindow::openAbout()
         return;
     }
     if (!m_window->isVisible()) {
+        adjustSize(); // else it is the middle of a larger window that is centred
         m_window->center();
         m_window->setTitle(u"About %1"_s.arg(appName()));
     }

@@ -162,7 +162,11 @@ QWidget *newAdvancedPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
     interval->setEnabled(enabled->isChecked());
     QObject::connect(enabled, &QCheckBox::toggled, interval, &QWidget::setEnabled);
     form->addRow(enabled);
-    form->addRow(u"Lock &after:"_s, interval);
+    QHBoxLayout *delay = newRow({interval});
+    delay->addStretch();
+    auto *after = new QLabel(u"Lock &after:"_s, panel);
+    after->setBuddy(interval);
+    form->addRow(after, delay);
     auto *hint = new QLabel(
         u"They are locked at once, too, when the screen locks or the machine goes to sleep."_s,
         panel);

@@ -43,6 +43,8 @@ StartupDocumentRow::StartupDocumentRow(QVAppDelegateBase &delegate, NSUserDefaul
     QFont bold = m_name->font();
     bold.setBold(true);
     m_name->setFont(bold);
+    // On one line with its label, which a form gives this height beside a high field.
+    m_name->setMinimumHeight(m_name->sizeHint().height() * 7 / 4);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->addWidget(m_name);

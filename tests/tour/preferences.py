@@ -58,11 +58,12 @@ def the_preferences_have_four_panels(tour):
     open_preferences(tour, Names.general)
     top = screen.find("frame", Names.general).place[1]
     for panel in PANELS:
+        if panel != Names.general:
+            tour.picture()
         screen.press(panel)
         frame = screen.find("frame", panel)
-        screen.wait(f"the window of {panel} at rest under the same top",
+        screen.wait(f"the window of {panel} under the same top",
                     lambda frame=frame: frame.place[1] == top)
-        tour.picture()
 
 
 @station("preferences-are-kept")
@@ -151,7 +152,10 @@ def about_tells_the_release(tour):
     screen.keys("Escape")
     screen.gone("frame", Names.update)
     screen.choose(Names.quorvane_menu, Names.about_item)
-    screen.find("frame", Names.about_title)
+    screen.wait("the window in the middle of the screen", lambda: all(
+        abs(start + extent // 2 - middle) < 20 for start, extent, middle in zip(
+            screen.find("frame", Names.about_title).place[:2],
+            screen.find("frame", Names.about_title).place[2:], (640, 400))))
     must(any(label.name.startswith("Release 2.6.1 ") for label in screen.all("label")),
          f"no release among {[label.name for label in screen.all('label')]}")
     tour.picture()
