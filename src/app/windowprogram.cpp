@@ -176,6 +176,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
     const EditorSurroundings surroundings {
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
+        m_workspace,
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);

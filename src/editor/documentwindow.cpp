@@ -2,9 +2,11 @@
 
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
+#include "editor/textcommands.h"
 #include "editor/texteditor.h"
 
 #include <QStackedWidget>
+#include <QVBoxLayout>
 
 #include <utility>
 
@@ -42,11 +44,19 @@ DocumentWindow::DocumentWindow(QWidget *parent)
     setContextMenuPolicy(Qt::NoContextMenu);
     m_pages = new QStackedWidget(this);
     m_lockedPage = new LockedPage(m_pages);
-    m_editor = new TextEditor(m_pages);
+    m_editorPage = new QWidget(m_pages);
+    m_editor = new TextEditor(m_editorPage);
+    m_editorColumn = new QVBoxLayout(m_editorPage);
+    m_editorColumn->setContentsMargins(0, 0, 0, 0);
+    m_editorColumn->setSpacing(0);
+    m_editorColumn->addWidget(m_editor);
     m_pages->addWidget(m_lockedPage);
-    m_pages->addWidget(m_editor);
+    m_pages->addWidget(m_editorPage);
     setCentralWidget(m_pages);
-    m_toolbar = new FormatToolbar(*m_editor, this);
+    m_commands = new TextCommands(this);
+    m_commands->takeKeysFrom(*m_editor);
+    followEditor();
+    m_toolbar = new FormatToolbar(*m_editor, *m_commands, this);
     addToolBar(m_toolbar);
     m_modernToolbar = std::make_unique<Toolbar>(*m_toolbar);
     setMinimumSize(smallestSize);
@@ -57,6 +67,27 @@ DocumentWindow::DocumentWindow(QWidget *parent)
 DocumentWindow::~DocumentWindow()
 {
     delete m_toolbar; // refers to the editor
+}
+
+// How a command stands depends on the text at the caret and on what is selected.
+void DocumentWindow::followEditor()
+{
+    connect(m_editor, &QTextEdit::currentCharFormatChanged, m_commands,
+            &TextCommands::validateLater);
+    connect(m_editor, &QTextEdit::cursorPositionChanged, m_commands, &TextCommands::validateLater);
+    connect(m_editor, &QTextEdit::selectionChanged, m_commands, &TextCommands::validateLater);
+    connect(m_editor, &QTextEdit::textChanged, m_commands, &TextCommands::validateLater);
+    connect(m_editor, &TextEditor::contentReplaced, m_commands, &TextCommands::validateLater);
+}
+
+void DocumentWindow::addAboveText(QWidget *bar)
+{
+    m_editorColumn->insertWidget(m_editorColumn->indexOf(m_editor), bar);
+}
+
+void DocumentWindow::addBelowText(QWidget *bar)
+{
+    m_editorColumn->addWidget(bar);
 }
 
 NSToolbar &DocumentWindow::modernToolbar()
@@ -74,7 +105,7 @@ void DocumentWindow::showLockedAppearance()
 
 void DocumentWindow::showEditorAppearance()
 {
-    m_pages->setCurrentWidget(m_editor);
+    m_pages->setCurrentWidget(m_editorPage);
     m_editor->setContentHidden(false);
     updateFormatting();
     m_editor->setFocus();
@@ -98,6 +129,7 @@ void DocumentWindow::setReadOnly(bool readOnly)
 void DocumentWindow::updateFormatting()
 {
     m_toolbar->setFormattingEnabled(!m_readOnly && !showsLockedAppearance());
+    m_commands->validate();
 }
 
 } // namespace quorvane

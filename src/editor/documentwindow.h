@@ -7,11 +7,13 @@
 #include <memory>
 
 class QStackedWidget;
+class QVBoxLayout;
 
 namespace quorvane {
 
 class FormatToolbar;
 class LockedPage;
+class TextCommands;
 class TextEditor;
 
 /// The window of one document: a page for the locked state and one for the text. It holds no rule;
@@ -28,7 +30,15 @@ public:
 
     TextEditor &editor() const { return *m_editor; }
 
+    /// The commands on the text, for menus and whoever defines them.
+    TextCommands &commands() const { return *m_commands; }
+
     FormatToolbar &formatToolbar() const { return *m_toolbar; }
+
+    /// Puts a bar above or below the text, which the window owns from now on. It is on the editor's
+    /// page: nobody sees it while the document is locked.
+    void addAboveText(QWidget *bar);
+    void addBelowText(QWidget *bar);
 
     /// The toolbar as it is meant to be: visible also means before the window is shown.
     NSToolbar &modernToolbar();
@@ -43,11 +53,15 @@ public:
 private:
     class Toolbar;
 
+    void followEditor();
     void updateFormatting();
 
     QStackedWidget *m_pages = nullptr;
     LockedPage *m_lockedPage = nullptr;
+    QWidget *m_editorPage = nullptr;
+    QVBoxLayout *m_editorColumn = nullptr;
     TextEditor *m_editor = nullptr;
+    TextCommands *m_commands = nullptr;
     FormatToolbar *m_toolbar = nullptr;
     std::unique_ptr<Toolbar> m_modernToolbar;
     bool m_readOnly = false;

@@ -33,7 +33,11 @@ DocumentWindowController::DocumentWindowController(MyDocument &document, NSUserD
                                                 surroundings.transfer))
     , m_printer(std::make_unique<DocumentPrinter>(document, m_window->editor(), *m_view, *m_window,
                                                   surroundings.printing))
+    , m_surroundings(surroundings)
+    , m_tools({*m_window, *m_adapter, *m_view, defaults, m_surroundings})
 {
+    m_window->commands().setGate(
+        [this] { return !m_document.isEncrypted() && !m_adapter->attachedSheet(); });
     connectOutlets();
     bindAppearance();
     bindEditor();
@@ -132,6 +136,10 @@ DocumentCommands DocumentWindowController::commands()
         {DocumentAction::RunPageLayout,
          [this] {
              m_printer->runPageLayout();
+         }},
+        {DocumentAction::PrintPreview,
+         [this] {
+             m_printer->showPreview();
          }},
         {DocumentAction::PrintDocument,
          [this] {

@@ -2,8 +2,8 @@
 
 #include "document/documentaction.h"
 #include "document/publicnotedelegate.h"
-#include "editor/documentprinter.h"
-#include "editor/texttransfer.h"
+#include "editor/editorsurroundings.h"
+#include "editor/texttools.h"
 #include "platform/nsuserdefaults.h"
 #include "platform/nswindow.h"
 #include "platform/nswindowcontroller.h"
@@ -22,13 +22,6 @@ class EditorView;
 class MyDocument;
 class PasswordSheet;
 class PublicNoteSheet;
-
-/// What the commands on a document's text ask of the world.
-struct EditorSurroundings
-{
-    TransferSurroundings transfer;
-    PrintingSurroundings printing;
-};
 
 /// Builds a document's window and joins its widgets to the document: outlets, actions, and each
 /// property with the field that shows it, in both directions.
@@ -77,6 +70,8 @@ private:
     PublicNoteDelegate m_noteDelegate;
     std::unique_ptr<TextTransfer> m_transfer;
     std::unique_ptr<DocumentPrinter> m_printer;
+    EditorSurroundings m_surroundings;
+    TextTools m_tools;
     bool m_hasToldSurplus = false;
 };
 

@@ -101,14 +101,25 @@ void EditorView::setTypingAttributes(const std::optional<NSFont> &font)
     m_editor.setTypingFont(font);
 }
 
-// The ruler, spelling and the mapping of colours are the editor's to come; the switches are taken.
-void EditorView::setRulerVisible(bool)
-{ }
+void EditorView::setRulerVisible(bool visible)
+{
+    if (switches.ruler) {
+        switches.ruler(visible);
+    }
+}
 
-void EditorView::setContinuousSpellCheckingEnabled(bool)
-{ }
+void EditorView::setContinuousSpellCheckingEnabled(bool enabled)
+{
+    if (switches.spelling) {
+        switches.spelling(enabled);
+    }
+}
 
-void EditorView::setUsesAdaptiveColorMappingForDarkAppearance(bool)
-{ }
+void EditorView::setUsesAdaptiveColorMappingForDarkAppearance(bool adapts)
+{
+    if (switches.adaptiveColours) {
+        switches.adaptiveColours(adapts);
+    }
+}
 
 } // namespace quorvane

@@ -2,9 +2,19 @@
 
 #include "platform/nstextview.h"
 
+#include <functional>
+
 namespace quorvane {
 
 class TextEditor;
+
+/// What the document switches in its editor. A switch that is not there is taken and does nothing.
+struct EditorSwitches
+{
+    std::function<void(bool)> ruler;
+    std::function<void(bool)> spelling;
+    std::function<void(bool)> adaptiveColours;
+};
 
 /// The editor as its document sees it: bytes in, bytes out. What nobody edited goes out as the very
 /// bytes that came in, and a text is serialised once for each state that is asked for.
@@ -29,6 +39,8 @@ public:
     void setRulerVisible(bool visible) override;
     void setContinuousSpellCheckingEnabled(bool enabled) override;
     void setUsesAdaptiveColorMappingForDarkAppearance(bool adapts) override;
+
+    EditorSwitches switches;
 
     /// The body is longer than the editor can show: it is kept, and the editor stands empty.
     bool isTooTall() const { return m_isTooTall; }

@@ -36,9 +36,10 @@ QString withShortcut(const QString &text, const QKeySequence &shortcut)
 
 } // namespace
 
-FormatToolbar::FormatToolbar(TextEditor &editor, QWidget *parent)
+FormatToolbar::FormatToolbar(TextEditor &editor, TextCommands &commands, QWidget *parent)
     : QToolBar(u"Format"_s, parent)
     , m_editor(editor)
+    , m_commands(commands)
 {
     setObjectName(u"formatToolbar"_s);
     setMovable(false);
@@ -46,9 +47,9 @@ FormatToolbar::FormatToolbar(TextEditor &editor, QWidget *parent)
     setIconSize(QSize(18, 18));
     layout()->setSpacing(4);
     layout()->setContentsMargins(6, 3, 6, 3);
-    m_bold = addStyle(u"Bold"_s, glyphIcon(Glyph::Bold), QKeySequence::Bold);
-    m_italic = addStyle(u"Italic"_s, glyphIcon(Glyph::Italic), QKeySequence::Italic);
-    m_underline = addStyle(u"Underline"_s, glyphIcon(Glyph::Underline), QKeySequence::Underline);
+    addStyle(TextCommand::Bold, glyphIcon(Glyph::Bold), u"Bold"_s);
+    addStyle(TextCommand::Italic, glyphIcon(Glyph::Italic), u"Italic"_s);
+    addStyle(TextCommand::Underline, glyphIcon(Glyph::Underline), u"Underline"_s);
     addSeparator();
     addFamilies();
     addSizes();
@@ -60,17 +61,13 @@ FormatToolbar::FormatToolbar(TextEditor &editor, QWidget *parent)
     showFormat(m_editor.currentCharFormat());
 }
 
-QAction *FormatToolbar::addStyle(const QString &text, const QIcon &icon,
-                                 const QKeySequence &shortcut)
+void FormatToolbar::addStyle(TextCommand command, const QIcon &icon, const QString &tip)
 {
-    QAction *action = addAction(icon, text);
-    action->setCheckable(true);
-    action->setShortcut(shortcut);
-    action->setToolTip(withShortcut(text, shortcut));
-    m_editor.addAction(action);
-    connect(action, &QAction::triggered, this,
-            [this, action](bool checked) { applyStyle(action, checked); });
-    return action;
+    QAction &action = m_commands.action(command);
+    action.setIcon(icon);
+    action.setIconVisibleInMenu(false);
+    action.setToolTip(withShortcut(tip, action.shortcut()));
+    addAction(&action);
 }
 
 void FormatToolbar::addFamilies()
@@ -125,24 +122,8 @@ void FormatToolbar::addLockAction(QAction *action)
 
 void FormatToolbar::setFormattingEnabled(bool enabled)
 {
-    for (QAction *action : {m_bold, m_italic, m_underline}) {
-        action->setEnabled(enabled);
-    }
     m_family->setEnabled(enabled);
     m_size->setEnabled(enabled);
-}
-
-void FormatToolbar::applyStyle(QAction *action, bool checked)
-{
-    QTextCharFormat format;
-    if (action == m_bold) {
-        format.setFontWeight(checked ? QFont::Bold : QFont::Normal);
-    } else if (action == m_italic) {
-        format.setFontItalic(checked);
-    } else {
-        format.setFontUnderline(checked);
-    }
-    apply(format);
 }
 
 void FormatToolbar::applySize(const QString &text)
@@ -168,9 +149,6 @@ void FormatToolbar::apply(const QTextCharFormat &format)
 void FormatToolbar::showFormat(const QTextCharFormat &format)
 {
     const QFont font = format.font().resolve(m_editor.document()->defaultFont());
-    m_bold->setChecked(font.bold());
-    m_italic->setChecked(font.italic());
-    m_underline->setChecked(font.underline());
     if (m_family->currentText() != font.family()) {
         const QSignalBlocker quiet(m_family);
         m_family->setEditText(font.family());

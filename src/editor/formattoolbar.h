@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editor/textcommands.h"
+
 #include <QToolBar>
 
 class QComboBox;
@@ -10,21 +12,14 @@ namespace quorvane {
 
 class TextEditor;
 
-/// The bar that shows and sets the style of the text at the caret. Its actions carry the usual
-/// shortcuts, which work while the bar is hidden too; a menu may show the same actions.
+/// The bar that shows and sets the style of the text at the caret.
 class FormatToolbar final : public QToolBar
 {
     Q_OBJECT
 
 public:
-    /// \a editor outlives the bar.
-    explicit FormatToolbar(TextEditor &editor, QWidget *parent = nullptr);
-
-    QAction *boldAction() const { return m_bold; }
-
-    QAction *italicAction() const { return m_italic; }
-
-    QAction *underlineAction() const { return m_underline; }
+    /// \a editor and \a commands outlive the bar.
+    FormatToolbar(TextEditor &editor, TextCommands &commands, QWidget *parent = nullptr);
 
     /// Puts the action at the far end of the bar. setFormattingEnabled leaves it alone.
     void addLockAction(QAction *action);
@@ -32,18 +27,15 @@ public:
     void setFormattingEnabled(bool enabled);
 
 private:
-    QAction *addStyle(const QString &text, const QIcon &icon, const QKeySequence &shortcut);
+    void addStyle(TextCommand command, const QIcon &icon, const QString &tip);
     void addFamilies();
     void addSizes();
     void apply(const QTextCharFormat &format);
-    void applyStyle(QAction *action, bool checked);
     void applySize(const QString &text);
     void showFormat(const QTextCharFormat &format);
 
     TextEditor &m_editor;
-    QAction *m_bold = nullptr;
-    QAction *m_italic = nullptr;
-    QAction *m_underline = nullptr;
+    TextCommands &m_commands;
     QFontComboBox *m_family = nullptr;
     QComboBox *m_size = nullptr;
 };

@@ -7,9 +7,12 @@
 #include "editor/pastedtext.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -27,13 +30,8 @@ namespace quorvane {
 namespace {
 
 constexpr int settlingMilliseconds = 80; // longer than a step of an animated resize
-// The tallest document that is shown at all: the layout's numbers end at 2^25.
-constexpr double tallestPaginated = 30'000'000;
 constexpr double margin = 14;
-constexpr int manyCharacters = 2000;
 constexpr auto utf8Format = "text/plain;charset=utf-8"_L1; // some programs offer no other
-// A text lower than this cannot become too tall by wrapping in any window.
-constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
 
 QFont fontOf(const NSFont &font)
 {
@@ -57,6 +55,28 @@ QString plainTextOf(const QMimeData &source)
 {
     const bool isUtf8Alone = source.hasFormat(utf8Format) && !source.hasFormat(u"text/plain"_s);
     return isUtf8Alone ? QString::fromUtf8(source.data(utf8Format)) : source.text();
+}
+
+constexpr qint64 typingPause = 2000; // milliseconds
+constexpr int longStep = 80; // characters
+
+/// Plain characters, which the toolkit would insert as they are.
+bool isTyping(const QKeyEvent &event)
+{
+    const bool isShortcut = event.modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
+    return !isShortcut && event.text().size() == 1 && event.text().at(0).isPrint();
+}
+
+QString stepOf(const QKeyEvent &event)
+{
+    if (event.matches(QKeySequence::Cut)) {
+        return u"Cut"_s;
+    }
+    if (event.matches(QKeySequence::Paste)) {
+        return {}; // inserting names it
+    }
+    const bool erases = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete;
+    return erases ? u"Delete"_s : u"Typing"_s;
 }
 
 bool insertsText(const QString &text)
@@ -100,6 +120,9 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
+    if (height * zoom() > tallestPaginated) {
+        m_device.setZoom(1);
+    }
     document->setUndoRedoEnabled(false); // drops what filling has recorded
     document->setUndoRedoEnabled(true);
     document->setModified(false);
@@ -107,7 +130,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     const auto former = std::exchange(m_content, std::move(document));
     m_bound = {referenceWidth, height};
     m_narrow = m_bound;
-    m_paginated = height > tallestDocument;
+    m_paginated = height > tallestInOnePiece();
     m_place = {};
     m_unsettled.reset();
     if (!isContentHidden()) {
@@ -115,6 +138,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
         setTypingFont(m_typingFont);
     }
     connect(m_content.get(), &QTextDocument::contentsChange, this, &TextEditor::followHeight);
+    m_undoNames.watch(m_content.get());
     emit contentReplaced();
     return ShowResult::Shown;
 }
@@ -140,12 +164,14 @@ bool TextEditor::showInPlace(std::unique_ptr<QTextDocument> document)
 // a document that is no child of an editor would read files to find its images.
 void TextEditor::attach(QTextDocument *document)
 {
-    const bool pins = document == m_content.get() && (m_paginated || !fitsAt(viewport()->width()));
+    const bool pins = document == m_content.get() && (m_paginated || !fitsAt(viewWidth()));
     if (pins) {
         pinWrap();
     }
     document->setParent(this);
     AttachmentObject::registerFor(*document);
+    const bool isZoomed = zoom() != 1 && document == m_content.get();
+    document->documentLayout()->setPaintDevice(isZoomed ? &m_device : nullptr);
     setDocument(document);
     if (pins && m_paginated) {
         paginate();
@@ -175,6 +201,7 @@ void TextEditor::setContentHidden(bool hidden)
         detach();
         m_standIn = std::make_unique<QTextDocument>();
         attach(m_standIn.get());
+        emit contentHiddenChanged();
         return;
     }
     detach();
@@ -182,6 +209,7 @@ void TextEditor::setContentHidden(bool hidden)
     attach(m_content.get());
     restore(m_place);
     setTypingFont(m_typingFont);
+    emit contentHiddenChanged();
 }
 
 void TextEditor::setTypingFont(const std::optional<NSFont> &font)
@@ -199,28 +227,23 @@ void TextEditor::setTypingFont(const std::optional<NSFont> &font)
     }
 }
 
-// --- Height ---------------------------------------------------------------------------------
-
-double TextEditor::heightAt(double width) const
+bool TextEditor::edit(const QString &name, const std::function<void(QTextCursor &)> &change)
 {
-    return HeightEstimate(width, viewport()).of(*m_content);
-}
-
-bool TextEditor::hasRoomFor(double height)
-{
-    return isAtMost(tallestPaginated - height);
-}
-
-bool TextEditor::isAtMost(double height)
-{
-    if (m_bound.height > height) {
-        m_bound.height = heightAt(referenceWidth); // the bound only ever grows with the edits
+    if (isReadOnly() || isContentHidden()) {
+        return false;
     }
-    return m_bound.height <= height;
+    const UndoNames::Scope scope(m_undoNames, name);
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    change(cursor);
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    return true;
 }
 
-bool TextEditor::applyCharFormat(const QTextCharFormat &format)
+bool TextEditor::applyCharFormat(const QTextCharFormat &format, const QString &name)
 {
+    const UndoNames::Scope scope(m_undoNames, name);
     const QTextCursor cursor = textCursor();
     if (!cursor.hasSelection()) {
         mergeCurrentCharFormat(format);
@@ -236,8 +259,9 @@ bool TextEditor::applyCharFormat(const QTextCharFormat &format)
     return true;
 }
 
-bool TextEditor::insertDocument(const QTextDocument &inserted)
+bool TextEditor::insertDocument(const QTextDocument &inserted, const QString &name)
 {
+    const UndoNames::Scope scope(m_undoNames, name);
     if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(inserted))) {
         refuse();
         return false;
@@ -256,8 +280,9 @@ bool TextEditor::insertDocument(const QTextDocument &inserted)
     return true;
 }
 
-bool TextEditor::insertText(const QString &text)
+bool TextEditor::insertText(const QString &text, const QString &name)
 {
+    const UndoNames::Scope scope(m_undoNames, name);
     QTextDocument probe;
     probe.setUndoRedoEnabled(false);
     probe.setDefaultFont(m_content->defaultFont());
@@ -272,166 +297,6 @@ bool TextEditor::insertText(const QString &text)
     return true;
 }
 
-void TextEditor::refuse()
-{
-    emit tooTall();
-}
-
-// Comes before the layout learns of the edit, so that even here nothing has been lost yet.
-void TextEditor::followHeight(int position, int removed, int added)
-{
-    for (Bound *bound : {&m_bound, &m_narrow}) {
-        bound->height += HeightEstimate(bound->width, viewport())
-                             .ofBlocks(*m_content, position, position + added);
-        const double limit = m_paginated ? tallestPaginated : tallestDocument;
-        if (bound->height > limit) {
-            bound->height = heightAt(bound->width);
-        }
-    }
-    if (m_bound.height > tallestPaginated) {
-        suspendLayout();
-    } else if (m_bound.height > tallestDocument && !m_paginated) {
-        m_paginated = true;
-        if (!isContentHidden()) {
-            pinWrap();
-            paginate();
-        }
-    } else if (m_paginated) {
-        // Whether one piece will do again is not asked at each key.
-        if (removed > manyCharacters && !isContentHidden()) {
-            QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
-        }
-    } else if (m_narrow.height > tallestDocument && !isContentHidden()) {
-        fitWrap();
-    } else if (lineWrapMode() != WidgetWidth && removed > 0 && !isContentHidden()) {
-        // Lines may wrap with the window again, once the edit is over.
-        QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
-    }
-}
-
-// Not even pages help where the layout's numbers end. What led here is taken back before anything
-// is laid out.
-void TextEditor::suspendLayout()
-{
-    m_content->setLayoutEnabled(false);
-    const auto takeBack = [this, document = QPointer<QTextDocument>(m_content.get())] {
-        if (document) {
-            document->undo();
-            document->setLayoutEnabled(true);
-            document->setPageSize(document->pageSize());
-            fitWrap();
-        }
-    };
-    QMetaObject::invokeMethod(this, takeBack, Qt::QueuedConnection);
-    QMetaObject::invokeMethod(this, &TextEditor::refuse, Qt::QueuedConnection);
-}
-
-bool TextEditor::fitsAt(double width)
-{
-    if (m_bound.height < heightSafeAtAnyWidth) {
-        return true;
-    }
-    if (width >= m_narrow.width && m_narrow.height <= tallestDocument) {
-        return true;
-    }
-    // Half as narrow at first, so that not each step of a resize has to ask.
-    for (const double candidate : {width / 2, width}) {
-        const double height = heightAt(candidate);
-        if (height <= tallestDocument) {
-            m_narrow = {candidate, height};
-            return true;
-        }
-    }
-    m_narrow = m_bound;
-    return width >= m_bound.width && m_bound.height <= tallestDocument;
-}
-
-void TextEditor::fitWrap()
-{
-    if (isContentHidden()) {
-        return;
-    }
-    if (m_paginated && isAtMost(tallestDocument)) {
-        m_paginated = false;
-    }
-    const bool fits = !m_paginated && fitsAt(viewport()->width());
-    if (fits && lineWrapMode() != WidgetWidth) {
-        setLineWrapMode(WidgetWidth);
-    } else if (!fits && lineWrapMode() == WidgetWidth) {
-        pinWrap();
-    }
-}
-
-// The toolkit drops the pages here and lays out as far as the view reaches: from the top, that is
-// not far.
-void TextEditor::pinWrap()
-{
-    if (lineWrapMode() == FixedPixelWidth) {
-        return;
-    }
-    verticalScrollBar()->setValue(0);
-    QMetaObject::invokeMethod(this, &QTextEdit::ensureCursorVisible, Qt::QueuedConnection);
-    setLineWrapColumnOrWidth(referenceWidth);
-    setLineWrapMode(FixedPixelWidth);
-}
-
-// With pages the layout has an end to reach at any height. They are taller than a screen by far:
-// all one sees of them is a gap between two lines.
-void TextEditor::paginate()
-{
-    const QSizeF page(referenceWidth, pageHeight);
-    if (document()->pageSize() != page) { // setting it begins the layout anew
-        document()->setPageSize(page);
-    }
-}
-
-void TextEditor::resizeEvent(QResizeEvent *event)
-{
-    fitWrap();
-    QTextEdit::resizeEvent(event);
-    if (m_paginated && !isContentHidden()) { // the resize has dropped the pages
-        paginate();
-    }
-    if (m_unsettled) {
-        m_settling.start();
-    }
-}
-
-// --- Place ----------------------------------------------------------------------------------
-
-TextEditor::Place TextEditor::place() const
-{
-    const QTextCursor cursor = textCursor();
-    return {cursor.anchor(), cursor.position(), cursorForPosition(QPoint(0, 0)).position(),
-            verticalScrollBar()->value(), viewport()->width()};
-}
-
-void TextEditor::restore(const Place &place)
-{
-    const int last = m_content->characterCount() - 1;
-    QTextCursor cursor(m_content.get());
-    cursor.setPosition(std::min(place.anchor, last));
-    cursor.setPosition(std::min(place.caret, last), QTextCursor::KeepAnchor);
-    setTextCursor(cursor);
-    restoreScroll(place);
-    m_unsettled = place;
-}
-
-void TextEditor::restoreScroll(const Place &place)
-{
-    if (place.width == viewport()->width()) {
-        const double bottom = place.scroll + viewport()->height();
-        m_content->documentLayout()->hitTest(QPointF(0, bottom),
-                                             Qt::FuzzyHit); // lays out up to there
-        verticalScrollBar()->setValue(place.scroll);
-        return;
-    }
-    QTextCursor top(m_content.get());
-    top.setPosition(std::min(place.top, m_content->characterCount() - 1));
-    m_content->documentLayout()->blockBoundingRect(top.block()); // lays out up to there
-    verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(top).top());
-}
-
 // --- Input ----------------------------------------------------------------------------------
 
 void TextEditor::keyPressEvent(QKeyEvent *event)
@@ -441,7 +306,42 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
         refuse();
         return;
     }
+    const UndoNames::Scope scope(m_undoNames, stepOf(*event));
+    if (beginsStep(*event)) {
+        typeAsNewStep(event->text());
+        return;
+    }
     QTextEdit::keyPressEvent(event);
+}
+
+// The toolkit makes one step of all that is typed in a row: an hour's work would go at once.
+bool TextEditor::beginsStep(const QKeyEvent &event)
+{
+    if (isReadOnly() || !isTyping(event)) {
+        m_typed = 0;
+        return false;
+    }
+    const bool paused = m_sinceTyping.isValid() && m_sinceTyping.hasExpired(typingPause);
+    const bool beginsWord = !event.text().at(0).isSpace()
+        && document()->characterAt(textCursor().position() - 1).isSpace();
+    m_sinceTyping.start();
+    ++m_typed;
+    if (!paused && !(beginsWord && m_typed > longStep)) {
+        return false;
+    }
+    m_typed = 1;
+    return true;
+}
+
+// What stands in an edit block of its own is not joined with what was typed before.
+void TextEditor::typeAsNewStep(const QString &text)
+{
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.insertText(text);
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    ensureCursorVisible();
 }
 
 void TextEditor::inputMethodEvent(QInputMethodEvent *event)
@@ -463,15 +363,46 @@ void TextEditor::mousePressEvent(QMouseEvent *event)
     QTextEdit::mousePressEvent(event);
 }
 
-// A read-only editor would zoom, which changes the fonts of the document itself.
+// The toolkit's zoom changes the fonts of the document itself.
 void TextEditor::wheelEvent(QWheelEvent *event)
 {
     m_unsettled.reset();
-    if (event->modifiers().testFlag(Qt::ControlModifier)) {
-        event->ignore();
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        QTextEdit::wheelEvent(event);
         return;
     }
-    QTextEdit::wheelEvent(event);
+    m_wheelTurn += event->angleDelta().y();
+    const int steps = m_wheelTurn / QWheelEvent::DefaultDeltasPerStep;
+    m_wheelTurn %= QWheelEvent::DefaultDeltasPerStep;
+    if (steps != 0) {
+        emit zoomAsked(steps);
+    }
+    event->accept();
+}
+
+void TextEditor::contextMenuEvent(QContextMenuEvent *event)
+{
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    const QPoint place = byKey ? cursorRect().bottomLeft() : event->pos();
+    emit contextMenuAsked(place, viewport()->mapToGlobal(place));
+}
+
+void TextEditor::addOverlay(std::function<void(QPainter &painter)> draw)
+{
+    m_overlays.push_back(std::move(draw));
+}
+
+void TextEditor::paintEvent(QPaintEvent *event)
+{
+    QTextEdit::paintEvent(event);
+    if (m_overlays.empty() || isContentHidden()) {
+        return;
+    }
+    QPainter painter(viewport());
+    painter.setClipRegion(event->region());
+    for (const auto &draw : m_overlays) {
+        draw(painter);
+    }
 }
 
 // A change of the program's font would become the document's.
@@ -490,6 +421,7 @@ void TextEditor::dropEvent(QDropEvent *event)
     if (event->source() != viewport() && event->source() != this) {
         event->setDropAction(Qt::CopyAction);
     }
+    const UndoNames::Scope scope(m_undoNames, u"Drag and Drop"_s);
     QTextEdit::dropEvent(event);
 }
 
@@ -511,10 +443,11 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (!source || isReadOnly()) {
         return;
     }
+    const QString step = m_undoNames.current().isEmpty() ? u"Paste"_s : m_undoNames.current();
     if (const std::unique_ptr<QTextDocument> pasted = documentOf(*source)) {
-        insertDocument(*pasted);
+        insertDocument(*pasted, step);
     } else if (hasPlainText(*source)) {
-        insertText(plainTextOf(*source));
+        insertText(plainTextOf(*source), step);
     }
 }
 

@@ -1,13 +1,18 @@
 #pragma once
 
 #include "editor/layoutguard.h"
+#include "editor/undonames.h"
+#include "editor/zoomeddevice.h"
 #include "platform/nsfont.h"
 
+#include <QElapsedTimer>
 #include <QTextEdit>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace quorvane {
 
@@ -54,15 +59,35 @@ public:
     /// The font of an empty document and of what is typed next; nothing leaves the fonts alone.
     void setTypingFont(const std::optional<NSFont> &font);
 
+    /// Changes the text by a cursor, in one step of undo of that name. The cursor begins as the
+    /// editor's and becomes the editor's. What makes the text too tall is taken back at once, with
+    /// tooTall() sent. \return false where the text cannot be edited.
+    bool edit(const QString &name, const std::function<void(QTextCursor &)> &change);
     /// Merges \a format into the selection, in one step of undo, or into what is typed next.
     /// \return false, with tooTall() sent and nothing changed, where the text would not fit.
-    bool applyCharFormat(const QTextCharFormat &format);
+    bool applyCharFormat(const QTextCharFormat &format,
+                         const QString &name = QStringLiteral("Formatting"));
     /// Inserts a text in the place of the selection, in one step of undo. \return as above.
-    bool insertDocument(const QTextDocument &inserted);
+    bool insertDocument(const QTextDocument &inserted,
+                        const QString &name = QStringLiteral("Paste"));
     /// Inserts characters in the place of the selection, in its look. \return as above.
-    bool insertText(const QString &text);
+    bool insertText(const QString &text, const QString &name = QStringLiteral("Paste"));
     /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
     bool hasRoomFor(double height);
+
+    /// How much larger than it is the text is shown; the document does not know of it.
+    double zoom() const { return m_device.zoom(); }
+
+    /// \return false, with nothing changed, where the text would be too tall to be shown so large.
+    bool setZoom(double zoom);
+
+    /// What the steps of undo are called. Whoever edits by a cursor of his own opens a scope.
+    UndoNames &undoNames() { return m_undoNames; }
+
+    const UndoNames &undoNames() const { return m_undoNames; }
+
+    /// Draws over the text, in the viewport's coordinates, whenever it is painted.
+    void addOverlay(std::function<void(QPainter &painter)> draw);
 
     QVariant loadResource(int type, const QUrl &name) override;
 
@@ -71,6 +96,12 @@ signals:
     void tooTall();
     /// content() is another one.
     void contentReplaced();
+    void contentHiddenChanged();
+    void zoomChanged();
+    /// Somebody turns the wheel for another zoom: up is larger.
+    void zoomAsked(int steps);
+    /// A menu is asked for at a place of the viewport.
+    void contextMenuAsked(const QPoint &place, const QPoint &screenPlace);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -79,12 +110,19 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
     QMimeData *createMimeDataFromSelection() const override;
     bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
 
 private:
+    // The tallest document that is shown at all: the layout's numbers end at 2^25.
+    static constexpr double tallestPaginated = 30'000'000;
+
+    // All widths and heights here are those of the text at its own size.
+
     /// The narrowest wrap that is known to be safe, and a height that is not exceeded there.
     struct Bound
     {
@@ -101,15 +139,22 @@ private:
         int width = 0;
     };
 
+    bool beginsStep(const QKeyEvent &event);
+    void typeAsNewStep(const QString &text);
     void attach(QTextDocument *document);
     void detach();
     double heightAt(double width) const;
+
+    double viewWidth() const { return viewport()->width() / zoom(); }
+
+    double tallestInOnePiece() const;
     bool isAtMost(double height);
     void followHeight(int position, int removed, int added);
     bool fitsAt(double width);
     void fitWrap();
     void pinWrap();
     void paginate();
+    void showUnzoomed();
     void suspendLayout();
     void refuse();
     Place place() const;
@@ -120,6 +165,12 @@ private:
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;
     LayoutGuard m_layoutGuard {*this};
+    ZoomedDevice m_device {*this};
+    int m_wheelTurn = 0; // eighths of a degree that are no step yet
+    UndoNames m_undoNames;
+    QElapsedTimer m_sinceTyping;
+    int m_typed = 0; // characters of the step that typing adds to
+    std::vector<std::function<void(QPainter &)>> m_overlays;
     std::optional<NSFont> m_typingFont;
     Bound m_bound; // at the reference width
     Bound m_narrow; // at most as wide

@@ -173,7 +173,7 @@ void TextTransfer::insertText(const QString &path)
     const std::optional<QByteArray> data = read(path);
     const std::optional<QString> text = data ? decoded(*data) : std::nullopt;
     if (text && canTakeText()) {
-        static_cast<void>(m_editor.insertText(*text));
+        static_cast<void>(m_editor.insertText(*text, u"Import"_s));
     }
 }
 
@@ -195,7 +195,8 @@ void TextTransfer::insertRtfd(const QString &path)
 void TextTransfer::insertBody(const QByteArray &body)
 {
     if (canTakeText()) {
-        static_cast<void>(m_editor.insertDocument(*pastedBody(body, *m_editor.content())));
+        static_cast<void>(
+            m_editor.insertDocument(*pastedBody(body, *m_editor.content()), u"Import"_s));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "shell/editmenu.h"
 
+#include "editor/texteditor.h"
 #include "shell/menuitems.h"
 
 #include <QApplication>
@@ -62,8 +63,22 @@ EditMenu::EditMenu(QMenu &menu, QMainWindow &window, MenuItems &items)
                 return MenuItemState {abilities().*ability, {}, {}};
             });
     };
-    add(u"&Undo"_s, QKeySequence::Undo, "undo", &Abilities::undo);
-    add(u"&Redo"_s, QKeySequence::Redo, "redo", &Abilities::redo);
+    const auto addStep = [&](const QString &title, const QKeySequence &shortcut,
+                             const char *operation, bool Abilities::*ability,
+                             QString (UndoNames::*nameOf)() const) {
+        items.add(
+            menu, title, shortcut,
+            [this, operation] { QMetaObject::invokeMethod(text(), operation); },
+            [this, title, ability, nameOf] {
+                const auto *editor = qobject_cast<TextEditor *>(text());
+                const QString name =
+                    editor && !editor->isReadOnly() ? (editor->undoNames().*nameOf)() : QString();
+                return MenuItemState {
+                    abilities().*ability, u"%1 %2"_s.arg(title, name).trimmed(), {}};
+            });
+    };
+    addStep(u"&Undo"_s, QKeySequence::Undo, "undo", &Abilities::undo, &UndoNames::undoName);
+    addStep(u"&Redo"_s, QKeySequence::Redo, "redo", &Abilities::redo, &UndoNames::redoName);
     menu.addSeparator();
     add(u"Cu&t"_s, QKeySequence::Cut, "cut", &Abilities::cut);
     add(u"&Copy"_s, QKeySequence::Copy, "copy", &Abilities::copy);
@@ -110,6 +125,8 @@ void EditMenu::deleteSelection()
         field->del();
     } else if (const auto *plain = qobject_cast<const QPlainTextEdit *>(edited)) {
         plain->textCursor().removeSelectedText();
+    } else if (auto *editor = qobject_cast<TextEditor *>(edited)) {
+        editor->edit(u"Delete"_s, [](QTextCursor &cursor) { cursor.removeSelectedText(); });
     } else if (const auto *rich = qobject_cast<const QTextEdit *>(edited)) {
         rich->textCursor().removeSelectedText();
     }

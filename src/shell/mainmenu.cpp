@@ -50,6 +50,7 @@ const CommandRow &rowOf(DocumentAction action)
         {Action::EditPublicNote, u"Public No&te…"_s, {}},
         {Action::LockDocument, u"&Lock Document…"_s, Qt::CTRL | Qt::Key_L},
         {Action::RunPageLayout, u"Page Set&up…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_P},
+        {Action::PrintPreview, u"Print Previe&w…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O},
         {Action::PrintDocument, u"&Print…"_s, QKeySequence::Print},
         {Action::MakePlainText, u"Make &Plain Text…"_s, {}},
         {Action::SwitchReadAndWrite, u"Prevent Editing"_s, {}},
@@ -74,11 +75,14 @@ MainMenu::MainMenu(QMainWindow &window, const MenuSurroundings &surroundings,
     , m_surroundings(surroundings)
     , m_document(document)
     , m_items(new MenuItems(this))
+    , m_textCommands(document ? &document->window.commands() : new TextCommands(this))
 {
     buildApplicationMenu();
     buildFileMenu();
-    new EditMenu(*addMenu(u"&Edit"_s), m_window, *m_items);
+    buildEditMenu();
+    buildInsertMenu();
     buildFormatMenu();
+    buildTableMenu();
     buildViewMenu();
     new WindowMenu(*addMenu(u"&Window"_s), m_window, *m_items, m_surroundings.documents,
                    m_document ? &m_document->document : nullptr);
@@ -93,6 +97,7 @@ bool MainMenu::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         m_items->validate();
+        m_textCommands->validate();
     }
     return QObject::eventFilter(watched, event);
 }
@@ -101,7 +106,28 @@ QMenu *MainMenu::addMenu(const QString &title)
 {
     QMenu *menu = m_window.menuBar()->addMenu(title);
     connect(menu, &QMenu::aboutToShow, m_items, &MenuItems::validate);
+    connect(menu, &QMenu::aboutToShow, m_textCommands, &TextCommands::validate);
     return menu;
+}
+
+void MainMenu::addTextCommands(QMenu &menu, std::initializer_list<TextCommand> commands)
+{
+    for (const TextCommand command : commands) {
+        menu.addAction(&m_textCommands->action(command));
+    }
+}
+
+QMenu *MainMenu::addTextMenu(QMenu &menu, const QString &title,
+                             std::initializer_list<TextCommand> commands)
+{
+    QMenu *submenu = menu.addMenu(title);
+    addTextCommands(*submenu, commands);
+    return submenu;
+}
+
+void MainMenu::addTextMenu(QMenu &menu, const QString &title, TextMenu filled)
+{
+    m_textCommands->attach(filled, *menu.addMenu(title));
 }
 
 void MainMenu::addCommands(QMenu &menu, std::initializer_list<DocumentAction> actions)
@@ -185,28 +211,83 @@ void MainMenu::buildFileMenu()
     menu->addSeparator();
     addCommands(*menu, {Action::DocumentPassword, Action::EditPublicNote, Action::LockDocument});
     menu->addSeparator();
-    addCommands(*menu, {Action::RunPageLayout, Action::PrintDocument});
+    addCommands(*menu, {Action::RunPageLayout, Action::PrintPreview, Action::PrintDocument});
+}
+
+void MainMenu::buildEditMenu()
+{
+    using Command = TextCommand;
+    QMenu *menu = addMenu(u"&Edit"_s);
+    new EditMenu(*menu, m_window, *m_items); // owned by the menu
+    menu->addSeparator();
+    addTextCommands(*menu, {Command::PasteAndMatchStyle, Command::CopyStyle, Command::PasteStyle});
+    menu->addSeparator();
+    addTextMenu(*menu, u"&Find"_s,
+                {Command::Find, Command::FindAndReplace, Command::FindNext, Command::FindPrevious,
+                 Command::FindSelection});
+    QMenu *spelling = addTextMenu(*menu, u"&Spelling"_s,
+                                  {Command::CheckSpelling, Command::NextMisspelling,
+                                   Command::LearnWord, Command::IgnoreWord});
+    addTextMenu(*spelling, u"Lan&guage"_s, TextMenu::SpellingLanguage);
+}
+
+void MainMenu::buildInsertMenu()
+{
+    using Command = TextCommand;
+    QMenu *menu = addMenu(u"&Insert"_s);
+    addTextCommands(*menu, {Command::InsertPicture, Command::InsertFile});
+    menu->addSeparator();
+    addTextCommands(*menu,
+                    {Command::PictureSize, Command::OpenAttachment, Command::SaveAttachmentAs});
+    menu->addSeparator();
+    addTextCommands(*menu, {Command::InsertLink, Command::OpenLink, Command::RemoveLink});
+    menu->addSeparator();
+    addTextMenu(*menu, u"&Date and Time"_s, TextMenu::DateAndTime);
+    addTextCommands(*menu, {Command::InsertHorizontalRule, Command::InsertPageBreak});
 }
 
 void MainMenu::buildFormatMenu()
 {
     using Action = DocumentAction;
+    using Command = TextCommand;
     QMenu *menu = addMenu(u"F&ormat"_s);
-    if (m_document) {
-        const FormatToolbar &toolbar = m_document->window.formatToolbar();
-        menu->addActions({toolbar.boldAction(), toolbar.italicAction(), toolbar.underlineAction()});
-    } else {
-        m_items->add(
-            *menu, u"Bold"_s, QKeySequence::Bold, [] {}, disabled);
-        m_items->add(
-            *menu, u"Italic"_s, QKeySequence::Italic, [] {}, disabled);
-        m_items->add(
-            *menu, u"Underline"_s, QKeySequence::Underline, [] {}, disabled);
-    }
+    addTextCommands(*menu, {Command::Bold, Command::Italic, Command::Underline});
+    addTextMenu(*menu, u"&Character"_s,
+                {Command::Strikethrough, Command::Superscript, Command::Subscript, Command::Bigger,
+                 Command::Smaller, Command::TextColour, Command::HighlightColour});
+    addTextCommands(*menu, {Command::ClearFormatting});
+    menu->addSeparator();
+    addTextMenu(*menu, u"&Heading"_s,
+                {Command::BodyText, Command::Heading1, Command::Heading2, Command::Heading3,
+                 Command::Heading4, Command::Heading5, Command::Heading6});
+    addTextMenu(*menu, u"&Alignment"_s,
+                {Command::AlignLeft, Command::AlignCentre, Command::AlignRight, Command::Justify});
+    addTextMenu(*menu, u"&Spacing"_s,
+                {Command::SingleSpacing, Command::WiderSpacing, Command::DoubleSpacing});
+    QMenu *lists = addTextMenu(
+        *menu, u"&List"_s,
+        {Command::BulletedList, Command::NumberedList, Command::Checklist, Command::ToggleCheck});
+    addTextMenu(*lists, u"&Style"_s, TextMenu::ListStyle);
+    addTextCommands(*menu, {Command::IncreaseIndent, Command::DecreaseIndent, Command::Paragraph});
     menu->addSeparator();
     addCommands(*menu, {Action::MakePlainText});
     menu->addSeparator();
     addCommands(*menu, {Action::SwitchReadAndWrite, Action::SetReadOnly, Action::SetReadAndWrite});
+}
+
+void MainMenu::buildTableMenu()
+{
+    using Command = TextCommand;
+    QMenu *menu = addMenu(u"&Table"_s);
+    addTextCommands(*menu, {Command::InsertTable});
+    menu->addSeparator();
+    addTextCommands(*menu,
+                    {Command::InsertRowAbove, Command::InsertRowBelow, Command::InsertColumnLeft,
+                     Command::InsertColumnRight});
+    menu->addSeparator();
+    addTextCommands(*menu, {Command::DeleteRows, Command::DeleteColumns, Command::DeleteTable});
+    menu->addSeparator();
+    addTextCommands(*menu, {Command::MergeCells, Command::SplitCell, Command::TableProperties});
 }
 
 void MainMenu::buildViewMenu()
@@ -226,6 +307,10 @@ void MainMenu::buildViewMenu()
             return MenuItemState {
                 isUnlocked(), shows || !isUnlocked() ? u"Hide &Toolbar"_s : u"Show &Toolbar"_s, {}};
         });
+    addTextCommands(*menu, {TextCommand::ShowRuler, TextCommand::ShowStatusBar});
+    menu->addSeparator();
+    addTextCommands(*menu, {TextCommand::ZoomIn, TextCommand::ZoomOut, TextCommand::ActualSize});
+    menu->addSeparator();
     m_items->add(
         *menu, u"&Full Screen"_s, Qt::Key_F11,
         [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); },

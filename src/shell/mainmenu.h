@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/documentaction.h"
+#include "editor/textcommands.h"
 
 #include <QObject>
 
@@ -57,9 +58,16 @@ private:
     QMenu *addMenu(const QString &title);
     void addCommand(QMenu &menu, DocumentAction action);
     void addCommands(QMenu &menu, std::initializer_list<DocumentAction> actions);
+    void addTextCommands(QMenu &menu, std::initializer_list<TextCommand> commands);
+    QMenu *addTextMenu(QMenu &menu, const QString &title,
+                       std::initializer_list<TextCommand> commands);
+    void addTextMenu(QMenu &menu, const QString &title, TextMenu filled);
     void buildApplicationMenu();
     void buildFileMenu();
+    void buildEditMenu();
+    void buildInsertMenu();
     void buildFormatMenu();
+    void buildTableMenu();
     void buildViewMenu();
     void buildHelpMenu();
     void showLockInToolbar(QAction &lock);
@@ -69,6 +77,7 @@ private:
     MenuSurroundings m_surroundings;
     std::optional<MenuDocument> m_document;
     MenuItems *m_items;
+    TextCommands *m_textCommands; // of the window, or of nothing
 };
 
 } // namespace quorvane

@@ -1,3 +1,4 @@
+#include "editor/characterstyles.h"
 #include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
@@ -55,6 +56,7 @@ class TestDocumentWindow : public QObject
 
 private:
     std::unique_ptr<DocumentWindow> m_window;
+    std::unique_ptr<CharacterStyles> m_styles;
 
     void select(int from, int to)
     {
@@ -66,7 +68,19 @@ private:
 
 private slots:
 
-    void init() { m_window = std::make_unique<DocumentWindow>(); }
+    void init()
+    {
+        m_styles.reset();
+        m_window = std::make_unique<DocumentWindow>();
+        TextCommands &commands = m_window->commands();
+        m_styles = std::make_unique<CharacterStyles>(m_window->editor(), commands);
+        for (const TextCommand command :
+             {TextCommand::Bold, TextCommand::Italic, TextCommand::Underline}) {
+            m_window->addAction(&commands.action(command)); // as a menu would
+        }
+        commands.setGate([this] { return !m_window->showsLockedAppearance(); });
+        commands.validate();
+    }
 
     void theLockedWindowShowsNothingOfTheText()
     {
@@ -76,7 +90,7 @@ private slots:
         m_window->resize(m_window->minimumSize());
         QVERIFY(!m_window->editor().isVisible());
         QCOMPARE(m_window->editor().toPlainText(), QString());
-        QVERIFY(!m_window->formatToolbar().boldAction()->isEnabled());
+        QVERIFY(!m_window->commands().action(TextCommand::Bold).isEnabled());
         QCOMPARE(m_window->size(), QSize(480, 320));
         const auto *field = named<QLineEdit>(*m_window, u"Master Password"_s);
         QTRY_VERIFY(field->hasFocus());
@@ -141,7 +155,7 @@ private slots:
         auto *size = named<QComboBox>(toolbar, u"Font Size"_s);
         auto *family = named<QFontComboBox>(toolbar, u"Font"_s);
         select(6, 12);
-        toolbar.boldAction()->trigger();
+        m_window->commands().action(TextCommand::Bold).trigger();
         size->setFocus();
         size->lineEdit()->selectAll();
         QTest::keyClicks(size, u"13.5"_s);
@@ -150,10 +164,10 @@ private slots:
         family->setEditText(u"DejaVu Serif"_s);
         emit family->textActivated(u"DejaVu Serif"_s);
         select(2, 2);
-        QVERIFY(!toolbar.boldAction()->isChecked());
+        QTRY_VERIFY(!m_window->commands().action(TextCommand::Bold).isChecked());
         QVERIFY(size->currentText() != u"13.5"_s);
         select(9, 9);
-        QVERIFY(toolbar.boldAction()->isChecked());
+        QTRY_VERIFY(m_window->commands().action(TextCommand::Bold).isChecked());
         QCOMPARE(size->currentText(), u"13.5"_s);
         QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
         const QTextCharFormat format = editor.textCursor().charFormat();
@@ -183,10 +197,10 @@ private slots:
         QAction lock(u"Lock"_s);
         m_window->formatToolbar().addLockAction(&lock);
         m_window->setReadOnly(true);
-        QVERIFY(!m_window->formatToolbar().italicAction()->isEnabled());
+        QVERIFY(!m_window->commands().action(TextCommand::Italic).isEnabled());
         QVERIFY(m_window->formatToolbar().widgetForAction(&lock)->isEnabled());
         m_window->setReadOnly(false);
-        QVERIFY(m_window->formatToolbar().italicAction()->isEnabled());
+        QVERIFY(m_window->commands().action(TextCommand::Italic).isEnabled());
     }
 
     void theLockedPageSubmitsByReturnAndByButton()

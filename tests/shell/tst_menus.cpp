@@ -10,8 +10,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString password = u"correct horse"_s;
-const QStringList bar {u"Quorvane"_s, u"File"_s,   u"Edit"_s, u"Format"_s,
-                       u"View"_s,     u"Window"_s, u"Help"_s};
+const QStringList bar {u"Quorvane"_s, u"File"_s, u"Edit"_s,   u"Insert"_s, u"Format"_s,
+                       u"Table"_s,    u"View"_s, u"Window"_s, u"Help"_s};
 
 QStringList titlesOf(const QWidget &menu)
 {

@@ -153,7 +153,9 @@ public:
     {
         const auto actions = root.findChildren<QAction *>();
         for (QAction *action : actions) {
-            if (action->text().remove(u'&') == title) {
+            const QString text = action->text().remove(u'&');
+            const bool namesAStep = title == "Undo"_L1 || title == "Redo"_L1;
+            if (text == title || (namesAStep && text.startsWith(title + u' '))) {
                 return action;
             }
         }
@@ -220,6 +222,7 @@ private:
         const EditorSurroundings surroundings {
             {{m_queue, files, panels, m_timers}, m_packages, isOpen},
             {m_queue, files, sheetOf, isOpen},
+            workspace,
         };
         auto controller =
             std::make_unique<DocumentWindowController>(made, defaults, adapt, surroundings);

@@ -138,7 +138,7 @@ void TestNoteAndEditing::theSwitchClosesAllWaysIntoTheText()
     Opened opened("text");
     TextEditor &editor = opened.program.editor();
     opened.document().switchReadAndWrite();
-    QVERIFY(!opened.program.window().formatToolbar().boldAction()->isEnabled());
+    QVERIFY(!opened.program.window().commands().action(TextCommand::Bold).isEnabled());
     QTest::keyClicks(&editor, u"typed"_s);
     QTest::keyClick(&editor, Qt::Key_Delete);
     QGuiApplication::clipboard()->setText(u"pasted"_s);
@@ -158,7 +158,7 @@ void TestNoteAndEditing::theSwitchClosesAllWaysIntoTheText()
     QCOMPARE(editor.textCursor().selectedText(), u"t"_s); // it can still be read with the keyboard
     QVERIFY(!opened.document().isDocumentEdited());
     opened.document().switchReadAndWrite();
-    QVERIFY(opened.program.window().formatToolbar().boldAction()->isEnabled());
+    QVERIFY(opened.program.window().commands().action(TextCommand::Bold).isEnabled());
     QTest::keyClicks(&editor, u"T"_s);
     QCOMPARE(editor.toPlainText(), u"Text"_s);
 }

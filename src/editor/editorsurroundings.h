@@ -1,0 +1,18 @@
+#pragma once
+
+#include "editor/documentprinter.h"
+#include "editor/texttransfer.h"
+
+namespace quorvane {
+
+class NSWorkspace;
+
+/// What the commands on a document's text ask of the world.
+struct EditorSurroundings
+{
+    TransferSurroundings transfer;
+    PrintingSurroundings printing;
+    NSWorkspace &workspace;
+};
+
+} // namespace quorvane

@@ -1,0 +1,65 @@
+#include "editor/textcontextmenu.h"
+
+#include "editor/textcommands.h"
+#include "editor/texteditor.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMimeData>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+TextContextMenu::TextContextMenu(TextEditor &editor, TextCommands &commands)
+    : m_editor(editor)
+    , m_commands(commands)
+{
+    connect(&editor, &TextEditor::contextMenuAsked, this, &TextContextMenu::open);
+}
+
+void TextContextMenu::addSection(Section section)
+{
+    m_sections.push_back(std::move(section));
+}
+
+void TextContextMenu::open(const QPoint &place, const QPoint &screenPlace)
+{
+    auto *menu = new QMenu(&m_editor);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const QTextCursor at = m_editor.cursorForPosition(place);
+    const QTextCursor caret = m_editor.textCursor();
+    if (at.position() < caret.selectionStart() || at.position() > caret.selectionEnd()) {
+        m_editor.setTextCursor(at);
+    }
+    m_commands.validate();
+    for (const Section &section : m_sections) {
+        section(*menu, at);
+        menu->addSeparator(); // two of them in a row show as one
+    }
+    addUsual(*menu);
+    menu->popup(screenPlace);
+}
+
+void TextContextMenu::addUsual(QMenu &menu)
+{
+    const bool writes = !m_editor.isReadOnly();
+    const bool selected = m_editor.textCursor().hasSelection();
+    const auto add = [&](const QString &title, bool enabled, void (QTextEdit::*run)()) {
+        QAction *action = menu.addAction(title);
+        action->setEnabled(enabled);
+        connect(action, &QAction::triggered, &m_editor, run);
+    };
+    add(u"Cu&t"_s, writes && selected, &QTextEdit::cut);
+    add(u"&Copy"_s, selected, &QTextEdit::copy);
+    add(u"&Paste"_s, writes && m_editor.canPaste(), &QTextEdit::paste);
+    menu.addAction(&m_commands.action(TextCommand::PasteAndMatchStyle));
+    menu.addSeparator();
+    add(u"Select &All"_s, true, &QTextEdit::selectAll);
+}
+
+} // namespace quorvane

@@ -1,0 +1,50 @@
+#include "editor/texteditor.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextDocument>
+
+#include <algorithm>
+
+namespace quorvane {
+
+namespace {
+constexpr double halfLine = 8; // pixels
+}
+
+TextEditor::Place TextEditor::place() const
+{
+    const QTextCursor cursor = textCursor();
+    const QPoint top(0, qRound(halfLine * zoom())); // a line that is mostly out of view is not it
+    return {cursor.anchor(), cursor.position(), cursorForPosition(top).position(),
+            verticalScrollBar()->value(), viewport()->width()};
+}
+
+void TextEditor::restore(const Place &place)
+{
+    const int last = m_content->characterCount() - 1;
+    QTextCursor cursor(m_content.get());
+    cursor.setPosition(std::min(place.anchor, last));
+    cursor.setPosition(std::min(place.caret, last), QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+    restoreScroll(place);
+    m_unsettled = place;
+}
+
+void TextEditor::restoreScroll(const Place &place)
+{
+    if (place.width == viewport()->width()) {
+        const double bottom = place.scroll + viewport()->height();
+        m_content->documentLayout()->hitTest(QPointF(0, bottom),
+                                             Qt::FuzzyHit); // lays out up to there
+        verticalScrollBar()->setValue(place.scroll);
+        return;
+    }
+    QTextCursor top(m_content.get());
+    top.setPosition(std::min(place.top, m_content->characterCount() - 1));
+    m_content->documentLayout()->blockBoundingRect(top.block()); // lays out up to there
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(top).top());
+}
+
+} // namespace quorvane
