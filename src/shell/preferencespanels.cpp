@@ -203,6 +203,14 @@ QWidget *newUpdatePanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
     check->setAutoDefault(true); // Enter presses it, too
     QObject::connect(check, &QPushButton::clicked, &delegate,
                      &QVAppDelegateBase::checkForLastReleaseAvailable);
+    QObject::connect(&delegate, &QVAppDelegateBase::asksForUpdates, last,
+                     [last, showLast](bool asks) {
+                         if (asks) {
+                             last->setText(u"Checking…"_s);
+                         } else {
+                             showLast();
+                         }
+                     });
     column->addSpacing(6);
     column->addWidget(check, 0, Qt::AlignLeft);
     column->addStretch();

@@ -126,6 +126,7 @@ public:
 Q_SIGNALS:
     void StartupDocPathMessageStringChanged();
     void StartupDocSpecifiedChanged();
+    void asksForUpdates(bool asks); ///< It begins to ask the update service, or is done with it.
 
 protected:
     const AppSurroundings &surroundings() const { return m_surroundings; }

@@ -111,6 +111,7 @@ struct World
             QVPhoneHome::Surroundings {defaults, alerts, workspace, loader, background, [this] {
                                            return now;
                                        }});
+        phone->setAsks([this](bool isAsking) { asks << isAsking; });
         phone->SetValueAppRelease(20601, u"Quorvane"_s, net.url(1), net.url(2), net.url(3),
                                   net.url(4));
     }
@@ -135,6 +136,7 @@ struct World
     Mirrors net;
     QtURLLoader loader;
     Background background;
+    QList<bool> asks;
     QDateTime now {QDate(2026, 3, 7), QTime(0, 1)};
     std::unique_ptr<QVPhoneHome> phone;
 };
@@ -207,6 +209,7 @@ void TestQVPhoneHome::aCheckTellsWhatItFinds()
         world.background.finish();
         const QString told = isByHand ? byHand : byItself;
         QCOMPARE(world.told(), told.isEmpty() ? QStringList() : QStringList {told});
+        QCOMPARE(world.asks, (QList<bool> {true, false}));
         QCOMPARE(world.lastCheck(), dateIsWritten ? world.now : QDateTime());
         QCOMPARE(world.phone->isChekingUpdateSystem(), !told.isEmpty());
         world.alerts.answer(AlertAnswer::Third);
