@@ -1,6 +1,8 @@
 #include "app/windowprogram.h"
 
 #include "app/desktop.h"
+#include "app/readableplaceholders.h"
+#include "app/settingsnotice.h"
 #include "document/mydocument.h"
 #include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
@@ -78,6 +80,7 @@ private:
     RecoveryFolder m_recovery {recoveryPath(), m_files};
     QtPanels m_panels {m_mainQueue};
     QtModalAlerts m_alerts {m_mainQueue};
+    SettingsNotice m_settingsNotice {m_defaults, m_alerts};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
     FileModeAccess m_access;
@@ -185,6 +188,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
 void Program::start(const QStringList &files)
 {
     m_delegate.applicationWillFinishLaunching();
+    m_settingsNotice.tellHowTheyWereFound();
     for (const QString &file : files) {
         m_documents.openDocumentWithContentsOfURL(file);
     }
@@ -266,6 +270,7 @@ int runWindowProgram(int argc, char **argv)
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(productName);
     QApplication::setDesktopFileName(u"quorvane"_s);
+    const ReadablePlaceholders placeholders;
     const QStringList files = filesOfCommandLine(application);
     BusConnector sessionBus(QDBusConnection::SessionBus); // while the rest is made
     // The last document's window goes before the start window comes.
