@@ -5,6 +5,7 @@
 #include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
+#include "editor/stylememory.h"
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
@@ -80,6 +81,7 @@ private:
     QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
+    StyleMemory m_styles;
     FileModeAccess m_access;
     QtURLLoader m_loader;
     QtBackgroundQueue m_background {m_mainQueue};
@@ -174,6 +176,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
+        m_styles,
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);

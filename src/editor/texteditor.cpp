@@ -5,10 +5,13 @@
 #include "editor/heightestimate.h"
 #include "editor/insertion.h"
 #include "editor/pastedtext.h"
+#include "editor/texttransfer.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPaintEvent>
@@ -171,6 +174,8 @@ void TextEditor::setContentHidden(bool hidden)
         CopiedText::clearClipboards(this);
         m_place = place();
         m_settling.stop();
+        m_looks.clear(); // the address of a link is one of them
+        m_looksKey = {};
         detach();
         m_standIn = std::make_unique<QTextDocument>();
         attach(m_standIn.get());
@@ -264,8 +269,10 @@ bool TextEditor::insertText(const QString &text, const QString &name)
         refuse();
         return false;
     }
-    QTextCursor cursor = textCursor();
-    insertCharacters(cursor, text);
+    handleTyped([this, &text] {
+        QTextCursor cursor = textCursor();
+        insertCharacters(cursor, text);
+    });
     ensureCursorVisible();
     return true;
 }
@@ -280,7 +287,11 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
         return;
     }
     const UndoNames::Scope scope(m_undoNames, event->matches(QKeySequence::Cut) ? u"Cut"_s : u""_s);
-    QTextEdit::keyPressEvent(event);
+    if (isReadOnly() || !insertsText(event->text())) {
+        QTextEdit::keyPressEvent(event);
+        return;
+    }
+    handleTyped([this, event] { QTextEdit::keyPressEvent(event); });
 }
 
 void TextEditor::inputMethodEvent(QInputMethodEvent *event)
@@ -293,7 +304,11 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
         refuse();
         return;
     }
-    QTextEdit::inputMethodEvent(event);
+    if (event->commitString().isEmpty()) {
+        QTextEdit::inputMethodEvent(event);
+        return;
+    }
+    handleTyped([this, event] { QTextEdit::inputMethodEvent(event); });
 }
 
 void TextEditor::mousePressEvent(QMouseEvent *event)
@@ -368,6 +383,24 @@ bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
     return source
         && (source->hasFormat(rtfdFormat) || offersRtf(*source) || source->hasHtml()
             || hasPlainText(*source));
+}
+
+void TextEditor::pasteAndMatchStyle()
+{
+    const QMimeData *source = QGuiApplication::clipboard()->mimeData();
+    if (!source || isReadOnly()) {
+        return;
+    }
+    QString text;
+    if (hasPlainText(*source)) {
+        text = plainTextOf(*source);
+    } else if (const std::unique_ptr<QTextDocument> styled = documentOf(*source)) {
+        text = stringOf(*styled);
+    }
+    text.remove(QChar::ObjectReplacementCharacter); // stands for an attachment, and is none
+    if (!text.isEmpty()) {
+        insertText(text);
+    }
 }
 
 void TextEditor::insertFromMimeData(const QMimeData *source)

@@ -2,6 +2,9 @@
 
 #include "editor/characterstyles.h"
 #include "editor/documentwindow.h"
+#include "editor/editorsurroundings.h"
+#include "editor/styletransfer.h"
+#include "editor/textcolours.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
 #include "editor/visiblemarks.h"
@@ -14,6 +17,10 @@ struct TextTools::Tools
     explicit Tools(const TextToolSurroundings &with)
         : editor(with.window.editor())
         , commands(with.window.commands())
+        , colours(editor, commands,
+                  {with.window.formatToolbar(), with.sheets, with.world.printing.sheetOf,
+                   with.world.styles})
+        , styles(editor, commands, with.world.styles)
     { }
 
     TextEditor &editor;
@@ -21,6 +28,8 @@ struct TextTools::Tools
     VisibleMarks marks {editor};
     TextContextMenu contextMenu {editor, commands};
     CharacterStyles characters {editor, commands};
+    TextColours colours;
+    StyleTransfer styles;
 };
 
 TextTools::TextTools(const TextToolSurroundings &surroundings)
