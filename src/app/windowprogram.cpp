@@ -7,6 +7,7 @@
 #include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
+#include "editor/stylememory.h"
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
@@ -83,6 +84,7 @@ private:
     SettingsNotice m_settingsNotice {m_defaults, m_alerts};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
+    StyleMemory m_styles;
     FileModeAccess m_access;
     QtURLLoader m_loader;
     QtBackgroundQueue m_background {m_mainQueue};
@@ -177,6 +179,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
+        m_styles,
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);

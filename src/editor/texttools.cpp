@@ -3,8 +3,11 @@
 #include "editor/adaptivecolours.h"
 #include "editor/characterstyles.h"
 #include "editor/documentwindow.h"
+#include "editor/editorsurroundings.h"
 #include "editor/editorview.h"
 #include "editor/statusbar.h"
+#include "editor/styletransfer.h"
+#include "editor/textcolours.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
 #include "editor/viewzoom.h"
@@ -18,20 +21,26 @@ struct TextTools::Tools
     explicit Tools(const TextToolSurroundings &with)
         : editor(with.window.editor())
         , commands(with.window.commands())
+        , colours(editor, commands,
+                  {with.window.formatToolbar(), with.sheets, with.world.printing.sheetOf,
+                   with.world.styles})
+        , styles(editor, commands, with.world.styles)
         , status(*new StatusBar(editor, commands))
     {
         with.window.addBelowText(&status);
         with.view.switches.adaptiveColours = [this](bool adapts) {
-            colours.setEnabled(adapts);
+            readable.setEnabled(adapts);
         };
     }
 
     TextEditor &editor;
     TextCommands &commands;
     VisibleMarks marks {editor};
-    AdaptiveColours colours {editor, marks};
+    AdaptiveColours readable {editor, marks};
     TextContextMenu contextMenu {editor, commands};
     CharacterStyles characters {editor, commands};
+    TextColours colours;
+    StyleTransfer styles;
     ViewZoom zoom {editor, commands};
     StatusBar &status; // the window's
 };
