@@ -2,6 +2,10 @@
 
 #include "editor/characterstyles.h"
 #include "editor/documentwindow.h"
+#include "editor/headings.h"
+#include "editor/listediting.h"
+#include "editor/paragraphbreaks.h"
+#include "editor/paragraphstyles.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
 #include "editor/visiblemarks.h"
@@ -14,6 +18,7 @@ struct TextTools::Tools
     explicit Tools(const TextToolSurroundings &with)
         : editor(with.window.editor())
         , commands(with.window.commands())
+        , paragraphs(editor, commands, with.sheets)
     { }
 
     TextEditor &editor;
@@ -21,6 +26,10 @@ struct TextTools::Tools
     VisibleMarks marks {editor};
     TextContextMenu contextMenu {editor, commands};
     CharacterStyles characters {editor, commands};
+    ParagraphStyles paragraphs;
+    Headings headings {editor, commands};
+    ParagraphBreaks breaks {editor, commands};
+    ListEditing lists {editor, commands};
 };
 
 TextTools::TextTools(const TextToolSurroundings &surroundings)

@@ -23,7 +23,8 @@ constexpr bool isLetter(char c)
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// Where the words of the border below a paragraph stand: up to those of another border, or of none.
+/// Where the words of the border below a paragraph stand: up to those of another border, or of
+/// none.
 std::pair<qsizetype, qsizetype> borderBelow(const QByteArray &words)
 {
     constexpr QByteArrayView name("\\brdrb");
@@ -40,8 +41,7 @@ std::pair<qsizetype, qsizetype> borderBelow(const QByteArray &words)
     const auto belongs = [&](QByteArrayView word) {
         return QByteArrayView(words).sliced(end).startsWith(word);
     };
-    while (end < words.size()
-           && std::any_of(std::begin(ofBorders), std::end(ofBorders), belongs)) {
+    while (end < words.size() && std::any_of(std::begin(ofBorders), std::end(ofBorders), belongs)) {
         const qsizetype next = words.indexOf('\\', end + 1);
         end = next < 0 ? words.size() : next;
     }

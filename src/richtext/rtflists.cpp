@@ -70,8 +70,10 @@ void appendByte(QByteArray &out, qsizetype byte)
 /// The platform's names for bullets that are none of the toolkit's.
 const char *bulletName(const QString &bullet, const char *usual)
 {
-    constexpr std::pair<char16_t, const char *> names[] = {
-        {u'\u2043', "hyphen"}, {u'\u2713', "check"}, {uncheckedMark, "box"}, {checkedMark, "check"}};
+    constexpr std::pair<char16_t, const char *> names[] = {{u'\u2043', "hyphen"},
+                                                           {u'\u2713', "check"},
+                                                           {uncheckedMark, "box"},
+                                                           {checkedMark, "check"}};
     for (const auto &[mark, name] : names) {
         if (bullet == QChar(mark)) {
             return name;
@@ -121,15 +123,18 @@ RtfLists::Known RtfLists::makeKnown(const QTextListFormat &format)
     m_definitions.push_back(definition(format, number));
     const Style &style = styleOf(format);
     const int level = std::clamp(format.indent(), 1, deepestIndent) - 1;
-    Known known {
-        rtfWord("ls", number) + rtfWord("ilvl", level), {}, {}, int(style.style), listStartOf(format)};
+    Known known {rtfWord("ls", number) + rtfWord("ilvl", level),
+                 {},
+                 {},
+                 int(style.style),
+                 listStartOf(format)};
     if (!style.marker) {
         return known; // Where nothing is shown, readers would take the tabs for text.
     }
     known.beforeNumber = "{\\listtext\t";
     RtfEscaper(known.beforeNumber, m_fallback)
         .text(isNumbered(style.style) ? format.numberPrefix().left(longestAffix)
-                                : bulletOf(format));
+                                      : bulletOf(format));
     if (isNumbered(style.style)) {
         RtfEscaper(known.behindNumber, m_fallback).text(numberSuffixOf(format).left(longestAffix));
     }

@@ -41,7 +41,8 @@ namespace quorvane {
 //   \brdrb                a horizontal rule below (BlockTrailingHorizontalRulerWidth); how it looks
 //                         is in ParagraphWords and counts while there is a rule
 //   \page \column         the character U+000C; \line is U+2028
-// Lists: a QTextList for each \ls and level. Style by \levelnfc, see listmarks.h; indent is the level, 1 for
+// Lists: a QTextList for each \ls and level. Style by \levelnfc, see listmarks.h; indent is the
+// level, 1 for
 //   \ilvl0; number prefix and suffix by the level's text ("." is Qt's own suffix and not set). The
 //   block's left margin is what \li has more than 720 * indent; its tab positions are none for the
 //   platform's stops of a list (listTabWords). The hanging first line is in ListFirstIndent and
@@ -99,7 +100,7 @@ enum TextProperty {
     // On a QTextListFormat.
     ListStart, ///< int, \levelstartat where it is not 1.
     ListMarker, ///< QString, a bullet that is none of Qt's ("\u2043", "-"); the kind is ListDisc.
-                ///< An item with uncheckedMark or checkedMark is one of a checklist.
+    ///< An item with uncheckedMark or checkedMark is one of a checklist.
     ListLevelText, ///< QString, the text of a level with numbers of other levels in it ("1.1."):
                    ///< U+0000 to U+0008 stand for the levels' numbers.
     // On a QTextTableCellFormat.

@@ -172,10 +172,12 @@ void TestRtfDocument::listRows()
         "\\pard\\ls2 a\\par\\ls1\\ilvl1 b\\par\\ls2\\ilvl0 c\\par\\ls3\\ilvl1 d\\par"
         "\\pard\\ls1 e\\par\\ls2\\ilvl1 f\\par\\ls1\\ilvl0 g",
         u"item 1{style=0 indent=1 start=3 kind=-4}a\nitem 1{style=-3 indent=2}b\n"
-        "item 2{style=0 indent=1 start=3 kind=-4}c\nitem 1{style=0 indent=2 marker=\u2043 kind=-1}d\n"
+        "item 2{style=0 indent=1 start=3 kind=-4}c\nitem 1{style=0 indent=2 marker=\u2043 "
+        "kind=-1}d\n"
         "item 1{style=-1 indent=1}e\nitem 1{style=-5 indent=2 prefix=( suffix=)}f\n"
         "item 2{style=-1 indent=1}g"_s);
-    row("a bullet of its own", "\\pard\\ls3 a", u"item 1{style=0 indent=1 marker=\u2043 kind=-1}a"_s);
+    row("a bullet of its own", "\\pard\\ls3 a",
+        u"item 1{style=0 indent=1 marker=\u2043 kind=-1}a"_s);
     row("an indent beyond the level's", "\\pard\\ls1\\li1080\\fi-1080 a",
         u"{left=24}item 1{style=-1 indent=1}a"_s);
     row("a list that is not there keeps its label", "\\pard\\ls9{\\listtext 9.\\tab}a", u"9.\ta"_s);
