@@ -5,6 +5,10 @@
 #include "editor/documentwindow.h"
 #include "editor/editorsurroundings.h"
 #include "editor/editorview.h"
+#include "editor/headings.h"
+#include "editor/listediting.h"
+#include "editor/paragraphbreaks.h"
+#include "editor/paragraphstyles.h"
 #include "editor/statusbar.h"
 #include "editor/styletransfer.h"
 #include "editor/textcolours.h"
@@ -25,6 +29,7 @@ struct TextTools::Tools
                   {with.window.formatToolbar(), with.sheets, with.world.printing.sheetOf,
                    with.world.styles})
         , styles(editor, commands, with.world.styles)
+        , paragraphs(editor, commands, with.sheets)
         , status(*new StatusBar(editor, commands))
     {
         with.window.addBelowText(&status);
@@ -41,6 +46,10 @@ struct TextTools::Tools
     CharacterStyles characters {editor, commands};
     TextColours colours;
     StyleTransfer styles;
+    ParagraphStyles paragraphs;
+    Headings headings {editor, commands};
+    ParagraphBreaks breaks {editor, commands};
+    ListEditing lists {editor, commands};
     ViewZoom zoom {editor, commands};
     StatusBar &status; // the window's
 };
