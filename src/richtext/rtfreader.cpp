@@ -357,7 +357,12 @@ void RtfReader::bytes(QByteArrayView bytes, bool isAscii)
     // Behind a byte that waits even ASCII may be the second half of a character.
     if (m_bytes.isEmpty() && isAscii) {
         const qsizetype start = m_text.size();
-        m_text.resize(start + bytes.size());
+        const qsizetype end = start + bytes.size();
+        if (end > m_text.capacity()) {
+            m_text.reserve(2
+                           * end); // Of its own accord it would grow by no more than is asked for.
+        }
+        m_text.resize(end);
         std::transform(bytes.begin(), bytes.end(), m_text.begin() + start,
                        [](char c) { return uchar(c); });
     } else {
@@ -417,8 +422,9 @@ bool RtfReader::takesText()
     }
     if (m_asideCells > 0) {
         flushBytes();
-        m_text.insert(m_text.end(), m_asideCells, u'\t');
-        m_asideCells = 0;
+        for (; m_asideCells > 0; --m_asideCells) {
+            m_text.append(u'\t');
+        }
     }
     if (!m_label.isEmpty()) {
         settleLabel();
