@@ -205,6 +205,14 @@ NSProgressIndicator &LockedPage::progressIndicator()
     return *m_indicator;
 }
 
+void LockedPage::showReading(double done)
+{
+    constexpr int full = 1000;
+    m_progress->setRange(0, full);
+    m_progress->setValue(qRound(full * done));
+    m_progress->repaint();
+}
+
 void LockedPage::submit()
 {
     const QPointer<LockedPage> self(this);

@@ -22,6 +22,20 @@ RtfReader::RtfReader(QByteArrayView rtf, RtfSink &sink)
     , m_wantsFormats(sink.wantsFormats())
 { }
 
+void RtfReader::setProgress(std::function<void(double)> progress)
+{
+    m_progress = std::move(progress);
+}
+
+void RtfReader::tellProgress()
+{
+    constexpr qsizetype bytesBetween = 1 << 18;
+    if (m_progress && m_tokenizer.position() >= m_nextTold) {
+        m_nextTold = m_tokenizer.position() + bytesBetween;
+        m_progress(double(m_tokenizer.position()) / double(m_rtf.size()));
+    }
+}
+
 void RtfReader::read()
 {
     m_sink.begin(m_tables);

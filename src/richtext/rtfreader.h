@@ -11,6 +11,7 @@
 
 #include <QVarLengthArray>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -25,9 +26,14 @@ public:
     /// \a rtf and \a sink outlive the reader.
     RtfReader(QByteArrayView rtf, RtfSink &sink);
 
+    /// Is told now and then how much is read, from 0 to 1.
+    void setProgress(std::function<void(double done)> progress);
+
     void read();
 
 private:
+    void tellProgress();
+
     enum class Destination : uchar {
         Body,
         Fonts,
@@ -196,6 +202,8 @@ private:
     int m_footnotes = 0;
     int m_asideFootnote = 0;
     std::optional<Ending> m_pendingEnding; ///< A paragraph's end that comes true with more text.
+    std::function<void(double)> m_progress;
+    qsizetype m_nextTold = 0;
 };
 
 } // namespace quorvane
