@@ -6,6 +6,7 @@
 #include "editor/listediting.h"
 #include "editor/paragraphbreaks.h"
 #include "editor/paragraphstyles.h"
+#include "editor/ruler.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
 #include "editor/visiblemarks.h"
@@ -19,7 +20,9 @@ struct TextTools::Tools
         : editor(with.window.editor())
         , commands(with.window.commands())
         , paragraphs(editor, commands, with.sheets)
-    { }
+    {
+        with.window.addAboveText(new Ruler(editor, commands, with.view, with.sheets));
+    }
 
     TextEditor &editor;
     TextCommands &commands;
