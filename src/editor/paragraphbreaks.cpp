@@ -1,6 +1,7 @@
 #include "editor/paragraphbreaks.h"
 
 #include "editor/paragraphformats.h"
+#include "editor/tabstops.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 
@@ -163,9 +164,10 @@ bool ParagraphBreaks::pressBackspace()
 
 void ParagraphBreaks::paint(QPainter &painter) const
 {
+    paintLeaders(painter);
     const int bottom = m_editor.viewport()->height();
     const int right = m_editor.viewport()->width() - int(m_editor.document()->documentMargin());
-    QTextBlock block = m_editor.cursorForPosition(QPoint(0, 0)).block();
+    QTextBlock block = firstInView();
     for (; block.isValid(); block = block.next()) {
         QTextCursor cursor(block);
         const QRect rect = m_editor.cursorRect(cursor);
@@ -187,6 +189,22 @@ void ParagraphBreaks::paint(QPainter &painter) const
                       m_editor.palette());
         }
     }
+}
+
+void ParagraphBreaks::paintLeaders(QPainter &painter) const
+{
+    const QPointF scrolled(m_editor.horizontalScrollBar()->value(),
+                           m_editor.verticalScrollBar()->value());
+    painter.save();
+    painter.translate(-scrolled);
+    drawTabLeaders(painter, firstInView(), QRectF(m_editor.viewport()->rect()).translated(scrolled),
+                   m_editor.palette());
+    painter.restore();
+}
+
+QTextBlock ParagraphBreaks::firstInView() const
+{
+    return m_editor.cursorForPosition(QPoint(0, 0)).block();
 }
 
 } // namespace quorvane

@@ -11,7 +11,8 @@ namespace quorvane {
 class TextCommands;
 class TextEditor;
 
-/// Where paragraphs and pages end: the Return key, page breaks, horizontal rules.
+/// Where paragraphs and pages end, and how that is shown: the Return key, page breaks, horizontal
+/// rules. Shows what leads to tab stops too.
 class ParagraphBreaks final : public QObject
 {
 public:
@@ -25,6 +26,8 @@ private:
     bool pressReturn();
     bool pressBackspace();
     void paint(QPainter &painter) const;
+    void paintLeaders(QPainter &painter) const;
+    QTextBlock firstInView() const;
 
     TextEditor &m_editor;
 };

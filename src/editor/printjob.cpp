@@ -3,6 +3,7 @@
 #include "editor/attachmentobject.h"
 #include "editor/heightestimate.h"
 #include "editor/listmarkpainter.h"
+#include "editor/tabstops.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/textproperties.h"
 
@@ -166,7 +167,9 @@ void PrintJob::paint(int page)
     context.palette = paper();
     m_text->documentLayout()->draw(&m_painter, context);
     const int first = m_text->documentLayout()->hitTest(view.topLeft(), Qt::FuzzyHit);
-    drawListMarks(m_painter, m_text->findBlock(std::max(first, 0)), view, context.palette);
+    const QTextBlock block = m_text->findBlock(std::max(first, 0));
+    drawListMarks(m_painter, block, view, context.palette);
+    drawTabLeaders(m_painter, block, view, context.palette);
     m_painter.restore();
 }
 

@@ -13,6 +13,7 @@
 #include "editor/listediting.h"
 #include "editor/paragraphbreaks.h"
 #include "editor/paragraphstyles.h"
+#include "editor/ruler.h"
 #include "editor/statusbar.h"
 #include "editor/styletransfer.h"
 #include "editor/tableediting.h"
@@ -32,6 +33,7 @@ struct TextTools::Tools
         , sheets(with.sheets)
         , world(with.world)
     {
+        window.addAboveText(new Ruler(editor, commands, with.view, sheets));
         window.addBelowText(&status);
         with.view.switches.adaptiveColours = [this](bool adapts) {
             readable.setEnabled(adapts);
