@@ -8,6 +8,7 @@
 #include "editor/linkediting.h"
 #include "editor/linkfollowing.h"
 #include "editor/tableediting.h"
+#include "editor/tablemarks.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
 #include "editor/visiblemarks.h"
@@ -34,6 +35,7 @@ struct TextTools::Tools
     LinkFollowing linkFollowing {editor, commands, contextMenu, sheets, workspace};
     LinkEditing links {editor, commands, sheets};
     TableEditing tables {editor, commands, contextMenu, sheets};
+    TableMarks tableMarks {editor};
     ColumnResizing columns {editor};
     DateInsertion dates {editor, commands};
 };
