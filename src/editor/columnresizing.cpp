@@ -7,8 +7,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScrollBar>
-#include <QTextBlock>
 
 #include <algorithm>
 #include <cmath>
@@ -21,14 +19,6 @@ namespace {
 
 constexpr double reach = 4; // of the mouse, to each side
 constexpr double narrowest = 20;
-constexpr int gridAlpha = 70;
-
-bool hasNoBorder(const QTextTableCell &cell)
-{
-    const QTextTableCellFormat format = cell.format().toTableCellFormat();
-    return format.leftBorder() + format.rightBorder() + format.topBorder() + format.bottomBorder()
-        == 0;
-}
 
 /// The border of the cell that the place is next to; none where it is next to none, or where that
 /// is the left one of the table.
@@ -121,7 +111,7 @@ bool ColumnResizing::press(const QMouseEvent &event)
         event.modifiers() == Qt::NoModifier ? edgeAt(event.position().toPoint()) : std::nullopt;
     if (m_dragged) {
         m_edge = m_dragged->edges[std::size_t(m_dragged->column) + 1];
-        m_grip = event.position().x() - origin().x() - m_edge;
+        m_grip = event.position().x() - originIn(m_editor).x() - m_edge;
         showCursor(true);
     }
     return m_dragged.has_value();
@@ -136,9 +126,11 @@ void ColumnResizing::drag(const QPoint &place)
     const std::size_t before = std::size_t(m_dragged->column);
     const std::vector<double> &edges = m_dragged->edges;
     const double left = edges[before] + narrowest;
-    const double right = before + 2 < edges.size() ? edges[before + 2] - narrowest
-                                                   : edges.front() + roomOf(*m_dragged->table);
-    m_edge = std::clamp(place.x() - origin().x() - m_grip, left, std::max(left, right));
+    const double end = edges.front() + roomOf(*m_dragged->table);
+    const bool isFull = edges.back() > end - reach; // the layout rounds
+    const bool isLast = before + 2 == edges.size();
+    const double right = !isLast ? edges[before + 2] - narrowest : isFull ? edges.back() : end;
+    m_edge = std::clamp(place.x() - originIn(m_editor).x() - m_grip, left, std::max(left, right));
     m_editor.viewport()->update();
 }
 
@@ -187,7 +179,7 @@ std::optional<ColumnResizing::Edge> ColumnResizing::edgeAt(const QPoint &place) 
         const QTextTableCell cell = table->cellAt(cursor);
         const std::vector<double> rows =
             rowEdges(*table, cell.row(), cell.row() + cell.rowSpan() - 1);
-        const QPointF at = QPointF(place) - origin();
+        const QPointF at = QPointF(place) - originIn(m_editor);
         const std::vector<double> edges = columnEdges(*table);
         const auto column = borderOf(cell, edges, at.x());
         if (column && at.y() >= rows.front() && at.y() <= rows.back()) {
@@ -197,63 +189,15 @@ std::optional<ColumnResizing::Edge> ColumnResizing::edgeAt(const QPoint &place) 
     return std::nullopt;
 }
 
-/// Of the document, in the viewport.
-QPointF ColumnResizing::origin() const
-{
-    const QScrollBar &bar = *m_editor.horizontalScrollBar();
-    const int x = m_editor.isRightToLeft() ? bar.maximum() - bar.value() : bar.value();
-    return {-double(x), -double(m_editor.verticalScrollBar()->value())};
-}
-
 void ColumnResizing::draw(QPainter &painter) const
 {
-    if (m_editor.document()->rootFrame()->childFrames().isEmpty()) {
+    if (!m_dragged || !m_dragged->table) {
         return;
     }
-    const QRect clip = painter.clipBoundingRect().toAlignedRect();
-    const QTextBlock last = m_editor.cursorForPosition(clip.bottomRight()).block();
-    const QTextTable *drawn = nullptr;
-    int rowsDone = 0;
-    for (QTextBlock block = m_editor.cursorForPosition(clip.topLeft()).block();
-         block.isValid() && block.position() <= last.position(); block = block.next()) {
-        const QTextTable *const table = QTextCursor(block).currentTable();
-        const int row = table ? table->cellAt(block.position()).row() : 0;
-        if (table && (table != drawn || row >= rowsDone)) {
-            drawGrid(painter, *table, row, table != drawn);
-            rowsDone = row + 1;
-        }
-        drawn = table;
-    }
-    if (m_dragged && m_dragged->table) {
-        const std::vector<double> rows =
-            rowEdges(*m_dragged->table, 0, m_dragged->table->rows() - 1);
-        painter.setPen(QPen(m_editor.palette().color(QPalette::Highlight), 2));
-        painter.drawLine(QPointF(m_edge, rows.front()) + origin(),
-                         QPointF(m_edge, rows.back()) + origin());
-    }
-}
-
-/// Around the cells that begin in a row, and around those from above it where it is the first one.
-void ColumnResizing::drawGrid(QPainter &painter, const QTextTable &table, int row,
-                              bool isFirst) const
-{
-    QColor colour = m_editor.palette().color(QPalette::Text);
-    colour.setAlpha(gridAlpha);
-    painter.setPen(QPen(colour, 1, Qt::DotLine));
-    std::vector<double> columns;
-    for (int column = 0; column < table.columns(); ++column) {
-        const QTextTableCell cell = table.cellAt(row, column);
-        const bool isHere = cell.column() == column && (isFirst || cell.row() == row);
-        if (!isHere || !hasNoBorder(cell)) {
-            continue;
-        }
-        columns = columns.empty() ? columnEdges(table) : columns;
-        const std::vector<double> rows =
-            rowEdges(table, cell.row(), cell.row() + cell.rowSpan() - 1);
-        const QRectF rect(QPointF(columns[std::size_t(column)], rows.front()),
-                          QPointF(columns[std::size_t(column + cell.columnSpan())], rows.back()));
-        painter.drawRect(rect.translated(origin()));
-    }
+    const std::vector<double> rows = rowEdges(*m_dragged->table, 0, m_dragged->table->rows() - 1);
+    const QPointF origin = originIn(m_editor);
+    painter.setPen(QPen(m_editor.palette().color(QPalette::Highlight), 2));
+    painter.drawLine(QPointF(m_edge, rows.front()) + origin, QPointF(m_edge, rows.back()) + origin);
 }
 
 } // namespace quorvane

@@ -15,8 +15,7 @@ namespace quorvane {
 
 class TextEditor;
 
-/// Drags the borders of columns, and draws a faint grid where a table has no borders: on the
-/// screen only.
+/// Drags the borders of columns.
 class ColumnResizing final : public QObject
 {
 public:
@@ -40,9 +39,7 @@ private:
     void stop();
     void showCursor(bool isOverEdge);
     std::optional<Edge> edgeAt(const QPoint &place) const;
-    QPointF origin() const;
     void draw(QPainter &painter) const;
-    void drawGrid(QPainter &painter, const QTextTable &table, int row, bool isFirst) const;
 
     TextEditor &m_editor;
     std::optional<Edge> m_dragged;

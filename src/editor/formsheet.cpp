@@ -1,5 +1,6 @@
 #include "editor/formsheet.h"
 
+#include <QAbstractSpinBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -75,6 +76,8 @@ void FormSheet::focusFirst()
     }
     if (auto *field = qobject_cast<QLineEdit *>(m_first.data())) {
         field->selectAll();
+    } else if (auto *number = qobject_cast<QAbstractSpinBox *>(m_first.data())) {
+        number->selectAll();
     }
 }
 

@@ -20,6 +20,7 @@ namespace {
 
 constexpr double narrowest = 2; // per cent
 constexpr double widest = 100;
+constexpr int fieldWidth = 150;
 
 QComboBox *newChoice(const QList<std::pair<QString, QVariant>> &items, QWidget *parent)
 {
@@ -44,8 +45,8 @@ QFrame *newLine(QWidget *parent)
 TablePropertiesSheet::TablePropertiesSheet(const TableLook &table, const CellLook &selected,
                                            const CellLook &all, int column, QWidget *host)
     : FormSheet(u"Table Properties"_s,
-                u"Widths are in per cent of the text's. Borders, shade and place of the text are "
-                "those of cells."_s,
+                u"Column widths are in per cent of the width of the text. Borders, shading and "
+                "vertical alignment belong to cells."_s,
                 u"Apply"_s, host)
     , m_table(table)
     , m_selected(selected)
@@ -54,6 +55,11 @@ TablePropertiesSheet::TablePropertiesSheet(const TableLook &table, const CellLoo
     addTableFields(column);
     form().addRow(newLine(this));
     addCellFields();
+    for (QWidget *field :
+         std::initializer_list<QWidget *> {m_alignment, m_column, m_width, m_range, m_border,
+                                           m_borderColour, m_shade, m_vertical}) {
+        field->setMinimumWidth(fieldWidth);
+    }
     showWidth();
     showCells(m_selected);
     setMinimumWidth(440);
@@ -101,12 +107,12 @@ void TablePropertiesSheet::addCellFields()
     m_borderColour = new ColourBox(ColourBox::Nothing::IsNot, this);
     addField(u"B&order Colour:"_s, m_borderColour);
     m_shade = new ColourBox(ColourBox::Nothing::IsOffered, this);
-    addField(u"&Shade:"_s, m_shade);
+    addField(u"&Shading:"_s, m_shade);
     m_vertical = newChoice({{u"Top"_s, int(QTextCharFormat::AlignTop)},
                             {u"Middle"_s, int(QTextCharFormat::AlignMiddle)},
                             {u"Bottom"_s, int(QTextCharFormat::AlignBottom)}},
                            this);
-    addField(u"&Text Stands at:"_s, m_vertical);
+    addField(u"&Vertical Alignment:"_s, m_vertical);
     connect(m_range, &QComboBox::activated, this,
             [this] { showCells(isForAllCells() ? m_all : m_selected); });
     connect(m_border, &QComboBox::activated, this, [this] {

@@ -215,6 +215,13 @@ QTextTableCellFormat newCellFormat(const QTextCharFormat &text)
     return format;
 }
 
+/// The first position of the cell around the cursor, or else of the text.
+int startAround(const QTextCursor &cursor)
+{
+    const QTextTable *const table = cursor.currentTable();
+    return table ? table->cellAt(cursor).firstPosition() : cursor.currentFrame()->firstPosition();
+}
+
 /// Leaves the caret where the table is to come, and the empty paragraph that it stood in, if it did
 /// in one, to be the one behind the table.
 QTextBlockFormat makeWay(QTextCursor &cursor)
@@ -223,19 +230,15 @@ QTextBlockFormat makeWay(QTextCursor &cursor)
     QTextBlockFormat behind = cursor.blockFormat();
     behind.clearProperty(BeforeTable);
     const QTextBlock block = cursor.block();
-    const QTextBlock previous = block.previous();
-    const QTextFrame *frame = cursor.currentFrame();
-    const bool isFirst = !previous.isValid() || frame->firstPosition() == block.position();
-    const bool isBehindTable =
-        previous.isValid() && !isFirst && QTextCursor(previous).currentFrame() != frame;
     if (block.length() > 1) {
         return behind;
     }
-    if (isFirst) {
+    const int start = startAround(cursor);
+    if (start == block.position()) {
         QTextBlockFormat before;
         before.setProperty(BeforeTable, true);
         cursor.setBlockFormat(before);
-    } else if (!isBehindTable && QTextCursor(previous).currentTable() == cursor.currentTable()) {
+    } else if (startAround(QTextCursor(block.previous())) == start) { // else a table ends there
         cursor.deletePreviousChar();
     }
     return behind;

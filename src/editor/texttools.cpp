@@ -17,6 +17,7 @@
 #include "editor/statusbar.h"
 #include "editor/styletransfer.h"
 #include "editor/tableediting.h"
+#include "editor/tablemarks.h"
 #include "editor/textcolours.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
@@ -51,6 +52,7 @@ struct TextTools::Tools
     LinkFollowing linkFollowing {editor, commands, contextMenu, sheets, world.workspace};
     LinkEditing links {editor, commands, sheets};
     TableEditing tables {editor, commands, contextMenu, sheets};
+    TableMarks tableMarks {editor};
     ColumnResizing columns {editor};
     CharacterStyles characters {editor, commands};
     TextColours colours {editor,
