@@ -2,8 +2,10 @@
 
 #include "editor/layoutguard.h"
 #include "editor/undonames.h"
+#include "editor/zoomeddevice.h"
 #include "platform/nsfont.h"
 
+#include <QElapsedTimer>
 #include <QTextEdit>
 #include <QTimer>
 
@@ -83,6 +85,12 @@ public:
     /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
     bool hasRoomFor(double height);
 
+    /// How much larger than it is the text is shown; the document does not know of it.
+    double zoom() const { return m_device.zoom(); }
+
+    /// \return false, with nothing changed, where the text would be too tall to be shown so large.
+    bool setZoom(double zoom);
+
     /// What the steps of undo are called. Whoever edits by a cursor of his own opens a scope.
     UndoNames &undoNames() { return m_undoNames; }
 
@@ -99,6 +107,9 @@ signals:
     /// content() is another one.
     void contentReplaced();
     void contentHiddenChanged();
+    void zoomChanged();
+    /// Somebody turns the wheel for another zoom: up is larger.
+    void zoomAsked(int steps);
     /// A menu is asked for at a place of the viewport.
     void contextMenuAsked(const QPoint &place, const QPoint &screenPlace);
 
@@ -120,6 +131,8 @@ private:
     // The tallest document that is shown at all: the layout's numbers end at 2^25.
     static constexpr double tallestPaginated = 30'000'000;
 
+    // All widths and heights here are those of the text at its own size.
+
     /// The narrowest wrap that is known to be safe, and a height that is not exceeded there.
     struct Bound
     {
@@ -136,6 +149,9 @@ private:
         int width = 0;
     };
 
+    bool beginsStep(const QKeyEvent &event);
+    void typeAsNewStep(const QString &text);
+
     /// What the looks were last asked for.
     struct LooksKey
     {
@@ -151,12 +167,17 @@ private:
     void leaveForeignLook();
     void handleTyped(const std::function<void()> &insert);
     double heightAt(double width) const;
+
+    double viewWidth() const { return viewport()->width() / zoom(); }
+
+    double tallestInOnePiece() const;
     bool isAtMost(double height);
     void followHeight(int position, int removed, int added);
     bool fitsAt(double width);
     void fitWrap();
     void pinWrap();
     void paginate();
+    void showUnzoomed();
     void suspendLayout();
     void refuse();
     Place place() const;
@@ -167,7 +188,11 @@ private:
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;
     LayoutGuard m_layoutGuard {*this};
+    ZoomedDevice m_device {*this};
+    int m_wheelTurn = 0; // eighths of a degree that are no step yet
     UndoNames m_undoNames;
+    QElapsedTimer m_sinceTyping;
+    int m_typed = 0; // characters of the step that typing adds to
     QList<QTextCharFormat> m_looks;
     LooksKey m_looksKey;
     std::vector<std::function<void(QPainter &)>> m_overlays;

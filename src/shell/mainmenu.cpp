@@ -50,6 +50,7 @@ const CommandRow &rowOf(DocumentAction action)
         {Action::EditPublicNote, u"Public No&te…"_s, {}},
         {Action::LockDocument, u"&Lock Document…"_s, Qt::CTRL | Qt::Key_L},
         {Action::RunPageLayout, u"Page Set&up…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_P},
+        {Action::PrintPreview, u"Print Previe&w…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O},
         {Action::PrintDocument, u"&Print…"_s, QKeySequence::Print},
         {Action::MakePlainText, u"Make &Plain Text…"_s, {}},
         {Action::SwitchReadAndWrite, u"Prevent Editing"_s, {}},
@@ -210,7 +211,7 @@ void MainMenu::buildFileMenu()
     menu->addSeparator();
     addCommands(*menu, {Action::DocumentPassword, Action::EditPublicNote, Action::LockDocument});
     menu->addSeparator();
-    addCommands(*menu, {Action::RunPageLayout, Action::PrintDocument});
+    addCommands(*menu, {Action::RunPageLayout, Action::PrintPreview, Action::PrintDocument});
 }
 
 void MainMenu::buildEditMenu()
