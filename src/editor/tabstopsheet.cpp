@@ -17,7 +17,8 @@ namespace quorvane {
 
 namespace {
 constexpr double farthest = 96 * 20;
-}
+constexpr int smallestWidth = 340;
+} // namespace
 
 TabStopSheet::TabStopSheet(const TabStop &stop, QWidget *host)
     : SheetDialog(u"Tab Stop"_s, u"The position is counted from the margin."_s, host)
@@ -33,9 +34,9 @@ TabStopSheet::TabStopSheet(const TabStop &stop, QWidget *host)
         m_type->addItem(tabTypeName(type), int(type));
     }
     m_type->setCurrentIndex(m_type->findData(int(stop.type)));
-    const QString leaders[] = {u"None"_s,       u"Dots  ....."_s,       u"Raised dots  ·····"_s,
-                               u"Dashes  -----"_s, u"Line  _____"_s, u"Thick line"_s,
-                               u"Double line  ====="_s};
+    const QString leaders[] = {
+        u"None"_s,        u"Dots  ....."_s, u"Raised dots  ·····"_s, u"Dashes  -----"_s,
+        u"Line  _____"_s, u"Thick line"_s,  u"Double line  ====="_s};
     for (const QString &leader : leaders) {
         m_leader->addItem(leader);
     }
@@ -53,6 +54,7 @@ TabStopSheet::TabStopSheet(const TabStop &stop, QWidget *host)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column().addStretch(1);
     column().addWidget(buttons);
+    setMinimumWidth(smallestWidth);
 }
 
 TabStop TabStopSheet::stop() const
