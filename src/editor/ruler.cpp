@@ -92,9 +92,9 @@ void Ruler::setShown(bool shown)
 void Ruler::watchLayout()
 {
     disconnect(m_layout);
-    m_layout = connect(m_editor.document()->documentLayout(),
-                       &QAbstractTextDocumentLayout::documentSizeChanged, this,
-                       &Ruler::refreshLater);
+    m_layout =
+        connect(m_editor.document()->documentLayout(),
+                &QAbstractTextDocumentLayout::documentSizeChanged, this, &Ruler::refreshLater);
     showGuide(std::nullopt);
     refreshLater();
 }
@@ -174,16 +174,16 @@ Ruler::Scale Ruler::scaleAt(const QTextBlock &block) const
 {
     const QAbstractTextDocumentLayout &layout = *m_editor.document()->documentLayout();
     const QRectF rect = layout.blockBoundingRect(block);
-    const int viewport = m_editor.viewport()->mapTo(m_editor.window(), QPoint()).x()
-        - mapTo(window(), QPoint()).x();
+    const int viewport =
+        m_editor.viewport()->mapTo(m_editor.window(), QPoint()).x() - mapTo(window(), QPoint()).x();
     Scale scale;
     scale.margin = viewport + rect.left() - m_editor.horizontalScrollBar()->value();
     scale.isRightToLeft = block.textDirection() == Qt::RightToLeft;
     if (const QPaintDevice *device = layout.paintDevice()) {
         scale.pixels = device->logicalDpiY() / defaultDotsPerInch();
     }
-    scale.edge = scale.margin + m_editor.viewport()->width()
-        - 2 * m_editor.document()->documentMargin();
+    scale.edge =
+        scale.margin + m_editor.viewport()->width() - 2 * m_editor.document()->documentMargin();
     if (block.layout()->lineCount() > 0) {
         const QTextLine line = block.layout()->lineAt(0);
         scale.edge = scale.margin + line.x() + line.width()

@@ -33,13 +33,11 @@ constexpr QTextOption::TabType tabTypes[] = {QTextOption::LeftTab, QTextOption::
 std::optional<TabStop> Ruler::stopOf(const RulerMark &mark) const
 {
     const auto found = std::find(m_tabs.begin(), m_tabs.end(), &mark);
-    return found == m_tabs.end() ? std::nullopt
-                                 : std::optional(m_stops.at(found - m_tabs.begin()));
+    return found == m_tabs.end() ? std::nullopt : std::optional(m_stops.at(found - m_tabs.begin()));
 }
 
 void Ruler::changeBlocksAt(
-    const QString &name,
-    const std::function<void(const QTextBlock &, QTextBlockFormat &)> &change)
+    const QString &name, const std::function<void(const QTextBlock &, QTextBlockFormat &)> &change)
 {
     m_editor.edit(name, [&change](QTextCursor &cursor) {
         const QList<QTextBlock> blocks = selectedBlocks(cursor);
@@ -136,8 +134,7 @@ void Ruler::mouseMoveEvent(QMouseEvent *event)
     if (m_isAdding) {
         const double position = snapped(lengthAt(event->pos().x()));
         const bool isOff = !rect().adjusted(0, -farOff, 0, farOff).contains(event->pos());
-        showGuide(isOff ? std::nullopt
-                        : std::optional(m_scale.margin + position * m_scale.pixels));
+        showGuide(isOff ? std::nullopt : std::optional(m_scale.margin + position * m_scale.pixels));
     }
 }
 
