@@ -180,10 +180,14 @@ struct HeightEstimate::Lines
     void add(double advance)
     {
         word += advance;
-        if (word <= width) {
-            return;
+        if (word > width) {
+            breakWord(advance);
         }
-        // A word longer than a line is broken anywhere.
+    }
+
+    /// A word longer than a line is broken anywhere, here before its last letter.
+    void breakWord(double advance)
+    {
         count += (used > 0 ? 1 : 0) + 1;
         used = 0;
         word = advance;
@@ -209,6 +213,7 @@ void HeightEstimate::restyle(int from, int to, const QTextCharFormat &format)
 double HeightEstimate::of(const QTextDocument &document)
 {
     m_document = &document;
+    m_looks.clear();
     m_onPages = 0;
     const double margins = 2 * document.documentMargin();
     const double height = margins + ofFrame(*document.rootFrame(), m_width - margins, 0);
@@ -218,6 +223,7 @@ double HeightEstimate::of(const QTextDocument &document)
 double HeightEstimate::ofBlocks(const QTextDocument &document, int from, int to)
 {
     m_document = &document;
+    m_looks.clear();
     const double width = m_width - 2 * document.documentMargin();
     double height = 0;
     for (QTextBlock block = document.findBlock(from);
@@ -290,14 +296,10 @@ double HeightEstimate::ofBlock(const QTextBlock &block, double width)
     }
     lines.width = std::max(1.0, lines.width);
     lines.tab = widestTab(format, m_document->defaultTextOption().tabStopDistance());
-    lines.height =
-        measureOf(styled(block.charFormat(), block.position(), block.position() + block.length()))
-            .height;
+    lines.height = lookOf(block, block.position(), block.length()).measure->height;
     for (auto part = block.begin(); !part.atEnd(); ++part) {
         const QTextFragment fragment = part.fragment();
-        const QTextCharFormat charFormat = styled(fragment.charFormat(), fragment.position(),
-                                                  fragment.position() + fragment.length());
-        addText(lines, fragment.text(), charFormat);
+        addText(lines, fragment.text(), lookOf(fragment, fragment.position(), fragment.length()));
     }
     lines.endWord();
     const QTextFormat::PageBreakFlags breaks = format.pageBreakPolicy();
@@ -307,12 +309,25 @@ double HeightEstimate::ofBlock(const QTextBlock &block, double width)
     return lines.count * std::ceil(spacedLine(format, lines.height)) + margins;
 }
 
-void HeightEstimate::addText(Lines &lines, const QString &text, const QTextCharFormat &format)
+void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look)
 {
-    Measure &measure = measureOf(format);
+    Measure &measure = *look.measure;
+    const QTextCharFormat &format = look.format;
     double height = measure.height;
+    const float *widths = measure.metrics ? measure.widths.data() : nullptr;
+    double word = lines.word; // kept at hand: nearly all of a text are letters of ASCII
     for (const QChar character : text) {
         const char16_t unit = character.unicode();
+        if (widths && unit > u' ' && unit <= u'~' && widths[unit] > 0) {
+            const double advance = static_cast<double>(widths[unit]) + measure.extra;
+            word += advance;
+            if (word > lines.width) {
+                lines.breakWord(advance);
+                word = lines.word;
+            }
+            continue;
+        }
+        lines.word = word;
         if (unit == QChar::ObjectReplacementCharacter
             && format.objectType() == attachmentObjectType) {
             const QSizeF size = largestAttachmentSize(format, m_dotsPerInch);
@@ -333,7 +348,9 @@ void HeightEstimate::addText(Lines &lines, const QString &text, const QTextCharF
                 height = std::max(height, extentOf(unit).height * measure.em);
             }
         }
+        word = lines.word;
     }
+    lines.word = word;
     if (format.verticalAlignment() != QTextCharFormat::AlignNormal) {
         height *= 2;
     }
@@ -354,14 +371,24 @@ void HeightEstimate::addObjects(Lines &lines, qsizetype count, const QTextCharFo
     }
 }
 
-QTextCharFormat HeightEstimate::styled(const QTextCharFormat &format, int from, int to) const
+/// Of a block or a fragment. Most of a text shares a few formats: each is looked at once.
+template <typename Part>
+const HeightEstimate::Look &HeightEstimate::lookOf(const Part &part, int position, int length)
 {
-    if (from >= m_restyledTo || to <= m_restyledFrom) {
-        return format;
+    const bool isRestyled = position < m_restyledTo && position + length > m_restyledFrom;
+    const auto index = static_cast<size_t>(part.charFormatIndex());
+    if (index >= m_looks.size()) {
+        m_looks.resize(index + 1);
     }
-    QTextCharFormat merged = format;
-    merged.merge(m_restyling);
-    return merged;
+    Look &look = isRestyled ? m_restyled : m_looks[index];
+    if (isRestyled || !look.measure) {
+        look.format = part.charFormat();
+        if (isRestyled) {
+            look.format.merge(m_restyling);
+        }
+        look.measure = &measureOf(look.format);
+    }
+    return look;
 }
 
 HeightEstimate::Measure &HeightEstimate::measureOf(const QTextCharFormat &format)

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 class QFont;
 class QPaintDevice;
@@ -46,12 +47,18 @@ private:
     struct Measure; // of one font
     struct Lines; // of one block, while it is filled
 
+    struct Look
+    {
+        QTextCharFormat format;
+        Measure *measure = nullptr;
+    };
+
     double ofFrame(const QTextFrame &frame, double width, int depth);
     double ofTable(const QTextTable &table, double width, int depth);
     double ofBlock(const QTextBlock &block, double width);
-    void addText(Lines &lines, const QString &text, const QTextCharFormat &format);
+    void addText(Lines &lines, const QString &text, const Look &look);
     void addObjects(Lines &lines, qsizetype count, const QTextCharFormat &format) const;
-    QTextCharFormat styled(const QTextCharFormat &format, int from, int to) const;
+    template <typename Part> const Look &lookOf(const Part &part, int position, int length);
     Measure &measureOf(const QTextCharFormat &format);
     std::unique_ptr<Measure> newMeasure(const QFont &font) const;
 
@@ -64,6 +71,8 @@ private:
     int m_restyledTo = 0;
     QTextCharFormat m_restyling;
     std::unordered_map<size_t, std::unique_ptr<Measure>> m_measures;
+    std::vector<Look> m_looks; // by the format's number in the document
+    Look m_restyled;
 };
 
 } // namespace quorvane
