@@ -65,7 +65,7 @@ QString answerTo(const QString &command, const QString &argument)
         QStringList titles;
         const QWidgetList widgets = QApplication::topLevelWidgets();
         for (const QWidget *widget : widgets) {
-            if (widget->isVisible()) {
+            if (widget->isVisible() && !widget->parentWidget()) {
                 titles << titleOf(widget);
             }
         }

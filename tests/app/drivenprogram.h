@@ -25,7 +25,7 @@ public:
 
     QStringList titles() { return tell(QStringLiteral("titles")).split(u'/', Qt::SkipEmptyParts); }
 
-    /// The titles of all windows that are shown, sorted.
+    /// The titles of all windows that are shown, without their sheets, sorted.
     QStringList windows()
     {
         return tell(QStringLiteral("windows")).split(u'/', Qt::SkipEmptyParts);
