@@ -8,6 +8,7 @@
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
+#include "platform/runtimefolder.h"
 #include "platform/securityscopedaccess.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
@@ -174,6 +175,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
+        RuntimeFolder::sessionPath(),
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);
@@ -184,6 +186,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
 
 void Program::start(const QStringList &files)
 {
+    RuntimeFolder::removeAbandoned(RuntimeFolder::sessionPath());
     m_delegate.applicationWillFinishLaunching();
     for (const QString &file : files) {
         m_documents.openDocumentWithContentsOfURL(file);

@@ -3,6 +3,8 @@
 #include "editor/documentprinter.h"
 #include "editor/texttransfer.h"
 
+#include <QString>
+
 namespace quorvane {
 
 class NSWorkspace;
@@ -13,6 +15,9 @@ struct EditorSurroundings
     TransferSurroundings transfer;
     PrintingSurroundings printing;
     NSWorkspace &workspace;
+    /// Where readable copies for other programs may be put; empty where there is no such place. See
+    /// RuntimeFolder.
+    QString runtimePath = {};
 };
 
 } // namespace quorvane

@@ -5,6 +5,7 @@
 #include "editor/heightestimate.h"
 #include "editor/insertion.h"
 #include "editor/pastedtext.h"
+#include "richtext/body.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
@@ -55,6 +56,14 @@ QString plainTextOf(const QMimeData &source)
 {
     const bool isUtf8Alone = source.hasFormat(utf8Format) && !source.hasFormat(u"text/plain"_s);
     return isUtf8Alone ? QString::fromUtf8(source.data(utf8Format)) : source.text();
+}
+
+/// HTML that is there for the sake of an image that is offered beside it.
+bool holdsNothing(const QString &html)
+{
+    QTextDocument read;
+    readBody(bodyOfHtml(html, QFont()), read);
+    return read.toPlainText().trimmed().isEmpty();
 }
 
 bool insertsText(const QString &text)
@@ -354,6 +363,7 @@ void TextEditor::dropEvent(QDropEvent *event)
     if (event->source() != viewport() && event->source() != this) {
         event->setDropAction(Qt::CopyAction);
     }
+    const UndoNames::Scope scope(m_undoNames, u"Drag and Drop"_s);
     QTextEdit::dropEvent(event);
 }
 
@@ -367,7 +377,8 @@ bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
 {
     return source
         && (source->hasFormat(rtfdFormat) || offersRtf(*source) || source->hasHtml()
-            || hasPlainText(*source));
+            || hasPlainText(*source)
+            || (m_foreignObjects.offers && m_foreignObjects.offers(*source)));
 }
 
 void TextEditor::insertFromMimeData(const QMimeData *source)
@@ -375,11 +386,29 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (!source || isReadOnly()) {
         return;
     }
-    if (const std::unique_ptr<QTextDocument> pasted = documentOf(*source)) {
-        insertDocument(*pasted);
-    } else if (hasPlainText(*source)) {
-        insertText(plainTextOf(*source));
+    if (takesObjects(*source)) {
+        m_foreignObjects.take(*source);
+        return;
     }
+    const QString step = m_undoNames.current().isEmpty() ? u"Paste"_s : m_undoNames.current();
+    if (const std::unique_ptr<QTextDocument> pasted = documentOf(*source)) {
+        insertDocument(*pasted, step);
+    } else if (hasPlainText(*source)) {
+        insertText(plainTextOf(*source), step);
+    }
+}
+
+/// Files come before their names; an image comes after words, of which it may be but a rendering.
+bool TextEditor::takesObjects(const QMimeData &source) const
+{
+    const bool isText = source.hasFormat(rtfdFormat) || offersRtf(source);
+    if (isText || !m_foreignObjects.offers || !m_foreignObjects.offers(source)) {
+        return false;
+    }
+    const QList<QUrl> urls = source.urls();
+    const bool areFiles =
+        std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
+    return areFiles || (source.hasHtml() ? holdsNothing(source.html()) : !hasPlainText(source));
 }
 
 /// What is offered with a look, in the form that says most; null where there is none.
@@ -391,7 +420,9 @@ std::unique_ptr<QTextDocument> TextEditor::documentOf(const QMimeData &source)
     if (const QByteArray rtf = rtfOf(source); !rtf.isEmpty()) {
         return pastedBody(rtf, *m_content);
     }
-    return source.hasHtml() ? pastedHtml(source.html(), m_content->defaultFont()) : nullptr;
+    return source.hasHtml()
+        ? pastedBody(bodyOfHtml(source.html(), m_content->defaultFont()), *m_content)
+        : nullptr;
 }
 
 QVariant TextEditor::loadResource(int type, const QUrl &name)

@@ -46,6 +46,7 @@ public:
     RealProgram() = default;
 
     InMemoryDefaults defaults;
+    QString runtimePath; ///< For documents opened from now on: where copies for others may be.
 
     ~RealProgram()
     {
@@ -223,6 +224,7 @@ private:
             {{m_queue, files, panels, m_timers}, m_packages, isOpen},
             {m_queue, files, sheetOf, isOpen},
             workspace,
+            runtimePath,
         };
         auto controller =
             std::make_unique<DocumentWindowController>(made, defaults, adapt, surroundings);
