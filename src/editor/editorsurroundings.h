@@ -8,6 +8,7 @@
 namespace quorvane {
 
 class NSWorkspace;
+class StyleMemory;
 
 /// What the commands on a document's text ask of the world.
 struct EditorSurroundings
@@ -15,6 +16,7 @@ struct EditorSurroundings
     TransferSurroundings transfer;
     PrintingSurroundings printing;
     NSWorkspace &workspace;
+    StyleMemory &styles;
     /// Where readable copies for other programs may be put; empty where there is no such place. See
     /// RuntimeFolder.
     QString runtimePath = {};

@@ -173,8 +173,9 @@ void PictureEditing::draw(QPainter &painter) const
     const QRectF place = m_drag ? m_drag->to : placeOf(m_editor, *picture);
     const QColor accent = m_editor.palette().color(QPalette::Highlight);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    if (AttachmentObject *drawer = AttachmentObject::of(*m_editor.document()); drawer && m_drag) {
-        painter.setOpacity(0.75);
+    // Once more, as the toolkit tints what is selected; and larger or smaller while it is pulled.
+    if (AttachmentObject *drawer = AttachmentObject::of(*m_editor.document())) {
+        painter.setOpacity(m_drag ? 0.75 : 1);
         drawer->drawPicture(painter, place, picture->format);
         painter.setOpacity(1);
     }

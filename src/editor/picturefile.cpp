@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -83,7 +84,8 @@ double resolutionOf(const QByteArray &bytes, const QByteArray &format)
     const double told = format == "png" ? resolutionOfPng(bytes)
         : format == "jpeg"              ? resolutionOfJpeg(bytes)
                                         : 0;
-    return told >= leastResolution && told <= mostResolution ? told : dotsPerInch;
+    // Files tell it by the metre, which turns 96 into 96.01.
+    return told >= leastResolution && told <= mostResolution ? std::round(told) : dotsPerInch;
 }
 
 /// The size in the file, before it is turned; an empty one where it is not to be decoded.
