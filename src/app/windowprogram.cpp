@@ -11,6 +11,7 @@
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
+#include "platform/runtimefolder.h"
 #include "platform/securityscopedaccess.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtfontmanager.h"
@@ -190,6 +191,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
         m_styles,
+        RuntimeFolder::sessionPath(),
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);
@@ -200,6 +202,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
 
 void Program::start(const std::function<void()> &work)
 {
+    RuntimeFolder::removeAbandoned(RuntimeFolder::sessionPath());
     m_delegate.applicationWillFinishLaunching();
     m_settingsNotice.tellHowTheyWereFound();
     if (work) {

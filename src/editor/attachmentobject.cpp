@@ -1,70 +1,32 @@
 #include "editor/attachmentobject.h"
 
+#include "editor/attachmenticon.h"
 #include "editor/heightestimate.h"
+#include "editor/picturefile.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/textproperties.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QApplication>
-#include <QBuffer>
-#include <QFontInfo>
 #include <QFontMetricsF>
-#include <QImageReader>
+#include <QGuiApplication>
 #include <QPainter>
-#include <QPalette>
-#include <QStyle>
 #include <QTextDocument>
+#include <QTextFrame>
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 namespace quorvane {
 
 namespace {
 
-constexpr int largestExtent = static_cast<int>(tallestImage);
-constexpr int cachedKilobytes = 64 * 1024;
-constexpr QSizeF iconFrame(120, 40);
-constexpr QSizeF largestPicture(700, tallestImage); // a column's width
-constexpr double iconExtent = 24;
-constexpr double gap = 6;
-constexpr double roundness = 5;
+constexpr QSizeF largestPicture(700, tallestImage); // on a screen; a column's width
 constexpr double twipsPerInch = 1440;
-
-QImage decoded(const QByteArray &bytes)
-{
-    QBuffer buffer;
-    buffer.setData(bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    if (size.width() > largestExtent || size.height() > largestExtent) {
-        reader.setScaledSize(
-            size.scaled(largestExtent, largestExtent, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    }
-    return reader.read();
-}
+constexpr double narrowestColumn = 16;
 
 bool hasPictureSize(const QTextFormat &format)
 {
     return format.intProperty(AttachmentWidth) > 0 && format.intProperty(AttachmentHeight) > 0;
-}
-
-QSizeF pictureSize(const QTextFormat &format, double dotsPerInch)
-{
-    const double scale = dotsPerInch / twipsPerInch;
-    const QSizeF told(format.intProperty(AttachmentWidth) * scale,
-                      format.intProperty(AttachmentHeight) * scale);
-    const bool fits =
-        told.width() <= largestPicture.width() && told.height() <= largestPicture.height();
-    return fits ? told : told.scaled(largestPicture, Qt::KeepAspectRatio);
-}
-
-const FlatRtfdEntry *fileOf(const QTextDocument &document, const QString &name)
-{
-    const AttachmentStore *store = AttachmentStore::find(document);
-    const FlatRtfdEntry *entry = store ? store->entry(name) : nullptr;
-    return entry && entry->kind == FlatRtfdEntry::Kind::File ? entry : nullptr;
 }
 
 double screenResolution()
@@ -72,62 +34,82 @@ double screenResolution()
     return QFontMetricsF(QGuiApplication::font()).fontDpi();
 }
 
-/// Of what the document is laid out for.
+QSizeF fitting(const QSizeF &size, const QSizeF &most)
+{
+    const bool fits = size.width() <= most.width() && size.height() <= most.height();
+    return fits ? size : size.scaled(most, Qt::KeepAspectRatio);
+}
+
+QSizeF pictureSize(const QTextFormat &format, double dotsPerInch)
+{
+    const double scale = dotsPerInch / twipsPerInch;
+    const QSizeF told(format.intProperty(AttachmentWidth) * scale,
+                      format.intProperty(AttachmentHeight) * scale);
+    return fitting(told, largestPicture * (dotsPerInch / screenResolution()));
+}
+
+const FlatRtfdEntry *entryOf(const QTextDocument &document, const QTextFormat &format)
+{
+    const AttachmentStore *store = AttachmentStore::find(document);
+    return store ? store->entry(format.stringProperty(AttachmentName)) : nullptr;
+}
+
+const FlatRtfdEntry *fileOf(const QTextDocument &document, const QTextFormat &format)
+{
+    const FlatRtfdEntry *entry = entryOf(document, format);
+    return entry && entry->kind == FlatRtfdEntry::Kind::File ? entry : nullptr;
+}
+
+qint64 bytesOf(const FlatRtfdEntry &entry)
+{
+    qint64 bytes = entry.bytes.size();
+    for (const FlatRtfdEntry &child : entry.children) {
+        bytes += bytesOf(child);
+    }
+    return bytes;
+}
+
+/// Between the margins, as far as they are known; a paragraph's own are not.
+double columnOf(const QTextDocument &document)
+{
+    const QTextFrameFormat frame = document.rootFrame()->frameFormat();
+    const double scale = resolutionOf(document) / screenResolution();
+    const double margins = (frame.leftMargin() + frame.rightMargin()) * scale;
+    const double column = document.textWidth() - margins;
+    return document.textWidth() > 0 ? std::max(column, narrowestColumn) : largestPicture.width();
+}
+
+} // namespace
+
 double resolutionOf(const QTextDocument &document)
 {
     const QPaintDevice *device = document.documentLayout()->paintDevice();
     return device ? device->logicalDpiY() : screenResolution();
 }
 
-void drawFile(QPainter &painter, const QRectF &rect, const QString &name, const QPalette &palette)
-{
-    painter.setPen(palette.color(QPalette::Mid));
-    painter.setBrush(palette.brush(QPalette::AlternateBase));
-    painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), roundness, roundness);
-    const double extent = std::min({iconExtent, rect.width() - gap, rect.height() - gap});
-    if (extent < 1) {
-        return;
-    }
-    QRectF icon(0, 0, extent, extent);
-    icon.moveCenter(rect.center());
-    const bool hasName = rect.width() >= iconFrame.width() / 2;
-    if (hasName) {
-        icon.moveLeft(rect.left() + gap);
-    }
-    QApplication::style()
-        ->standardIcon(QStyle::SP_FileIcon)
-        .paint(&painter, icon.toRect(), Qt::AlignCenter);
-    if (!hasName) {
-        return;
-    }
-    const QRectF place(icon.right() + gap, rect.top(), rect.right() - icon.right() - 2 * gap,
-                       rect.height());
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(QFontInfo(font).pixelSize());
-    painter.setFont(font);
-    painter.setPen(palette.color(QPalette::Text));
-    painter.drawText(
-        place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-        QFontMetricsF(painter.font()).elidedText(name, Qt::ElideMiddle, place.width()));
-}
-
-} // namespace
-
 QSizeF largestAttachmentSize(const QTextFormat &format, double dotsPerInch)
 {
-    return hasPictureSize(format) ? pictureSize(format, dotsPerInch).expandedTo(iconFrame)
-                                  : iconFrame;
+    return hasPictureSize(format) ? pictureSize(format, dotsPerInch).expandedTo(largestFileFrame)
+                                  : largestFileFrame;
 }
 
 AttachmentObject::AttachmentObject(QTextDocument *document, std::optional<QPalette> palette)
     : QObject(document)
+    , m_document(*document)
     , m_palette(std::move(palette))
-    , m_pictures(cachedKilobytes)
-{ }
+{
+    connect(&m_pictures, &PictureCache::arrived, this,
+            [this] { emit m_document.documentLayout()->update(); });
+}
+
+AttachmentObject *AttachmentObject::of(const QTextDocument &document)
+{
+    return document.findChild<AttachmentObject *>(QString(), Qt::FindDirectChildrenOnly);
+}
 
 void AttachmentObject::registerFor(QTextDocument &document, const std::optional<QPalette> &palette)
 {
-    if (!document.findChild<AttachmentObject *>(QString(), Qt::FindDirectChildrenOnly)) {
+    if (!of(document)) {
         document.documentLayout()->registerHandler(attachmentObjectType,
                                                    new AttachmentObject(&document, palette));
     }
@@ -135,59 +117,84 @@ void AttachmentObject::registerFor(QTextDocument &document, const std::optional<
 
 QSizeF AttachmentObject::intrinsicSize(QTextDocument *document, int, const QTextFormat &format)
 {
-    if (!isPicture(*document, format)) {
-        return iconFrame * (resolutionOf(*document) / screenResolution());
+    const double resolution = resolutionOf(*document);
+    if (!isPicture(format)) {
+        return fileFrame(format.stringProperty(AttachmentName)) * (resolution / screenResolution());
     }
-    return pictureSize(format, resolutionOf(*document));
+    const QSizeF size = pictureSize(format, resolution);
+    return fitting(size, {columnOf(*document), size.height()});
 }
 
-void AttachmentObject::drawObject(QPainter *painter, const QRectF &rect, QTextDocument *document,
-                                  int, const QTextFormat &format)
+void AttachmentObject::drawObject(QPainter *painter, const QRectF &rect, QTextDocument *, int,
+                                  const QTextFormat &format)
 {
-    const QString name = format.stringProperty(AttachmentName);
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    const QImage *image = isPicture(*document, format) ? picture(*document, name) : nullptr;
-    if (image) {
-        painter->drawImage(rect, *image);
+    if (isPicture(format)) {
+        drawPicture(*painter, rect, format);
     } else {
-        // Drawn as on the screen, whatever the paper's resolution.
-        const double scale = resolutionOf(*document) / screenResolution();
-        painter->translate(rect.topLeft());
-        painter->scale(scale, scale);
-        drawFile(*painter, QRectF(QPointF(), rect.size() / scale), name,
-                 m_palette.value_or(QGuiApplication::palette()));
+        drawIcon(*painter, rect, format);
     }
     painter->restore();
 }
 
-bool AttachmentObject::isPicture(const QTextDocument &document, const QTextFormat &format)
+void AttachmentObject::drawPicture(QPainter &painter, const QRectF &rect, const QTextFormat &format)
 {
-    const QString name = format.stringProperty(AttachmentName);
-    const FlatRtfdEntry *file = hasPictureSize(format) ? fileOf(document, name) : nullptr;
+    const FlatRtfdEntry *file = fileOf(m_document, format);
+    if (!file) {
+        return;
+    }
+    const QTransform toDevice = painter.deviceTransform();
+    // Whole pixels of the device: else each one would be mixed of four.
+    const QRect pixels = toDevice.mapRect(rect).toAlignedRect();
+    const PictureCache::Request request {format.stringProperty(AttachmentName), file->bytes,
+                                         pixels.size().expandedTo(QSize(1, 1)),
+                                         !format.boolProperty(AttachmentNoOrient)};
+    PictureCache::Found found {};
+    if (m_palette) {
+        found.image = m_pictures.decodedNow(request);
+        found.state = found.image ? PictureCache::State::Shown : PictureCache::State::Broken;
+    } else {
+        found = m_pictures.find(request);
+    }
+    if (found.state == PictureCache::State::Shown) {
+        painter.drawImage(toDevice.inverted().mapRect(QRectF(pixels)), *found.image);
+    } else if (found.state == PictureCache::State::Coming) {
+        drawComingPicture(painter, rect, palette());
+    } else {
+        drawIcon(painter, rect, format);
+    }
+}
+
+// Drawn as on the screen, whatever the paper's resolution.
+void AttachmentObject::drawIcon(QPainter &painter, const QRectF &rect, const QTextFormat &format)
+{
+    const double scale = resolutionOf(m_document) / screenResolution();
+    const FlatRtfdEntry *entry = entryOf(m_document, format);
+    painter.save();
+    painter.translate(rect.topLeft());
+    painter.scale(scale, scale);
+    drawFile(painter, QRectF(QPointF(), rect.size() / scale), format.stringProperty(AttachmentName),
+             entry ? bytesOf(*entry) : 0, palette());
+    painter.restore();
+}
+
+QPalette AttachmentObject::palette() const
+{
+    return m_palette.value_or(QGuiApplication::palette());
+}
+
+bool AttachmentObject::isPicture(const QTextFormat &format)
+{
+    const FlatRtfdEntry *file = hasPictureSize(format) ? fileOf(m_document, format) : nullptr;
     if (!file) {
         return false;
     }
-    const auto known = m_beginsAsPicture.constFind(name);
-    if (known != m_beginsAsPicture.constEnd()) {
-        return *known;
-    }
-    QBuffer buffer;
-    buffer.setData(file->bytes);
-    return *m_beginsAsPicture.insert(name, QImageReader(&buffer).canRead());
-}
-
-const QImage *AttachmentObject::picture(const QTextDocument &document, const QString &name)
-{
-    if (!m_pictures.contains(name)) {
-        const FlatRtfdEntry *file = fileOf(document, name);
-        auto image = std::make_unique<QImage>(file ? decoded(file->bytes) : QImage());
-        const qsizetype kilobytes =
-            std::min<qsizetype>(image->sizeInBytes() / 1024, cachedKilobytes);
-        m_pictures.insert(name, image.release(), kilobytes); // takes the image over
-    }
-    const QImage *image = m_pictures.object(name);
-    return image->width() > 0 ? image : nullptr;
+    const QString name = format.stringProperty(AttachmentName);
+    const auto known = m_canBeShown.constFind(name);
+    return known != m_canBeShown.constEnd()
+        ? *known
+        : *m_canBeShown.insert(name, pictureInfo(file->bytes).has_value());
 }
 
 } // namespace quorvane

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QCache>
+#include "editor/picturecache.h"
+
 #include <QHash>
-#include <QImage>
 #include <QObject>
 #include <QPalette>
 #include <QSizeF>
@@ -18,8 +18,12 @@ namespace quorvane {
 /// What an attachment takes up at most, in pixels, by its format alone.
 QSizeF largestAttachmentSize(const QTextFormat &format, double dotsPerInch);
 
+/// Of what the document is laid out for, in dots per inch.
+double resolutionOf(const QTextDocument &document);
+
 /// Draws the attachments of a document that is shown: the picture itself where the text tells its
-/// size, an icon with the name of the file otherwise.
+/// size, an icon with name and size of the file otherwise. A picture is never wider than its
+/// column; how large it is is known from the text, before anything of it is decoded.
 class AttachmentObject final : public QObject, public QTextObjectInterface
 {
     Q_OBJECT
@@ -27,25 +31,36 @@ class AttachmentObject final : public QObject, public QTextObjectInterface
 
 public:
     /// Makes the document's layout draw attachments. It lasts as long as the document. The colours
-    /// are those of the desktop where no others are given.
+    /// are those of the desktop where no others are given: with others it is drawn for paper, and
+    /// nothing may come later.
     static void registerFor(QTextDocument &document,
                             const std::optional<QPalette> &palette = std::nullopt);
+    /// The one that draws this document's attachments, or nullptr.
+    static AttachmentObject *of(const QTextDocument &document);
+
+    /// Whether a picture is shown: there is one in the file, and the text tells its size.
+    bool isPicture(const QTextFormat &format);
 
     QSizeF intrinsicSize(QTextDocument *document, int position, const QTextFormat &format) override;
     void drawObject(QPainter *painter, const QRectF &rect, QTextDocument *document, int position,
                     const QTextFormat &format) override;
 
+    /// Draws the picture of that format as far as it is decoded.
+    void drawPicture(QPainter &painter, const QRectF &rect, const QTextFormat &format);
+
+    /// Drops all that was decoded.
+    void forgetPictures() { m_pictures.clear(); }
+
 private:
     AttachmentObject(QTextDocument *document, std::optional<QPalette> palette);
 
-    /// Whether a picture is shown: there is one in the file, and the text tells its size.
-    bool isPicture(const QTextDocument &document, const QTextFormat &format);
-    /// The picture in the file of that name, nothing where it cannot be read after all.
-    const QImage *picture(const QTextDocument &document, const QString &name);
+    QPalette palette() const;
+    void drawIcon(QPainter &painter, const QRectF &rect, const QTextFormat &format);
 
+    QTextDocument &m_document; // its parent
     std::optional<QPalette> m_palette;
-    QCache<QString, QImage> m_pictures; // costs are kilobytes
-    QHash<QString, bool> m_beginsAsPicture;
+    PictureCache m_pictures {this};
+    QHash<QString, bool> m_canBeShown;
 };
 
 } // namespace quorvane

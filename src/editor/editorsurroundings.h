@@ -3,6 +3,8 @@
 #include "editor/documentprinter.h"
 #include "editor/texttransfer.h"
 
+#include <QString>
+
 namespace quorvane {
 
 class NSWorkspace;
@@ -15,6 +17,9 @@ struct EditorSurroundings
     PrintingSurroundings printing;
     NSWorkspace &workspace;
     StyleMemory &styles;
+    /// Where readable copies for other programs may be put; empty where there is no such place. See
+    /// RuntimeFolder.
+    QString runtimePath = {};
 };
 
 } // namespace quorvane

@@ -1,6 +1,9 @@
 #include "editor/pastedtext.h"
 
 #include "editor/heightestimate.h"
+#include "editor/picturefile.h"
+#include "editor/placedattachment.h"
+#include "richtext/attachmentstore.h"
 #include "richtext/body.h"
 
 #include <QBuffer>
@@ -12,6 +15,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <optional>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +26,7 @@ namespace quorvane {
 namespace {
 
 constexpr int largestExtent = static_cast<int>(tallestImage);
+constexpr double widestPicture = 700;
 
 bool isData(const QUrl &url)
 {
@@ -69,13 +75,59 @@ double scaleOf(int adjustment)
         std::clamp(adjustment + unchanged, 0, static_cast<int>(scales.size()) - 1))];
 }
 
-/// A body has room for attachments, but HTML's images are none.
-void removeObjects(QTextCursor &cursor, const Run &run)
+/// The bytes that a data: address holds.
+QByteArray bytesOf(const QUrl &name)
+{
+    const QByteArray address = name.toEncoded();
+    const qsizetype comma = address.indexOf(',');
+    if (!isData(name) || comma < 0) {
+        return {};
+    }
+    const bool isBase64 = address.first(comma).endsWith(";base64");
+    const QByteArray bytes = QByteArray::fromPercentEncoding(address.sliced(comma + 1));
+    return isBase64 ? QByteArray::fromBase64(bytes) : bytes;
+}
+
+/// As large as the HTML says, or as the picture itself where that is nothing.
+QSizeF sizeOf(const QTextImageFormat &image, const QSizeF &natural)
+{
+    constexpr double largest = 4000;
+    double width = image.width();
+    double height = image.height();
+    if (width <= 0 && height <= 0) {
+        width = natural.width();
+    }
+    width = width > 0 ? width : height * natural.width() / natural.height();
+    height = height > 0 ? height : width * natural.height() / natural.width();
+    const QSizeF size(std::clamp(width, 1.0, largest), std::clamp(height, 1.0, largest));
+    return size.width() <= widestPicture ? size
+                                         : size.scaled(widestPicture, largest, Qt::KeepAspectRatio);
+}
+
+/// Makes the image an attachment where the HTML holds it; nothing is left of it otherwise.
+void adoptImage(QTextCursor &cursor, const QTextImageFormat &image)
+{
+    const QByteArray bytes = bytesOf(QUrl(image.name()));
+    const std::optional<PictureInfo> info = pictureInfo(bytes);
+    cursor.deleteChar();
+    const bool isSpacer = info && info->pixels.width() <= 2 && info->pixels.height() <= 2;
+    if (!info || isSpacer) {
+        return;
+    }
+    QTextDocument &document = *cursor.document();
+    const QString name =
+        AttachmentStore::of(document).add(u"Pasted Image."_s + info->ending, bytes);
+    cursor.insertText(
+        QString(QChar::ObjectReplacementCharacter),
+        attachmentFormat(document, QTextCharFormat(), name, sizeOf(image, info->natural)));
+}
+
+void adoptImages(QTextCursor &cursor, const Run &run)
 {
     for (qsizetype index = run.text.size() - 1; index >= 0; --index) {
         if (run.text.at(index) == QChar::ObjectReplacementCharacter) {
             cursor.setPosition(run.position + int(index));
-            cursor.deleteChar();
+            adoptImage(cursor, run.format.toImageFormat());
         }
     }
 }
@@ -104,7 +156,7 @@ void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
 
 } // namespace
 
-std::unique_ptr<QTextDocument> pastedHtml(const QString &html, const QFont &font)
+QByteArray bodyOfHtml(const QString &html, const QFont &font)
 {
     std::unique_ptr<QTextDocument> document = std::make_unique<ClosedDocument>();
     document->setUndoRedoEnabled(false);
@@ -117,31 +169,17 @@ std::unique_ptr<QTextDocument> pastedHtml(const QString &html, const QFont &font
         cursor.setPosition(run->position);
         cursor.setPosition(run->position + int(run->text.size()), QTextCursor::KeepAnchor);
         adapt(cursor, run->format, font);
-        removeObjects(cursor, *run);
+        adoptImages(cursor, *run);
     }
     cursor.endEditBlock();
-    const QByteArray body = bodyFromDocument(*document);
-    auto kept = std::make_unique<QTextDocument>();
-    kept->setUndoRedoEnabled(false);
-    kept->setDefaultFont(font);
-    readBody(body, *kept);
-    return kept;
+    return bodyFromDocument(*document);
 }
 
 QImage imageOf(const QUrl &name)
 {
     QImage nothing(1, 1, QImage::Format_ARGB32);
     nothing.fill(Qt::transparent);
-    const QByteArray address = name.toEncoded();
-    const qsizetype comma = address.indexOf(',');
-    if (!isData(name) || comma < 0) {
-        return nothing;
-    }
-    const bool isBase64 = address.first(comma).endsWith(";base64");
-    QByteArray bytes = QByteArray::fromPercentEncoding(address.sliced(comma + 1));
-    if (isBase64) {
-        bytes = QByteArray::fromBase64(bytes);
-    }
+    QByteArray bytes = bytesOf(name);
     QBuffer buffer(&bytes);
     QImageReader reader(&buffer);
     const QSize size = reader.size();

@@ -6,6 +6,7 @@
 #include "editor/insertion.h"
 #include "editor/pastedtext.h"
 #include "editor/texttransfer.h"
+#include "richtext/body.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QClipboard>
@@ -80,6 +81,14 @@ QString stepOf(const QKeyEvent &event)
     }
     const bool erases = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete;
     return erases ? u"Delete"_s : u"Typing"_s;
+}
+
+/// HTML that is there for the sake of an image that is offered beside it.
+bool holdsNothing(const QString &html)
+{
+    QTextDocument read;
+    readBody(bodyOfHtml(html, QFont()), read);
+    return read.toPlainText().trimmed().isEmpty();
 }
 
 bool insertsText(const QString &text)
@@ -453,7 +462,8 @@ bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
 {
     return source
         && (source->hasFormat(rtfdFormat) || offersRtf(*source) || source->hasHtml()
-            || hasPlainText(*source));
+            || hasPlainText(*source)
+            || (m_foreignObjects.offers && m_foreignObjects.offers(*source)));
 }
 
 void TextEditor::pasteAndMatchStyle()
@@ -479,12 +489,29 @@ void TextEditor::insertFromMimeData(const QMimeData *source)
     if (!source || isReadOnly()) {
         return;
     }
+    if (takesObjects(*source)) {
+        m_foreignObjects.take(*source);
+        return;
+    }
     const QString step = m_undoNames.current().isEmpty() ? u"Paste"_s : m_undoNames.current();
     if (const std::unique_ptr<QTextDocument> pasted = documentOf(*source)) {
         insertDocument(*pasted, step);
     } else if (hasPlainText(*source)) {
         insertText(plainTextOf(*source), step);
     }
+}
+
+/// Files come before their names; an image comes after words, of which it may be but a rendering.
+bool TextEditor::takesObjects(const QMimeData &source) const
+{
+    const bool isText = source.hasFormat(rtfdFormat) || offersRtf(source);
+    if (isText || !m_foreignObjects.offers || !m_foreignObjects.offers(source)) {
+        return false;
+    }
+    const QList<QUrl> urls = source.urls();
+    const bool areFiles =
+        std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
+    return areFiles || (source.hasHtml() ? holdsNothing(source.html()) : !hasPlainText(source));
 }
 
 /// What is offered with a look, in the form that says most; null where there is none.
@@ -496,7 +523,9 @@ std::unique_ptr<QTextDocument> TextEditor::documentOf(const QMimeData &source)
     if (const QByteArray rtf = rtfOf(source); !rtf.isEmpty()) {
         return pastedBody(rtf, *m_content);
     }
-    return source.hasHtml() ? pastedHtml(source.html(), m_content->defaultFont()) : nullptr;
+    return source.hasHtml()
+        ? pastedBody(bodyOfHtml(source.html(), m_content->defaultFont()), *m_content)
+        : nullptr;
 }
 
 QVariant TextEditor::loadResource(int type, const QUrl &name)

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace quorvane {
@@ -32,6 +33,13 @@ public:
     enum class ShowResult { Shown, TooTall };
 
     static constexpr int referenceWidth = 760;
+
+    /// What becomes of files and images that other programs hand over.
+    struct ForeignObjects
+    {
+        std::function<bool(const QMimeData &source)> offers; ///< There are some.
+        std::function<bool(const QMimeData &source)> take; ///< Into the text, at the caret.
+    };
 
     explicit TextEditor(QWidget *parent = nullptr);
     ~TextEditor() override;
@@ -98,6 +106,8 @@ public:
 
     /// Draws over the text, in the viewport's coordinates, whenever it is painted.
     void addOverlay(std::function<void(QPainter &painter)> draw);
+
+    void setForeignObjects(ForeignObjects objects) { m_foreignObjects = std::move(objects); }
 
     QVariant loadResource(int type, const QUrl &name) override;
 
@@ -184,6 +194,7 @@ private:
     void restore(const Place &place);
     void restoreScroll(const Place &place);
     std::unique_ptr<QTextDocument> documentOf(const QMimeData &source);
+    bool takesObjects(const QMimeData &source) const;
 
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;
@@ -196,6 +207,7 @@ private:
     QList<QTextCharFormat> m_looks;
     LooksKey m_looksKey;
     std::vector<std::function<void(QPainter &)>> m_overlays;
+    ForeignObjects m_foreignObjects;
     std::optional<NSFont> m_typingFont;
     Bound m_bound; // at the reference width
     Bound m_narrow; // at most as wide

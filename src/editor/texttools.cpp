@@ -1,6 +1,8 @@
 #include "editor/texttools.h"
 
 #include "editor/adaptivecolours.h"
+#include "editor/attachmentediting.h"
+#include "editor/attachmentinsertion.h"
 #include "editor/characterstyles.h"
 #include "editor/columnresizing.h"
 #include "editor/dateinsertion.h"
@@ -13,6 +15,7 @@
 #include "editor/listediting.h"
 #include "editor/paragraphbreaks.h"
 #include "editor/paragraphstyles.h"
+#include "editor/pictureediting.h"
 #include "editor/ruler.h"
 #include "editor/statusbar.h"
 #include "editor/styletransfer.h"
@@ -33,6 +36,9 @@ struct TextTools::Tools
         : window(with.window)
         , sheets(with.sheets)
         , world(with.world)
+        , insertion(editor, commands, with.sheets, with.world)
+        , attachments(with, contextMenu)
+        , pictures(with, contextMenu)
     {
         window.addAboveText(new Ruler(editor, commands, with.view, sheets));
         window.addBelowText(&status);
@@ -55,6 +61,9 @@ struct TextTools::Tools
     TableMarks tableMarks {editor};
     ColumnResizing columns {editor};
     CharacterStyles characters {editor, commands};
+    AttachmentInsertion insertion;
+    AttachmentEditing attachments;
+    PictureEditing pictures; // its handles come before what lies under them
     TextColours colours {editor,
                          commands,
                          {window.formatToolbar(), sheets, world.printing.sheetOf, world.styles}};

@@ -47,6 +47,7 @@ public:
     RealProgram() = default;
 
     InMemoryDefaults defaults;
+    QString runtimePath; ///< For documents opened from now on: where copies for others may be.
 
     ~RealProgram()
     {
@@ -225,6 +226,7 @@ private:
             {m_queue, files, sheetOf, isOpen},
             workspace,
             m_styles,
+            runtimePath,
         };
         auto controller =
             std::make_unique<DocumentWindowController>(made, defaults, adapt, surroundings);
