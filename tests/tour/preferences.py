@@ -163,4 +163,6 @@ def about_tells_the_release(tour):
     screen.gone("frame", Names.about_title)
     screen.keys("ctrl+w")
     screen.press(Names.dont_save)
+    screen.find("push button", Names.new_document)
+    screen.wait("the start window with the keyboard", lambda: screen.find("frame").has("active"))
     tour.quit()
