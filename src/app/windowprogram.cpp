@@ -10,6 +10,7 @@
 #include "platform/recoveryfolder.h"
 #include "platform/securityscopedaccess.h"
 #include "platform_qt/dialogsheet.h"
+#include "platform_qt/enchantspelling.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -80,6 +81,7 @@ private:
     QtModalAlerts m_alerts {m_mainQueue};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
+    EnchantSpelling m_spelling;
     FileModeAccess m_access;
     QtURLLoader m_loader;
     QtBackgroundQueue m_background {m_mainQueue};
@@ -174,6 +176,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
+        m_spelling,
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);

@@ -1,5 +1,7 @@
 #include "editor/glyphicon.h"
 
+#include "editor/findglyphs.h"
+
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
@@ -90,7 +92,7 @@ public:
         painter->setPen(QGuiApplication::palette().color(group, role));
         if (m_glyph == Glyph::Padlock || m_glyph == Glyph::OpenPadlock) {
             drawPadlock(*painter, rect, m_glyph == Glyph::OpenPadlock);
-        } else {
+        } else if (!drawFindGlyph(*painter, rect, m_glyph)) {
             drawLetter(*painter, rect, m_glyph);
         }
         painter->restore();

@@ -3,7 +3,10 @@
 #include "editor/adaptivecolours.h"
 #include "editor/characterstyles.h"
 #include "editor/documentwindow.h"
+#include "editor/editorsurroundings.h"
 #include "editor/editorview.h"
+#include "editor/finding.h"
+#include "editor/spellchecking.h"
 #include "editor/statusbar.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
@@ -18,6 +21,9 @@ struct TextTools::Tools
     explicit Tools(const TextToolSurroundings &with)
         : editor(with.window.editor())
         , commands(with.window.commands())
+        , spelling(
+              {editor, commands, marks, contextMenu, with.view, with.sheets, with.world.spelling})
+        , finding(with.window, marks)
         , status(*new StatusBar(editor, commands))
     {
         with.window.addBelowText(&status);
@@ -31,7 +37,9 @@ struct TextTools::Tools
     VisibleMarks marks {editor};
     AdaptiveColours colours {editor, marks};
     TextContextMenu contextMenu {editor, commands};
+    SpellChecking spelling;
     CharacterStyles characters {editor, commands};
+    Finding finding;
     ViewZoom zoom {editor, commands};
     StatusBar &status; // the window's
 };
