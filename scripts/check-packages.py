@@ -10,7 +10,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 BEGIN, END = "<!-- packages: begin -->\n", "<!-- packages: end -->\n"
-GROUPS = ("run", "wayland", "tour", "test", "fuzz", "bench")
+GROUPS = ("run", "wayland", "tour", "test", "fuzz", "bench", "package")
 
 
 def packages():

@@ -5,6 +5,7 @@
 #include "shell/myscriptdecryptdoc.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
@@ -17,6 +18,7 @@ namespace quorvane {
 namespace {
 
 constexpr std::chrono::seconds busPatience {2};
+constexpr std::chrono::seconds firstCallPatience {10};
 constexpr int signalExitBase = 128; // as shells count
 
 // Whatever stands there without a document: a panel, an alert, a window to start from.
@@ -35,6 +37,22 @@ bool bringAnyWindowForward()
     return true;
 }
 
+void openDocuments(NSDocumentController &documents, const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        documents.openDocumentWithContentsOfURL(path);
+    }
+}
+
+void carryOut(const QString &action, const Desktop::Program &program)
+{
+    if (action == newDocumentAction) {
+        program.documents.newDocument();
+    } else if (action == preferencesAction) {
+        program.delegate.openPreferences();
+    }
+}
+
 bool everythingIsSaved(const NSDocumentController &documents)
 {
     const std::vector<NSDocument *> open = documents.documents();
@@ -48,14 +66,14 @@ Desktop::Desktop(BusConnector &sessionBus)
     : m_sessionBus(sessionBus)
 { }
 
-bool Desktop::isServedByAnother(const QStringList &files)
+bool Desktop::isServedByAnother(const StartRequest &request)
 {
     if (!m_sessionBus.waitForFinished(QDeadlineTimer(busPatience))) {
         std::fputs("quorvane: the session bus does not answer; going on without it\n", stderr);
         return false;
     }
     m_application.emplace(m_sessionBus.bus(), applicationId);
-    const DBusApplication::Start start = m_application->start(files);
+    const DBusApplication::Start start = m_application->start(request);
     if (start == DBusApplication::Start::Unanswered) {
         std::fputs("quorvane: the running program does not answer; starting another one\n", stderr);
     }
@@ -68,6 +86,7 @@ void Desktop::serve(const Program &program)
     followEnds(program);
     if (m_application) {
         followOtherStarts(program);
+        followScripts(program);
     }
     // Not needed for the first window, so that it need not share the machine with it.
     program.mainQueue.addOperation([this, program] {
@@ -97,40 +116,98 @@ void Desktop::followActivity(const Program &program)
     m_isActive = QGuiApplication::applicationState() == Qt::ApplicationActive;
 }
 
+void Desktop::begin(const Program &program, const StartRequest &request)
+{
+    m_hasBegun = true;
+    const bool bringsNew = request.actions.contains(newDocumentAction);
+    std::function<void()> work;
+    if (bringsNew || !request.files.isEmpty()) {
+        work = [&program, &request, bringsNew] {
+            openDocuments(program.documents, request.files);
+            if (bringsNew) {
+                carryOut(newDocumentAction, program);
+            }
+        };
+    }
+    program.begin(work);
+    // Over whatever the start has shown.
+    if (request.actions.contains(preferencesAction)) {
+        carryOut(preferencesAction, program);
+    }
+}
+
+void Desktop::beginWithFirstCall()
+{
+    QTimer::singleShot(firstCallPatience, this, [this] {
+        if (!m_hasBegun) {
+            QCoreApplication::quit();
+        }
+    });
+}
+
+void Desktop::perform(const Program &program, const std::function<void()> &work)
+{
+    if (std::exchange(m_hasBegun, true)) {
+        work();
+    } else {
+        program.begin(work);
+    }
+}
+
+void Desktop::activate(const Program &program)
+{
+    if (!m_hasBegun) {
+        begin(program, {});
+        return;
+    }
+    const std::vector<NSDocument *> open = program.documents.documents();
+    if (!open.empty()) {
+        open.back()->showWindows();
+    } else if (!bringAnyWindowForward()) {
+        program.startAnew();
+    }
+}
+
 // The caller has its answer before the work begins: it need not wait for a file to be read.
 void Desktop::followOtherStarts(const Program &program)
 {
     connect(&*m_application, &DBusApplication::openRequested, this,
-            [program](const QStringList &paths) {
-                program.mainQueue.addOperation([program, paths] {
-                    for (const QString &path : paths) {
-                        program.documents.openDocumentWithContentsOfURL(path);
+            [this, program](const QStringList &paths) {
+                program.mainQueue.addOperation([this, program, paths] {
+                    perform(program, [&] { openDocuments(program.documents, paths); });
+                });
+            });
+    connect(&*m_application, &DBusApplication::activateRequested, this, [this, program] {
+        program.mainQueue.addOperation([this, program] { activate(program); });
+    });
+    connect(&*m_application, &DBusApplication::actionRequested, this,
+            [this, program](const QString &action) {
+                program.mainQueue.addOperation([this, program, action] {
+                    if (m_hasBegun) {
+                        carryOut(action, program);
+                    } else {
+                        begin(program, {{}, {action}});
                     }
                 });
             });
-    m_application->setCreateDoc([program](const std::optional<QString> &text) {
-        return program.delegate.doCreateDocWithText(text);
+}
+
+void Desktop::followScripts(const Program &program)
+{
+    m_application->setCreateDoc([this, program](const std::optional<QString> &text) {
+        std::optional<QString> wrong;
+        perform(program, [&] { wrong = program.delegate.doCreateDocWithText(text); });
+        return wrong;
     });
-    connect(
-        &*m_application, &DBusApplication::decryptDocRequested, this,
-        [program](const QString &path, const std::optional<QString> &password) {
-            program.mainQueue.addOperation([program, path, password] {
-                MyScriptDecryptDoc(path, password).performDefaultImplementation(program.documents);
+    connect(&*m_application, &DBusApplication::decryptDocRequested, this,
+            [this, program](const QString &path, const std::optional<QString> &password) {
+                program.mainQueue.addOperation([this, program, path, password] {
+                    perform(program, [&] {
+                        MyScriptDecryptDoc(path, password)
+                            .performDefaultImplementation(program.documents);
+                    });
+                });
             });
-        });
-    connect(&*m_application, &DBusApplication::activateRequested, this, [program] {
-        program.mainQueue.addOperation([program] {
-            const std::vector<NSDocument *> open = program.documents.documents();
-            if (!open.empty()) {
-                open.back()->showWindows();
-            } else if (!bringAnyWindowForward()) {
-                program.startAnew();
-            }
-        });
-    });
-    connect(&*m_application, &DBusApplication::newDocumentRequested, this, [program] {
-        program.mainQueue.addOperation([program] { program.documents.newDocument(); });
-    });
 }
 
 void Desktop::followEnds(const Program &program)

@@ -1,10 +1,13 @@
 #include "app/windowprogram.h"
 
 #include "app/desktop.h"
+#include "app/readableplaceholders.h"
+#include "app/settingsnotice.h"
 #include "document/mydocument.h"
 #include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
+#include "editor/stylememory.h"
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
@@ -32,10 +35,19 @@
 #include <QClipboard>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QIcon>
 #include <QSet>
 #include <QUrl>
 
 #include <algorithm>
+#include <functional>
+
+// A library's resources are left out by the linker unless they are asked for, from outside of any
+// namespace.
+static void useIcons()
+{
+    Q_INIT_RESOURCE(icons);
+}
 
 namespace quorvane {
 
@@ -60,7 +72,8 @@ public:
     Program();
     ~Program();
 
-    void start(const QStringList &files);
+    /// Begins, with some work for documents or without any.
+    void start(const std::function<void()> &work);
     /// Closes all documents, with the questions that this takes, then ends the program.
     void quit();
     Desktop::Program forDesktop();
@@ -79,9 +92,11 @@ private:
     RecoveryFolder m_recovery {recoveryPath(), m_files};
     QtPanels m_panels {m_mainQueue};
     QtModalAlerts m_alerts {m_mainQueue};
+    SettingsNotice m_settingsNotice {m_defaults, m_alerts};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
     EnchantSpelling m_spelling;
+    StyleMemory m_styles;
     FileModeAccess m_access;
     QtURLLoader m_loader;
     QtBackgroundQueue m_background {m_mainQueue};
@@ -177,6 +192,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
         m_spelling,
+        m_styles,
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);
@@ -185,14 +201,15 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
     return controller;
 }
 
-void Program::start(const QStringList &files)
+void Program::start(const std::function<void()> &work)
 {
     m_delegate.applicationWillFinishLaunching();
-    for (const QString &file : files) {
-        m_documents.openDocumentWithContentsOfURL(file);
+    m_settingsNotice.tellHowTheyWereFound();
+    if (work) {
+        work();
     }
     m_documents.restoreRecoveredDocuments();
-    if (m_documents.documents().empty() && files.isEmpty()
+    if (m_documents.documents().empty() && !work
         && m_delegate.applicationShouldOpenUntitledFile()) {
         m_documents.newDocument();
     }
@@ -209,18 +226,32 @@ Desktop::Program Program::forDesktop()
             m_delegate.executeDocumentStartupAsInPref();
         }
     };
-    return {m_documents, m_delegate, m_defaults, m_mainQueue, startAnew, [this] {
+    const auto begin = [this](const std::function<void()> &work) {
+        start(work);
+    };
+    return {m_documents, m_delegate, m_defaults, m_mainQueue, begin, startAnew, [this] {
                 m_startWindow.end();
             }};
 }
 
-QStringList filesOfCommandLine(const QCoreApplication &application)
+struct CommandLine
 {
+    StartRequest request;
+    bool isStartedByBus; ///< The request comes over the session bus.
+};
+
+CommandLine readCommandLine(const QCoreApplication &application)
+{
+    const QCommandLineOption newDocument(QString(newDocumentAction), u"Begins a new document."_s);
+    const QCommandLineOption preferences(QString(preferencesAction), u"Shows the preferences."_s);
+    const QCommandLineOption service(u"dbus-service"_s,
+                                     u"Waits for a call on the session bus, which starts it so."_s);
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"A rich-text editor whose documents exist on disk only in encrypted form."_s);
     parser.addHelpOption();
     parser.addVersionOption();
+    parser.addOptions({newDocument, preferences, service});
     parser.addPositionalArgument(u"FILE"_s, u"Documents to open."_s, u"[FILE…]"_s);
     parser.process(application);
     QStringList files = parser.positionalArguments();
@@ -229,7 +260,25 @@ QStringList filesOfCommandLine(const QCoreApplication &application)
             file = url.toLocalFile();
         }
     }
-    return files;
+    QStringList actions;
+    for (const QCommandLineOption &option : {newDocument, preferences}) {
+        if (parser.isSet(option)) {
+            actions << option.names();
+        }
+    }
+    const bool isEmpty = files.isEmpty() && actions.isEmpty();
+    return {{files, actions}, isEmpty && parser.isSet(service)};
+}
+
+// Of pictures, since what draws the scalable icon need not be installed.
+QIcon programIcon()
+{
+    useIcons();
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128}) {
+        icon.addFile(u":/icons/%1.png"_s.arg(size), {size, size});
+    }
+    return icon;
 }
 
 // Help and version are told where there is no display, too.
@@ -264,23 +313,30 @@ int runWindowProgram(int argc, char **argv)
     QCoreApplication::setApplicationVersion(QVAppSupportUtility::calcReleaseString(releaseNumber));
     if (asksOnlyForWords(argc, argv)) {
         const QCoreApplication application(argc, argv);
-        filesOfCommandLine(application); // prints them and exits
+        readCommandLine(application); // prints them and exits
     }
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(productName);
-    QApplication::setDesktopFileName(u"quorvane"_s);
-    const QStringList files = filesOfCommandLine(application);
+    QApplication::setDesktopFileName(applicationId);
+    QApplication::setWindowIcon(programIcon());
+    const ReadablePlaceholders placeholders;
+    const CommandLine commandLine = readCommandLine(application);
     BusConnector sessionBus(QDBusConnection::SessionBus); // while the rest is made
     // The last document's window goes before the start window comes.
     QApplication::setQuitOnLastWindowClosed(false);
     Program program;
     Desktop desktop(sessionBus);
-    if (desktop.isServedByAnother(files)) {
+    if (desktop.isServedByAnother(commandLine.request)) {
         return 0;
     }
     QObject::connect(&application, &QCoreApplication::aboutToQuit, clearOwnClipboard);
-    desktop.serve(program.forDesktop());
-    program.start(files);
+    const Desktop::Program served = program.forDesktop();
+    desktop.serve(served);
+    if (commandLine.isStartedByBus) {
+        desktop.beginWithFirstCall();
+    } else {
+        desktop.begin(served, commandLine.request);
+    }
     return QApplication::exec();
 }
 

@@ -82,6 +82,8 @@ private:
 
         bool openFile(const QString &) override { return false; }
 
+        bool openLinkedFile(const QString &) override { return false; }
+
         void selectFileInFileViewer(const QString &) override { }
     };
 

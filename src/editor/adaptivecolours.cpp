@@ -119,7 +119,11 @@ void AdaptiveColours::markBlock(const QTextBlock &block, VisibleMarks::Marks &ma
         mark.cursor.setPosition(part.fragment().position());
         mark.cursor.setPosition(part.fragment().position() + part.fragment().length(),
                                 QTextCursor::KeepAnchor);
-        mark.format.setForeground(readableInk(ink, paper));
+        // Without a paper of its own the toolkit leaves out a mark that touches another one.
+        mark.format.setBackground(paper);
+        // What the document says nothing of may well be the strongest colour there is.
+        const QColor strongest = isDark(paper) ? Qt::white : Qt::black;
+        mark.format.setForeground(isInked ? readableInk(ink, paper) : strongest);
         marks << mark;
     }
 }

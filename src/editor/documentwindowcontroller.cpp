@@ -156,6 +156,9 @@ void DocumentWindowController::connectOutlets()
     m_document.modernToolbar = &m_window->modernToolbar();
     m_document.passwordToDecryptField = &m_window->lockedPage().passwordField();
     m_document.decryptProgressIndicator = &m_window->lockedPage().progressIndicator();
+    m_view->switches.reading = [this](double done) {
+        m_window->lockedPage().showReading(done);
+    };
     m_document.mandatoryPasswordSheet = m_mandatorySheet.get();
     m_document.changePasswordSheet = m_changeSheet.get();
     m_document.insertPasswordSheet = m_insertSheet.get();

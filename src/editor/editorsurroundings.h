@@ -7,6 +7,7 @@ namespace quorvane {
 
 class NSWorkspace;
 class Spelling;
+class StyleMemory;
 
 /// What the commands on a document's text ask of the world.
 struct EditorSurroundings
@@ -15,6 +16,7 @@ struct EditorSurroundings
     PrintingSurroundings printing;
     NSWorkspace &workspace;
     Spelling &spelling;
+    StyleMemory &styles;
 };
 
 } // namespace quorvane

@@ -28,7 +28,7 @@ bool EditorView::setBody(const std::optional<QByteArray> &body)
     }
     m_holdsSurplus = body && bodyHoldsSurplus(*body);
     auto document = std::make_unique<QTextDocument>();
-    readBody(body.value_or(QByteArray()), *document);
+    readBody(body.value_or(QByteArray()), *document, switches.reading);
     m_isTooTall = m_editor.showDocument(std::move(document)) == TextEditor::ShowResult::TooTall;
     if (m_isTooTall) {
         std::ignore = m_editor.showDocument(std::make_unique<QTextDocument>());

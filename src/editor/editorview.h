@@ -14,6 +14,7 @@ struct EditorSwitches
     std::function<void(bool)> ruler;
     std::function<void(bool)> spelling;
     std::function<void(bool)> adaptiveColours;
+    std::function<void(double done)> reading; ///< How much of a body is read, from 0 to 1.
 };
 
 /// The editor as its document sees it: bytes in, bytes out. What nobody edited goes out as the very

@@ -1,11 +1,7 @@
-#include "editor/findglyphs.h"
-
+#include "editor/glyphcanvas.h"
 #include "editor/glyphicon.h"
 
-#include <QPainter>
-#include <QPainterPath>
-
-#include <optional>
+#include <QTransform>
 
 namespace quorvane {
 
@@ -57,7 +53,7 @@ QPainterPath regularExpression()
     return path;
 }
 
-std::optional<QPainterPath> pathOf(Glyph glyph)
+QPainterPath pathOf(Glyph glyph)
 {
     switch (glyph) {
     case Glyph::Previous:
@@ -79,25 +75,16 @@ std::optional<QPainterPath> pathOf(Glyph glyph)
     case Glyph::RegularExpression:
         return regularExpression();
     default:
-        return std::nullopt;
+        return {};
     }
 }
 
 } // namespace
 
-bool drawFindGlyph(QPainter &painter, const QRectF &rect, Glyph glyph)
+void drawFindGlyph(GlyphCanvas &canvas, Glyph glyph)
 {
-    const std::optional<QPainterPath> path = pathOf(glyph);
-    if (!path) {
-        return false;
-    }
-    const double unit = rect.height() / 16;
-    painter.translate(rect.center().x() - 8 * unit, rect.top());
-    painter.scale(unit, unit);
-    const double width = glyph == Glyph::RegularExpression ? 1.6 : 1.4;
-    painter.strokePath(
-        *path, QPen(painter.pen().color(), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    return true;
+    constexpr double scale = GlyphCanvas::side / 16;
+    canvas.stroke(QTransform::fromScale(scale, scale).map(pathOf(glyph)));
 }
 
 } // namespace quorvane

@@ -36,6 +36,10 @@ public:
     NSSecureTextField &passwordField();
     NSProgressIndicator &progressIndicator();
 
+    /// How much of the text is read behind a right password, from 0 to 1. It is on the screen at
+    /// once: the main thread goes on reading.
+    void showReading(double done);
+
 signals:
     /// Return in the field, or the button; an empty password too.
     void passwordSubmitted(const QString &password);

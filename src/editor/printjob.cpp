@@ -2,6 +2,8 @@
 
 #include "editor/attachmentobject.h"
 #include "editor/heightestimate.h"
+#include "editor/listmarkpainter.h"
+#include "editor/tabstops.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/textproperties.h"
 
@@ -164,6 +166,10 @@ void PrintJob::paint(int page)
     context.clip = view.adjusted(0, 1, 0, -1);
     context.palette = paper();
     m_text->documentLayout()->draw(&m_painter, context);
+    const int first = m_text->documentLayout()->hitTest(view.topLeft(), Qt::FuzzyHit);
+    const QTextBlock block = m_text->findBlock(std::max(first, 0));
+    drawListMarks(m_painter, block, view, context.palette);
+    drawTabLeaders(m_painter, block, view, context.palette);
     m_painter.restore();
 }
 

@@ -5,10 +5,13 @@
 #include "editor/heightestimate.h"
 #include "editor/insertion.h"
 #include "editor/pastedtext.h"
+#include "editor/texttransfer.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPaintEvent>
@@ -198,6 +201,8 @@ void TextEditor::setContentHidden(bool hidden)
         CopiedText::clearClipboards(this);
         m_place = place();
         m_settling.stop();
+        m_looks.clear(); // the address of a link is one of them
+        m_looksKey = {};
         detach();
         m_standIn = std::make_unique<QTextDocument>();
         attach(m_standIn.get());
@@ -291,8 +296,10 @@ bool TextEditor::insertText(const QString &text, const QString &name)
         refuse();
         return false;
     }
-    QTextCursor cursor = textCursor();
-    insertCharacters(cursor, text);
+    handleTyped([this, &text] {
+        QTextCursor cursor = textCursor();
+        insertCharacters(cursor, text);
+    });
     ensureCursorVisible();
     return true;
 }
@@ -307,17 +314,24 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
         return;
     }
     const UndoNames::Scope scope(m_undoNames, stepOf(*event));
-    if (beginsStep(*event)) {
-        typeAsNewStep(event->text());
+    if (isReadOnly() || !insertsText(event->text())) {
+        m_typed = 0;
+        QTextEdit::keyPressEvent(event);
         return;
     }
-    QTextEdit::keyPressEvent(event);
+    handleTyped([this, event] {
+        if (beginsStep(*event)) {
+            typeAsNewStep(event->text());
+        } else {
+            QTextEdit::keyPressEvent(event);
+        }
+    });
 }
 
 // The toolkit makes one step of all that is typed in a row: an hour's work would go at once.
 bool TextEditor::beginsStep(const QKeyEvent &event)
 {
-    if (isReadOnly() || !isTyping(event)) {
+    if (!isTyping(event)) {
         m_typed = 0;
         return false;
     }
@@ -354,7 +368,11 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
         refuse();
         return;
     }
-    QTextEdit::inputMethodEvent(event);
+    if (event->commitString().isEmpty()) {
+        QTextEdit::inputMethodEvent(event);
+        return;
+    }
+    handleTyped([this, event] { QTextEdit::inputMethodEvent(event); });
 }
 
 void TextEditor::mousePressEvent(QMouseEvent *event)
@@ -436,6 +454,24 @@ bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
     return source
         && (source->hasFormat(rtfdFormat) || offersRtf(*source) || source->hasHtml()
             || hasPlainText(*source));
+}
+
+void TextEditor::pasteAndMatchStyle()
+{
+    const QMimeData *source = QGuiApplication::clipboard()->mimeData();
+    if (!source || isReadOnly()) {
+        return;
+    }
+    QString text;
+    if (hasPlainText(*source)) {
+        text = plainTextOf(*source);
+    } else if (const std::unique_ptr<QTextDocument> styled = documentOf(*source)) {
+        text = stringOf(*styled);
+    }
+    text.remove(QChar::ObjectReplacementCharacter); // stands for an attachment, and is none
+    if (!text.isEmpty()) {
+        insertText(text);
+    }
 }
 
 void TextEditor::insertFromMimeData(const QMimeData *source)

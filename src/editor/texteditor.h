@@ -59,6 +59,8 @@ public:
     /// The font of an empty document and of what is typed next; nothing leaves the fonts alone.
     void setTypingFont(const std::optional<NSFont> &font);
 
+    const std::optional<NSFont> &typingFont() const { return m_typingFont; }
+
     /// Changes the text by a cursor, in one step of undo of that name. The cursor begins as the
     /// editor's and becomes the editor's. What makes the text too tall is taken back at once, with
     /// tooTall() sent. \return false where the text cannot be edited.
@@ -70,8 +72,16 @@ public:
     /// Inserts a text in the place of the selection, in one step of undo. \return as above.
     bool insertDocument(const QTextDocument &inserted,
                         const QString &name = QStringLiteral("Paste"));
+    /// Gives each character that is selected another look, or what is typed next; attachments stay
+    /// as they are. In one step of undo. \return as edit.
+    bool changeLooks(const QString &name, const std::function<void(QTextCharFormat &look)> &change);
+    /// The looks of what is selected, each once, or of what is typed next. Kept until the text or
+    /// the selection is another one.
+    const QList<QTextCharFormat> &looks();
     /// Inserts characters in the place of the selection, in its look. \return as above.
     bool insertText(const QString &text, const QString &name = QStringLiteral("Paste"));
+    /// Inserts the characters that the clipboard holds, without a look of their own.
+    void pasteAndMatchStyle();
     /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
     bool hasRoomFor(double height);
 
@@ -141,8 +151,21 @@ private:
 
     bool beginsStep(const QKeyEvent &event);
     void typeAsNewStep(const QString &text);
+
+    /// What the looks were last asked for.
+    struct LooksKey
+    {
+        const QTextDocument *document = nullptr;
+        int revision = 0;
+        int from = 0;
+        int to = 0;
+        bool operator==(const LooksKey &) const = default;
+    };
+
     void attach(QTextDocument *document);
     void detach();
+    void leaveForeignLook();
+    void handleTyped(const std::function<void()> &insert);
     double heightAt(double width) const;
 
     double viewWidth() const { return viewport()->width() / zoom(); }
@@ -170,6 +193,8 @@ private:
     UndoNames m_undoNames;
     QElapsedTimer m_sinceTyping;
     int m_typed = 0; // characters of the step that typing adds to
+    QList<QTextCharFormat> m_looks;
+    LooksKey m_looksKey;
     std::vector<std::function<void(QPainter &)>> m_overlays;
     std::optional<NSFont> m_typingFont;
     Bound m_bound; // at the reference width

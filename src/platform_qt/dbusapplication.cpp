@@ -16,7 +16,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString interfaceName = u"org.freedesktop.Application"_s;
-const QString newDocumentAction = u"new-document"_s;
 constexpr uint doNotQueue = 4; // DBUS_NAME_FLAG_DO_NOT_QUEUE
 constexpr uint primaryOwner = 1; // DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER
 constexpr int attempts = 2;
@@ -76,7 +75,7 @@ DBusApplication::DBusApplication(const QDBusConnection &bus, const QString &name
     new ScriptingAdaptor(*this);
 }
 
-DBusApplication::Start DBusApplication::start(const QStringList &files)
+DBusApplication::Start DBusApplication::start(const StartRequest &request)
 {
     // The object first: whoever sees the name may call.
     if (!m_bus.isConnected() || !m_bus.registerObject(m_path, this)) {
@@ -86,7 +85,7 @@ DBusApplication::Start DBusApplication::start(const QStringList &files)
         if (takeName()) {
             return Start::First;
         }
-        const QDBusMessage reply = m_bus.call(handOver(files), QDBus::Block, m_patience);
+        const QDBusMessage reply = handOver(request);
         if (reply.type() == QDBusMessage::ReplyMessage) {
             m_bus.unregisterObject(m_path);
             return Start::HandedOver;
@@ -109,20 +108,43 @@ bool DBusApplication::takeName()
     return reply.arguments().value(0).toUInt() == primaryOwner;
 }
 
-QDBusMessage DBusApplication::handOver(const QStringList &files) const
+QList<QDBusMessage> DBusApplication::callsFor(const StartRequest &request) const
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(m_name, m_path, interfaceName,
-                                                       files.isEmpty() ? u"Activate"_s : u"Open"_s);
-    if (!files.isEmpty()) {
+    QList<QDBusMessage> calls;
+    const auto add = [this, &calls](const QString &method, const QVariantList &arguments) {
+        QDBusMessage call = QDBusMessage::createMethodCall(m_name, m_path, interfaceName, method);
+        call.setArguments(arguments + QVariantList {platformData()});
+        call.setAutoStartService(false);
+        calls << call;
+    };
+    if (!request.files.isEmpty()) {
         QStringList uris;
-        for (const QString &file : files) {
+        for (const QString &file : request.files) {
             uris << uriOf(file);
         }
-        call << uris;
+        add(u"Open"_s, {uris});
     }
-    call << platformData();
-    call.setAutoStartService(false);
-    return call;
+    for (const QString &action : request.actions) {
+        add(u"ActivateAction"_s, {action, QVariantList()});
+    }
+    if (calls.isEmpty()) {
+        add(u"Activate"_s, {});
+    }
+    return calls;
+}
+
+/// The first answer that is none, or the last one.
+QDBusMessage DBusApplication::handOver(const StartRequest &request) const
+{
+    QDBusMessage reply;
+    const QList<QDBusMessage> calls = callsFor(request);
+    for (const QDBusMessage &call : calls) {
+        reply = m_bus.call(call, QDBus::Block, m_patience);
+        if (reply.type() != QDBusMessage::ReplyMessage) {
+            break;
+        }
+    }
+    return reply;
 }
 
 void DBusApplication::open(const QStringList &uris)
@@ -141,11 +163,12 @@ void DBusApplication::open(const QStringList &uris)
 
 void DBusApplication::activateAction(const QString &name, bool hasParameter)
 {
-    if (name != newDocumentAction || hasParameter) {
+    const bool isKnown = name == newDocumentAction || name == preferencesAction;
+    if (!isKnown || hasParameter) {
         sendErrorReply(QDBusError::InvalidArgs, u"There is no such action"_s);
         return;
     }
-    Q_EMIT newDocumentRequested();
+    Q_EMIT actionRequested(name);
 }
 
 void DBusApplication::createDocWithText(const std::optional<QString> &text)

@@ -3,6 +3,8 @@
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
+#include <QLatin1StringView>
+#include <QList>
 #include <QObject>
 #include <QStringList>
 
@@ -11,6 +13,17 @@
 #include <utility>
 
 namespace quorvane {
+
+/// The actions that the desktop entry offers.
+inline constexpr QLatin1StringView newDocumentAction("new-document");
+inline constexpr QLatin1StringView preferencesAction("preferences");
+
+/// What a start is to bring; nothing in it: the program itself.
+struct StartRequest
+{
+    QStringList files; ///< Relative paths are counted from the folder of this process.
+    QStringList actions;
+};
 
 /// The one running program of a user: it owns a name on the session bus, and takes there what later
 /// starts and the desktop ask of it (org.freedesktop.Application of the Desktop Entry
@@ -30,9 +43,9 @@ public:
     /// \a patience is how long the other program has for its answer, in milliseconds.
     DBusApplication(const QDBusConnection &bus, const QString &name, int patience = 5000);
 
-    /// Takes the name, or hands \a files to the program that has it; without any, it comes forward.
-    /// Relative paths are counted from the folder of this process.
-    [[nodiscard]] Start start(const QStringList &files);
+    /// Takes the name, or hands \a request to the program that has it; an empty one brings that
+    /// program forward.
+    [[nodiscard]] Start start(const StartRequest &request);
 
     /// What makes a document for another program that hands over a text, or something that is none.
     /// It answers what is wrong, which the caller is told.
@@ -44,7 +57,7 @@ Q_SIGNALS:
     // Each on a call of its own, whose reply is sent on return.
     void activateRequested();
     void openRequested(const QStringList &paths);
-    void newDocumentRequested();
+    void actionRequested(const QString &name); ///< One of those above.
     void decryptDocRequested(const QString &path, const std::optional<QString> &password);
 
 private:
@@ -55,7 +68,8 @@ private:
     void createDocWithText(const std::optional<QString> &text);
     void activateAction(const QString &name, bool hasParameter);
     bool takeName();
-    QDBusMessage handOver(const QStringList &files) const;
+    QList<QDBusMessage> callsFor(const StartRequest &request) const;
+    QDBusMessage handOver(const StartRequest &request) const;
 
     QDBusConnection m_bus;
     QString m_name;

@@ -32,6 +32,16 @@ bool QtWorkspace::openFile(const QString &path)
     return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
+bool QtWorkspace::openLinkedFile(const QString &path)
+{
+    // By its real name: another one may only pretend to be harmless.
+    const QFileInfo file(QFileInfo(path).canonicalFilePath());
+    const bool isStarter =
+        file.suffix().compare("desktop"_L1, Qt::CaseInsensitive) == 0 || file.isExecutable();
+    const bool isHarmless = file.isDir() || (file.isFile() && !isStarter);
+    return file.exists() && isHarmless && openFile(file.filePath());
+}
+
 void QtWorkspace::selectFileInFileViewer(const QString &path)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();

@@ -88,10 +88,13 @@ QString decodeText(const QByteArray &bytes)
     return text;
 }
 
-void readText(const QByteArray &text, RtfSink &sink)
+void readText(const QByteArray &text, RtfSink &sink,
+              const std::function<void(double)> &progress = {})
 {
     if (formOf(text) == BodyForm::Rtf) {
-        RtfReader(text, sink).read();
+        RtfReader reader(text, sink);
+        reader.setProgress(progress);
+        reader.read();
         return;
     }
     const RtfTables tables;
@@ -113,7 +116,8 @@ BodyForm formOf(const QByteArray &body)
     return body.startsWith("{\\rtf") ? BodyForm::Rtf : BodyForm::PlainText;
 }
 
-void readBody(const QByteArray &body, QTextDocument &document)
+void readBody(const QByteArray &body, QTextDocument &document,
+              const std::function<void(double)> &progress)
 {
     const bool hadUndo = document.isUndoRedoEnabled();
     document.setUndoRedoEnabled(false);
@@ -123,7 +127,7 @@ void readBody(const QByteArray &body, QTextDocument &document)
     QTextCursor block(&document);
     block.beginEditBlock();
     TextDocumentSink sink(document);
-    readText(parts.text, sink);
+    readText(parts.text, sink, progress);
     block.endEditBlock();
     document.setModified(false);
     document.setUndoRedoEnabled(hadUndo);

@@ -9,6 +9,9 @@
 #include "richtext/rtftables.h"
 #include "richtext/rtftokenizer.h"
 
+#include <QVarLengthArray>
+
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -23,9 +26,14 @@ public:
     /// \a rtf and \a sink outlive the reader.
     RtfReader(QByteArrayView rtf, RtfSink &sink);
 
+    /// Is told now and then how much is read, from 0 to 1.
+    void setProgress(std::function<void(double done)> progress);
+
     void read();
 
 private:
+    void tellProgress();
+
     enum class Destination : uchar {
         Body,
         Fonts,
@@ -111,8 +119,8 @@ private:
     void symbol(uchar byte);
     void hex(uchar byte);
     void binary(QByteArrayView bytes);
-    void text(QByteArrayView bytes);
-    void bytes(QByteArrayView bytes);
+    void text(QByteArrayView bytes, bool isAscii);
+    void bytes(QByteArrayView bytes, bool isAscii);
     void unicode(int number);
     void unit(char16_t unit);
     void append(QStringView text);
@@ -172,7 +180,8 @@ private:
     qsizetype m_rewoundUntil = 0;
 
     QByteArray m_bytes; ///< Text that waits for its code page.
-    QString m_text; ///< Text that waits for a change of format.
+    QVarLengthArray<char16_t, 1024> m_text; ///< Text that waits for a change of format.
+    QString m_decoded; ///< Keeps its memory.
     bool m_paragraphIsEmpty = true;
 
     RtfTab m_tab; ///< What was said of the next tab stop.
@@ -193,6 +202,8 @@ private:
     int m_footnotes = 0;
     int m_asideFootnote = 0;
     std::optional<Ending> m_pendingEnding; ///< A paragraph's end that comes true with more text.
+    std::function<void(double)> m_progress;
+    qsizetype m_nextTold = 0;
 };
 
 } // namespace quorvane

@@ -446,6 +446,7 @@ void RtfReader::paragraphEnd()
         return;
     }
     m_sink.paragraphEnd(m_state.paragraph, m_state.character);
+    tellProgress();
     m_paragraphIsEmpty = true;
 }
 

@@ -254,7 +254,8 @@ void MainMenu::buildFormatMenu()
     addTextCommands(*menu, {Command::Bold, Command::Italic, Command::Underline});
     addTextMenu(*menu, u"&Character"_s,
                 {Command::Strikethrough, Command::Superscript, Command::Subscript, Command::Bigger,
-                 Command::Smaller, Command::TextColour, Command::HighlightColour});
+                 Command::Smaller, Command::TextColour, Command::LastTextColour,
+                 Command::HighlightColour, Command::LastHighlight});
     addTextCommands(*menu, {Command::ClearFormatting});
     menu->addSeparator();
     addTextMenu(*menu, u"&Heading"_s,
@@ -307,7 +308,8 @@ void MainMenu::buildViewMenu()
             return MenuItemState {
                 isUnlocked(), shows || !isUnlocked() ? u"Hide &Toolbar"_s : u"Show &Toolbar"_s, {}};
         });
-    addTextCommands(*menu, {TextCommand::ShowRuler, TextCommand::ShowStatusBar});
+    addTextCommands(*menu,
+                    {TextCommand::GoToToolbar, TextCommand::ShowRuler, TextCommand::ShowStatusBar});
     menu->addSeparator();
     addTextCommands(*menu, {TextCommand::ZoomIn, TextCommand::ZoomOut, TextCommand::ActualSize});
     menu->addSeparator();

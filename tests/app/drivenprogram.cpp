@@ -61,6 +61,17 @@ QString answerTo(const QString &command, const QString &argument)
         titles.sort();
         return titles.join(u'/');
     }
+    if (command == "windows"_L1) {
+        QStringList titles;
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        for (const QWidget *widget : widgets) {
+            if (widget->isVisible()) {
+                titles << titleOf(widget);
+            }
+        }
+        titles.sort();
+        return titles.join(u'/');
+    }
     if (command == "active"_L1) {
         return titleOf(QApplication::activeWindow());
     }

@@ -25,6 +25,12 @@ public:
 
     QStringList titles() { return tell(QStringLiteral("titles")).split(u'/', Qt::SkipEmptyParts); }
 
+    /// The titles of all windows that are shown, sorted.
+    QStringList windows()
+    {
+        return tell(QStringLiteral("windows")).split(u'/', Qt::SkipEmptyParts);
+    }
+
     qint64 id() const { return m_process.processId(); }
 
     /// Waits for the end. \return the exit code, or -1 for a crash.

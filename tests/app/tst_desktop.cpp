@@ -73,7 +73,10 @@ private Q_SLOTS:
     void aSecondStartHandsItsFilesOver_data();
     void aSecondStartHandsItsFilesOver();
     void aSecondStartWithoutFilesBringsTheFirstForward();
-    void theDesktopCanAskForANewDocument();
+    void anActionComesByTheBusOrAsAnOption_data();
+    void anActionComesByTheBusOrAsAnOption();
+    void theBusStartsTheProgramForACall_data();
+    void theBusStartsTheProgramForACall();
     void anotherProgramGetsAnEmptyDocument_data();
     void anotherProgramGetsAnEmptyDocument();
     void aScriptedPasswordUnlocksNothing();
@@ -194,15 +197,88 @@ void TestDesktop::aSecondStartWithoutFilesBringsTheFirstForward()
     QCOMPARE(first.titles(), (QStringList {u"a"_s, u"b"_s}));
 }
 
-void TestDesktop::theDesktopCanAskForANewDocument()
+void TestDesktop::anActionComesByTheBusOrAsAnOption_data()
 {
-    DrivenProgram program({file(u"a.quorvane"_s)});
-    QCOMPARE(program.titles(), QStringList {u"a"_s});
-    const QDBusMessage reply =
-        call(u"ActivateAction"_s, {u"new-document"_s, QVariantList(), QVariantMap()});
-    QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
-    QVERIFY(reply.arguments().isEmpty());
-    QTRY_COMPARE(program.titles(), (QStringList {u"Untitled"_s, u"a"_s}));
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("window");
+    QTest::newRow("a new document") << u"new-document"_s << u"Untitled"_s;
+    QTest::newRow("the preferences") << u"preferences"_s << u"General"_s;
+}
+
+void TestDesktop::anActionComesByTheBusOrAsAnOption()
+{
+    QFETCH(QString, action);
+    QFETCH(QString, window);
+    const QStringList both {window, u"a"_s};
+    const QString option = u"--"_s + action;
+    {
+        DrivenProgram program({file(u"a.quorvane"_s)});
+        QCOMPARE(program.windows(), QStringList {u"a"_s});
+        const QDBusMessage reply =
+            call(u"ActivateAction"_s, {action, QVariantList(), QVariantMap()});
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QVERIFY(reply.arguments().isEmpty());
+        QTRY_COMPARE(program.windows(), both);
+    }
+    {
+        DrivenProgram first({file(u"a.quorvane"_s)});
+        QCOMPARE(first.windows(), QStringList {u"a"_s});
+        DrivenProgram second({option});
+        QCOMPARE(second.exitCode(), 0);
+        QTRY_COMPARE(first.windows(), both);
+    }
+    DrivenProgram program({option, file(u"a.quorvane"_s)});
+    QCOMPARE(program.windows(), both);
+}
+
+void TestDesktop::theBusStartsTheProgramForACall_data()
+{
+    const QString application = u"org.freedesktop.Application"_s;
+    const QString own(applicationId);
+    const QVariantMap none;
+    const QStringList untitled {u"Untitled"_s};
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QStringList>("windows");
+    QTest::newRow("to come forward, it starts as by itself")
+        << application << u"Activate"_s << QVariantList {none} << untitled;
+    QTest::newRow("to open a file, that is all it shows")
+        << application << u"Open"_s
+        << QVariantList {QStringList {u"file://<folder>/a.quorvane"_s}, none}
+        << QStringList {u"a"_s};
+    QTest::newRow("for a new document, there is one")
+        << application << u"ActivateAction"_s
+        << QVariantList {u"new-document"_s, QVariantList(), none} << untitled;
+    QTest::newRow("for the preferences, they come on top")
+        << application << u"ActivateAction"_s
+        << QVariantList {u"preferences"_s, QVariantList(), none}
+        << QStringList {u"General"_s, u"Untitled"_s};
+    QTest::newRow("for a text, there is one document")
+        << own << u"CreateDocWithText"_s << QVariantList {u"some words"_s} << untitled;
+    QTest::newRow("for a script, that is all it shows")
+        << own << u"DecryptDoc"_s << QVariantList {u"<folder>/a.quorvane"_s, password}
+        << QStringList {u"a"_s};
+}
+
+void TestDesktop::theBusStartsTheProgramForACall()
+{
+    QFETCH(QString, interface);
+    QFETCH(QString, method);
+    QFETCH(QVariantList, arguments);
+    const auto placed = [this](const QString &text) {
+        return QString(text).replace(u"<folder>"_s, m_folder->path());
+    };
+    if (arguments[0].typeId() == QMetaType::QString) {
+        arguments[0] = placed(arguments[0].toString());
+    } else if (arguments[0].typeId() == QMetaType::QStringList) {
+        arguments[0] = QStringList {placed(arguments[0].toStringList().constFirst())};
+    }
+    DrivenProgram program({u"--dbus-service"_s});
+    QCOMPARE(program.windows(), QStringList());
+    QCOMPARE(call(method, arguments, interface).type(), QDBusMessage::ReplyMessage);
+    QFETCH(QStringList, windows);
+    QTRY_COMPARE(program.windows(), windows);
 }
 
 void TestDesktop::anotherProgramGetsAnEmptyDocument_data()

@@ -68,6 +68,7 @@ void TestAdaptiveColours::onlyWhatCannotBeReadIsShownOtherwise()
     QTextCursor cursor(document.get());
     cursor.insertText(u"plain "_s);
     cursor.insertText(u"black "_s, colours(Qt::black));
+    cursor.insertText(u"navy "_s, colours(QColor(0, 0, 130)));
     cursor.insertText(u"yellow "_s, colours(Qt::yellow));
     cursor.insertText(u"marked "_s, colours({}, QColor(255, 240, 120)));
     QTextTable *table = cursor.insertTable(1, 1);
@@ -89,7 +90,7 @@ void TestAdaptiveColours::onlyWhatCannotBeReadIsShownOtherwise()
     editor.show();
     editor.setPalette(paletteOn(QColor(30, 30, 30), Qt::white));
     adaptive.setEnabled(true);
-    const QStringList unreadable {u"black"_s, u"marked"_s, u"shaded"_s};
+    const QStringList unreadable {u"black"_s, u"navy"_s, u"marked"_s, u"shaded"_s};
     QTRY_COMPARE(shownOtherwise(), unreadable);
     editor.setContentHidden(true);
     QTRY_COMPARE(shownOtherwise(), QStringList());

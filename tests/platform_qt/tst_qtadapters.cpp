@@ -4,6 +4,8 @@
 #include "platform_qt/qtworkspace.h"
 
 #include <QDesktopServices>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -24,6 +26,8 @@ private Q_SLOTS:
     void aTimerMayBeDestroyedByItsOwnBlock();
     void onlyHarmlessAddressesAreOpened_data();
     void onlyHarmlessAddressesAreOpened();
+    void aLinkedFileIsOpenedUnlessItCouldRun_data();
+    void aLinkedFileIsOpenedUnlessItCouldRun();
 
 public Q_SLOTS:
 
@@ -139,6 +143,39 @@ void QtAdaptersTest::onlyHarmlessAddressesAreOpened()
     for (const QString &scheme : {u"http"_s, u"https"_s, u"mailto"_s, u"file"_s, u"javascript"_s}) {
         QDesktopServices::unsetUrlHandler(scheme);
     }
+}
+
+void QtAdaptersTest::aLinkedFileIsOpenedUnlessItCouldRun_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("executable");
+    QTest::addColumn<bool>("opened");
+    QTest::newRow("a text") << u"a.txt"_s << false << true;
+    QTest::newRow("a program") << u"a.txt"_s << true << false;
+    QTest::newRow("a starter of the desktop") << u"a.Desktop"_s << false << false;
+    QTest::newRow("none") << u""_s << false << false;
+}
+
+void QtAdaptersTest::aLinkedFileIsOpenedUnlessItCouldRun()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, executable);
+    QFETCH(bool, opened);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(name.isEmpty() ? u"nothing.txt"_s : name);
+    const QString alias = folder.filePath(u"alias.txt"_s);
+    if (QFile file(path); !name.isEmpty()) {
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.setPermissions(QFile::ReadOwner | (executable ? QFile::ExeOwner : QFile::WriteOwner));
+    }
+    QVERIFY(QFile::link(path, alias));
+    QDesktopServices::setUrlHandler(u"file"_s, this, "recordUrl");
+    for (const QString &asked : {path, alias}) {
+        m_opened.clear();
+        QCOMPARE(QtWorkspace().openLinkedFile(asked), opened);
+        QCOMPARE(m_opened.isEmpty(), !opened);
+    }
+    QDesktopServices::unsetUrlHandler(u"file"_s);
 }
 
 QTEST_MAIN(QtAdaptersTest)

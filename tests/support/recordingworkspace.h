@@ -22,10 +22,17 @@ public:
         return opens;
     }
 
+    bool openLinkedFile(const QString &path) override
+    {
+        openedLinkedFiles.append(path);
+        return opens;
+    }
+
     void selectFileInFileViewer(const QString &path) override { selectedFiles.append(path); }
 
     QList<QUrl> opened;
     QStringList openedFiles;
+    QStringList openedLinkedFiles;
     QStringList selectedFiles;
     bool opens = true; ///< What openURL answers.
 };

@@ -5,6 +5,7 @@
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
 #include "editor/lockedpage.h"
+#include "editor/stylememory.h"
 #include "editor/texteditor.h"
 #include "platform/posixpackagestore.h"
 #include "platform_qt/dialogsheet.h"
@@ -225,6 +226,7 @@ private:
             {m_queue, files, sheetOf, isOpen},
             workspace,
             m_spelling,
+            m_styles,
         };
         auto controller =
             std::make_unique<DocumentWindowController>(made, defaults, adapt, surroundings);
@@ -236,6 +238,7 @@ private:
 
     QtOperationQueue m_queue;
     QtTimers m_timers;
+    StyleMemory m_styles;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     PosixPackageStore m_packages;

@@ -1,0 +1,47 @@
+#include "editor/linksheet.h"
+
+#include "editor/textlinks.h"
+
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+LinkSheet::LinkSheet(const std::optional<QString> &text, const QString &address, bool isNew,
+                     QWidget *host)
+    : FormSheet(isNew ? u"Insert Link"_s : u"Edit Link"_s,
+                u"A web or mail address, or file: and the path of a file. Where no kind is told, "
+                "the address becomes one of https or mailto."_s,
+                isNew ? u"Insert"_s : u"Change"_s, host)
+    , m_address(new QLineEdit(address, this))
+{
+    form().setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    m_address->setPlaceholderText(u"https://"_s);
+    addField(u"&Address:"_s, m_address);
+    if (text) {
+        m_text = new QLineEdit(*text, this);
+        m_text->setPlaceholderText(u"The address"_s);
+        addField(u"&Text:"_s, m_text);
+    }
+    const auto judge = [this] {
+        confirmButton().setEnabled(!this->address().isEmpty());
+    };
+    connect(m_address, &QLineEdit::textChanged, this, judge);
+    judge();
+    setMinimumWidth(460);
+}
+
+std::optional<QString> LinkSheet::text() const
+{
+    return m_text ? std::optional(m_text->text()) : std::nullopt;
+}
+
+QString LinkSheet::address() const
+{
+    return completedAddress(m_address->text());
+}
+
+} // namespace quorvane

@@ -1,0 +1,374 @@
+#include "editor/documentwindow.h"
+#include "editor/tableediting.h"
+#include "editor/tablesheet.h"
+#include "editor/textcommands.h"
+#include "editor/textcontextmenu.h"
+#include "editor/texteditor.h"
+#include "richtext/body.h"
+#include "support/describedtext.h"
+#include "support/manualqueue.h"
+#include "support/scriptedwindow.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QTextTable>
+
+using namespace Qt::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+QString savedAndReadAgain(const QTextDocument &document)
+{
+    QTextDocument read;
+    read.setDefaultFont(document.defaultFont());
+    readBody(bodyFromDocument(document), read);
+    return DescribedText::of(read);
+}
+
+/// The words of a table by row: "a b*2 | c", where a cell that covers more tells how many rows and
+/// columns in "name*columns/rows".
+QString wordsOf(const QTextTable &table)
+{
+    QStringList rows;
+    for (int row = 0; row < table.rows(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < table.columns(); ++column) {
+            const QTextTableCell cell = table.cellAt(row, column);
+            if (cell.row() != row || cell.column() != column) {
+                continue;
+            }
+            QTextCursor cursor = cell.firstCursorPosition();
+            cursor.setPosition(cell.lastPosition(), QTextCursor::KeepAnchor);
+            const QString words = cursor.selectedText().replace(QChar(0x2029), u'+');
+            cells << (words.isEmpty() ? u"-"_s : words)
+                    + (cell.columnSpan() > 1 ? u"*%1"_s.arg(cell.columnSpan()) : QString())
+                    + (cell.rowSpan() > 1 ? u"/%1"_s.arg(cell.rowSpan()) : QString());
+        }
+        rows << cells.join(u' ');
+    }
+    return rows.join(u" | "_s);
+}
+
+} // namespace
+
+class TestTableEditing : public QObject
+{
+    Q_OBJECT
+
+private:
+    ManualQueue m_queue;
+    std::unique_ptr<ScriptedWindow> m_sheets;
+    std::unique_ptr<DocumentWindow> m_window;
+    std::unique_ptr<TextContextMenu> m_menu;
+    std::unique_ptr<TableEditing> m_tables;
+
+    TextEditor &editor() { return m_window->editor(); }
+
+    QTextDocument &content() { return *editor().content(); }
+
+    QTextTable &table()
+    {
+        return *qobject_cast<QTextTable *>(content().rootFrame()->childFrames().at(0));
+    }
+
+    void show(const QString &text)
+    {
+        auto document = std::make_unique<QTextDocument>();
+        document->setPlainText(text);
+        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+    }
+
+    void run(TextCommand command)
+    {
+        m_window->commands().validate();
+        m_window->commands().action(command).trigger();
+    }
+
+    void insertTable(int rows, int columns, bool hasHeader = false)
+    {
+        run(TextCommand::InsertTable);
+        m_queue.runAll();
+        auto *sheet = m_window->findChild<TableSheet *>();
+        QVERIFY(sheet && sheet->isVisible());
+        const auto counters = sheet->findChildren<QSpinBox *>();
+        counters.at(0)->setValue(rows);
+        counters.at(1)->setValue(columns);
+        sheet->findChild<QCheckBox *>()->setChecked(hasHeader);
+        QTest::keyClick(sheet, Qt::Key_Return);
+        m_queue.runAll();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    /// A table of one letter and one figure a cell, merged as told: row, column, rows, columns.
+    void showTable(int rows, int columns, const QList<TableArea> &merged = {})
+    {
+        show(u"before"_s);
+        editor().moveCursor(QTextCursor::End);
+        insertTable(rows, columns);
+        QTextTable &made = table();
+        for (const TableArea &area : merged) {
+            mergeTableCells(made, area);
+        }
+        for (int row = 0; row < rows; ++row) {
+            for (int column = 0; column < columns; ++column) {
+                const QTextTableCell cell = made.cellAt(row, column);
+                if (cell.row() == row && cell.column() == column) {
+                    cell.firstCursorPosition().insertText(
+                        QChar(u'a' + row) + QString::number(column), QTextCharFormat());
+                }
+            }
+        }
+        auto read = std::make_unique<QTextDocument>();
+        readBody(bodyFromDocument(content()), *read);
+        QCOMPARE(editor().showDocument(std::move(read)), TextEditor::ShowResult::Shown);
+    }
+
+    void select(const TableArea &area)
+    {
+        QTextTable &in = table();
+        QTextCursor cursor = in.cellAt(area.row, area.column).firstCursorPosition();
+        if (area.rows * area.columns > 1) {
+            const QTextTableCell last =
+                in.cellAt(area.row + area.rows - 1, area.column + area.columns - 1);
+            cursor.setPosition(last.firstPosition(), QTextCursor::KeepAnchor);
+        }
+        editor().setTextCursor(cursor);
+    }
+
+    void key(Qt::Key code, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(&editor(), code, modifiers);
+    }
+
+private slots:
+
+    void init()
+    {
+        m_tables.reset();
+        m_sheets = std::make_unique<ScriptedWindow>(m_queue);
+        m_window = std::make_unique<DocumentWindow>();
+        m_menu = std::make_unique<TextContextMenu>(editor(), m_window->commands());
+        m_tables =
+            std::make_unique<TableEditing>(editor(), m_window->commands(), *m_menu, *m_sheets);
+        m_window->show();
+    }
+
+    void aNewTableStandsBetweenParagraphsAndIsReadBack_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("caret");
+        QTest::addColumn<QString>("around");
+        QTest::newRow("in an empty text") << u""_s << 0 << u"T|"_s;
+        QTest::newRow("behind a text") << u"one"_s << 3 << u"one|T|"_s;
+        QTest::newRow("in a paragraph") << u"one two"_s << 3 << u"one|T| two"_s;
+        QTest::newRow("in an empty paragraph, which comes behind it")
+            << u"one\n\ntwo"_s << 4 << u"one|T||two"_s;
+        QTest::newRow("in an empty paragraph at the end") << u"one\n"_s << 4 << u"one|T|"_s;
+    }
+
+    void aNewTableStandsBetweenParagraphsAndIsReadBack()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, caret);
+        QFETCH(QString, around);
+        show(text);
+        QTextCursor cursor = editor().textCursor();
+        cursor.setPosition(caret);
+        editor().setTextCursor(cursor);
+        insertTable(2, 3, true);
+        QCOMPARE(editor().textCursor().currentTable(), &table());
+        QCOMPARE(editor().undoNames().undoName(), u"Insert Table"_s);
+        QStringList parts;
+        for (auto it = content().rootFrame()->begin(); !it.atEnd(); ++it) {
+            const bool isUnwritten = it.currentBlock().isValid()
+                && it.currentBlock().blockFormat().boolProperty(BeforeTable);
+            if (!isUnwritten) {
+                parts << (it.currentFrame() ? u"T"_s : it.currentBlock().text());
+            }
+        }
+        QCOMPARE(parts.join(u'|'), around);
+        QCOMPARE(savedAndReadAgain(content()), DescribedText::of(content()));
+        QTest::keyClicks(&editor(), u"bold"_s);
+        QVERIFY(editor().textCursor().charFormat().fontWeight() > QFont::Normal);
+        while (content().isUndoAvailable()) {
+            editor().undo();
+        }
+        QCOMPARE(content().toPlainText(), text);
+    }
+
+    void commandsChangeTheTableInOneStep_data();
+    void commandsChangeTheTableInOneStep();
+
+    void tabGoesOnAndAddsARowAtTheEnd()
+    {
+        showTable(2, 2);
+        select({0, 1});
+        key(Qt::Key_Tab);
+        QCOMPARE(editor().textCursor().selectedText(), u"b0"_s);
+        key(Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(editor().textCursor().selectedText(), u"a1"_s);
+        select({0, 0});
+        key(Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(!content().isUndoAvailable());
+        select({1, 1});
+        key(Qt::Key_Tab);
+        QCOMPARE(wordsOf(table()), u"a0 a1 | b0 b1 | - -"_s);
+        QCOMPARE(table().cellAt(editor().textCursor()).row(), 2);
+        QCOMPARE(editor().undoNames().undoName(), u"Insert Row"_s);
+        editor().undo();
+        QCOMPARE(wordsOf(table()), u"a0 a1 | b0 b1"_s);
+        key(Qt::Key_Tab, Qt::ControlModifier);
+        QVERIFY(wordsOf(table()).contains(u'\t'));
+    }
+
+    void deletingAWhollySelectedTableRemovesIt()
+    {
+        for (const Qt::Key pressed : {Qt::Key_Backspace, Qt::Key_Delete}) {
+            showTable(2, 2);
+            select({0, 0, 2, 1});
+            key(pressed); // a column alone is emptied
+            QCOMPARE(wordsOf(table()), u"- a1 | - b1"_s);
+            select({0, 0, 2, 2});
+            key(pressed);
+            QCOMPARE(content().toPlainText(), u"before\n"_s);
+            editor().undo();
+            QCOMPARE(wordsOf(table()), u"- a1 | - b1"_s);
+        }
+    }
+
+    void aTextWithNothingButATableIsEmptyWhenItGoes()
+    {
+        show(u""_s);
+        insertTable(1, 2);
+        run(TextCommand::DeleteTable);
+        QCOMPARE(content().blockCount(), 1);
+        QCOMPARE(DescribedText::of(content()), QString());
+    }
+
+    void oneCanWriteBeforeAndBehindATable()
+    {
+        show(u""_s);
+        insertTable(1, 1);
+        key(Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClicks(&editor(), u"up"_s);
+        key(Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClicks(&editor(), u"down"_s);
+        QVERIFY(DescribedText::of(content()).startsWith(u"{"_s));
+        QCOMPARE(content().firstBlock().text(), u"up"_s);
+        QCOMPARE(content().lastBlock().text(), u"down"_s);
+    }
+
+    void whatIsTypedIntoACellHasNoLookOfACell()
+    {
+        showTable(1, 2);
+        select({0, 0});
+        run(TextCommand::InsertRowBelow);
+        QTextTableCell cell = table().cellAt(1, 0);
+        QTextTableCellFormat format = cell.format().toTableCellFormat();
+        format.setBackground(Qt::yellow);
+        cell.setFormat(format);
+        select({0, 0});
+        select({1, 0});
+        QTest::keyClicks(&editor(), u"x"_s);
+        const QTextCharFormat typed = editor().textCursor().charFormat();
+        QVERIFY(!typed.hasProperty(QTextFormat::BackgroundBrush));
+        QVERIFY(!typed.hasProperty(QTextFormat::TableCellLeftPadding));
+        QVERIFY(table().cellAt(1, 0).format().hasProperty(QTextFormat::BackgroundBrush));
+    }
+
+    void aTextThatMayNotBeChangedHasNoCommandsOnTables()
+    {
+        showTable(2, 2);
+        select({1, 1});
+        m_window->setReadOnly(true);
+        for (const TextCommand command :
+             {TextCommand::InsertTable, TextCommand::InsertRowBelow, TextCommand::DeleteTable}) {
+            QVERIFY(!m_window->commands().action(command).isEnabled());
+        }
+        key(Qt::Key_Tab);
+        key(Qt::Key_Tab, Qt::ControlModifier);
+        select({0, 0, 2, 2});
+        key(Qt::Key_Delete);
+        QCOMPARE(wordsOf(table()), u"a0 a1 | b0 b1"_s);
+    }
+};
+
+void TestTableEditing::commandsChangeTheTableInOneStep_data()
+{
+    using Command = TextCommand;
+    using Areas = QList<TableArea>;
+    QTest::addColumn<Areas>("merged");
+    QTest::addColumn<TextCommand>("command");
+    QTest::addColumn<TableArea>("selected");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const Areas &merged, Command command,
+                        const TableArea &selected, const QString &expected) {
+        QTest::newRow(name) << merged << command << selected << expected;
+    };
+    row("a row above", {}, Command::InsertRowAbove, {0, 1},
+        u"- - - | a0 a1 a2 | b0 b1 b2 | c0 c1 c2"_s);
+    row("as many rows below as are selected", {}, Command::InsertRowBelow, {1, 0, 2, 1},
+        u"a0 a1 a2 | b0 b1 b2 | c0 c1 c2 | - - - | - - -"_s);
+    row("a row within a merged cell", {{0, 1, 2, 2}}, Command::InsertRowBelow, {0, 0},
+        u"a0 a1*2/3 | - | b0 | c0 c1 c2"_s);
+    row("a row beside cells merged across", {{1, 0, 1, 2}}, Command::InsertRowBelow, {1, 2},
+        u"a0 a1 a2 | b0*2 b2 | -*2 - | c0 c1 c2"_s);
+    row("a column to the left", {}, Command::InsertColumnLeft, {1, 0},
+        u"- a0 a1 a2 | - b0 b1 b2 | - c0 c1 c2"_s);
+    row("a column within a merged cell", {{0, 0, 2, 2}}, Command::InsertColumnRight, {2, 0},
+        u"a0*3/2 a2 | b2 | c0 - c1 c2"_s);
+    row("a column beside cells merged down", {{0, 1, 2, 1}}, Command::InsertColumnRight, {2, 1},
+        u"a0 a1/2 -/2 a2 | b0 b2 | c0 c1 - c2"_s);
+    row("a row goes", {}, Command::DeleteRows, {1, 2}, u"a0 a1 a2 | c0 c1 c2"_s);
+    row("a merged cell whose first row goes is kept", {{0, 1, 2, 2}}, Command::DeleteRows, {0, 0},
+        u"b0 a1*2 | c0 c1 c2"_s);
+    row("the row in the middle of a merged cell", {{0, 1, 3, 1}}, Command::DeleteRows, {1, 0},
+        u"a0 a1/2 a2 | c0 c2"_s);
+    row("rows with a whole merged cell", {{0, 0, 2, 2}}, Command::DeleteRows, {0, 0},
+        u"c0 c1 c2"_s);
+    row("columns go", {}, Command::DeleteColumns, {0, 0, 1, 2}, u"a2 | b2 | c2"_s);
+    row("a merged cell whose first column goes is kept", {{1, 0, 2, 2}}, Command::DeleteColumns,
+        {0, 0}, u"a1 a2 | b0/2 b2 | c2"_s);
+    row("cells are merged", {}, Command::MergeCells, {0, 0, 2, 2},
+        u"a0 a1+b0 b1*2/2 a2 | b2 | c0 c1 c2"_s);
+    row("what is merged takes whole cells", {{1, 1, 2, 1}}, Command::MergeCells, {0, 1, 2, 1},
+        u"a0 a1+b1/3 a2 | b0 b2 | c0 c2"_s);
+    row("a cell is split", {{1, 1, 2, 2}}, Command::SplitCell, {1, 1},
+        u"a0 a1 a2 | b0 b1 - | c0 - -"_s);
+}
+
+void TestTableEditing::commandsChangeTheTableInOneStep()
+{
+    QFETCH(QList<TableArea>, merged);
+    QFETCH(TextCommand, command);
+    QFETCH(TableArea, selected);
+    QFETCH(QString, expected);
+    showTable(3, 3, merged);
+    const QString before = DescribedText::of(content());
+    select(selected);
+    run(command);
+    QCOMPARE(wordsOf(table()), expected);
+    const QString after = DescribedText::of(content());
+    for (int row = 0; row < table().rows(); ++row) { // new cells look like the others
+        for (int column = 0; column < table().columns(); ++column) {
+            const auto format = table().cellAt(row, column).format().toTableCellFormat();
+            QCOMPARE(format.leftBorder(), 1.0);
+            QVERIFY(format.leftPadding() > 0);
+        }
+    }
+    QCOMPARE(savedAndReadAgain(content()), after);
+    editor().undo();
+    QVERIFY(!content().isUndoAvailable());
+    QCOMPARE(DescribedText::of(content()), before);
+    editor().redo();
+    QCOMPARE(DescribedText::of(content()), after);
+}
+
+Q_DECLARE_METATYPE(TableArea)
+
+QTEST_MAIN(TestTableEditing)
+#include "tst_tableediting.moc"
