@@ -17,7 +17,7 @@ WIDGETS = GUI | {"QtWidgets", "QtPrintSupport"}
 BELOW = {"platform"}
 ROOMS = {
     "platform": (set(), CORE, set()),
-    "platform_qt": (BELOW, WIDGETS | {"QtNetwork", "QtDBus"}, {"fontconfig"}),
+    "platform_qt": (BELOW, WIDGETS | {"QtNetwork", "QtDBus"}, {"fontconfig", "enchant-2"}),
     "product": (BELOW, CORE, set()),
     "crypto": (BELOW, CORE, {"openssl"}),
     "util": (BELOW | {"crypto"}, GUI, set()),

@@ -14,6 +14,7 @@
 #include "platform/runtimefolder.h"
 #include "platform/securityscopedaccess.h"
 #include "platform_qt/dialogsheet.h"
+#include "platform_qt/enchantspelling.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -95,6 +96,7 @@ private:
     SettingsNotice m_settingsNotice {m_defaults, m_alerts};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
+    EnchantSpelling m_spelling;
     StyleMemory m_styles;
     FileModeAccess m_access;
     QtURLLoader m_loader;
@@ -190,6 +192,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
+        m_spelling,
         m_styles,
         RuntimeFolder::sessionPath(),
     };

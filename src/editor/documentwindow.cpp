@@ -87,7 +87,7 @@ void DocumentWindow::addAboveText(QWidget *bar)
 
 void DocumentWindow::addBelowText(QWidget *bar)
 {
-    m_editorColumn->addWidget(bar);
+    m_editorColumn->insertWidget(m_editorColumn->indexOf(m_editor) + 1, bar);
 }
 
 NSToolbar &DocumentWindow::modernToolbar()

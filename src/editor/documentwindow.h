@@ -35,7 +35,8 @@ public:
 
     FormatToolbar &formatToolbar() const { return *m_toolbar; }
 
-    /// Puts a bar above or below the text, which the window owns from now on. It is on the editor's
+    /// Puts a bar next to the text, which the window owns from now on: between the text and the
+    /// bars that are there already. It is on the editor's
     /// page: nobody sees it while the document is locked.
     void addAboveText(QWidget *bar);
     void addBelowText(QWidget *bar);

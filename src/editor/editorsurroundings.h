@@ -8,6 +8,7 @@
 namespace quorvane {
 
 class NSWorkspace;
+class Spelling;
 class StyleMemory;
 
 /// What the commands on a document's text ask of the world.
@@ -16,6 +17,7 @@ struct EditorSurroundings
     TransferSurroundings transfer;
     PrintingSurroundings printing;
     NSWorkspace &workspace;
+    Spelling &spelling;
     StyleMemory &styles;
     /// Where readable copies for other programs may be put; empty where there is no such place. See
     /// RuntimeFolder.

@@ -40,5 +40,6 @@ private:
 void drawLetterGlyph(GlyphCanvas &canvas, Glyph glyph, const QColor &colour);
 void drawParagraphGlyph(GlyphCanvas &canvas, Glyph glyph);
 void drawObjectGlyph(GlyphCanvas &canvas, Glyph glyph);
+void drawFindGlyph(GlyphCanvas &canvas, Glyph glyph);
 
 } // namespace quorvane

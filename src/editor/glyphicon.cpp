@@ -18,6 +18,8 @@ void draw(GlyphCanvas &canvas, Glyph glyph, const QColor &colour)
         drawLetterGlyph(canvas, glyph, colour);
     } else if (glyph <= Glyph::Checklist) {
         drawParagraphGlyph(canvas, glyph);
+    } else if (glyph >= Glyph::Previous) {
+        drawFindGlyph(canvas, glyph);
     } else {
         drawObjectGlyph(canvas, glyph);
     }

@@ -30,6 +30,12 @@ enum class Glyph {
     More,
     Padlock,
     OpenPadlock,
+    Previous, // one found
+    Next,
+    Cross,
+    MatchCase,
+    WholeWords,
+    RegularExpression,
 };
 
 /// Of a tool's icon.

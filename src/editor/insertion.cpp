@@ -1,5 +1,6 @@
 #include "editor/insertion.h"
 
+#include "editor/textspan.h"
 #include "richtext/textproperties.h"
 
 #include <QString>
@@ -30,6 +31,19 @@ void insertCharacters(QTextCursor &cursor, const QString &text)
         }
     }
     cursor.endEditBlock();
+}
+
+void replaceCharacters(QTextCursor &cursor, const TextSpan &replaced, const QString &text)
+{
+    cursor.setPosition(replaced.from + 1);
+    const QTextCharFormat look = cursor.charFormat();
+    cursor.setPosition(replaced.from);
+    cursor.setPosition(replaced.end(), QTextCursor::KeepAnchor);
+    if (text.isEmpty()) {
+        cursor.removeSelectedText();
+    } else {
+        cursor.insertText(text, look);
+    }
 }
 
 } // namespace quorvane

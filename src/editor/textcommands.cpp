@@ -162,7 +162,7 @@ void TextCommands::attach(TextMenu menu, QMenu &shown)
             shown.addAction(u"None"_s)->setEnabled(false);
         }
     };
-    fill(); // an empty menu would never open
+    shown.addAction(u"None"_s)->setEnabled(false); // an empty menu would never open
     connect(&shown, &QMenu::aboutToShow, this, fill);
 }
 

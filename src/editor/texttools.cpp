@@ -9,6 +9,7 @@
 #include "editor/documentwindow.h"
 #include "editor/editorsurroundings.h"
 #include "editor/editorview.h"
+#include "editor/finding.h"
 #include "editor/headings.h"
 #include "editor/linkediting.h"
 #include "editor/linkfollowing.h"
@@ -17,6 +18,7 @@
 #include "editor/paragraphstyles.h"
 #include "editor/pictureediting.h"
 #include "editor/ruler.h"
+#include "editor/spellchecking.h"
 #include "editor/statusbar.h"
 #include "editor/styletransfer.h"
 #include "editor/tableediting.h"
@@ -36,6 +38,8 @@ struct TextTools::Tools
         : window(with.window)
         , sheets(with.sheets)
         , world(with.world)
+        , spelling(
+              {editor, commands, marks, contextMenu, with.view, with.sheets, with.world.spelling})
         , insertion(editor, commands, with.sheets, with.world)
         , attachments(with, contextMenu)
         , pictures(with, contextMenu)
@@ -55,6 +59,7 @@ struct TextTools::Tools
     VisibleMarks marks {editor};
     AdaptiveColours readable {editor, marks};
     TextContextMenu contextMenu {editor, commands};
+    SpellChecking spelling;
     LinkFollowing linkFollowing {editor, commands, contextMenu, sheets, world.workspace};
     LinkEditing links {editor, commands, sheets};
     TableEditing tables {editor, commands, contextMenu, sheets};
@@ -73,6 +78,7 @@ struct TextTools::Tools
     ParagraphBreaks breaks {editor, commands};
     ListEditing lists {editor, commands};
     DateInsertion dates {editor, commands};
+    Finding finding {window, marks};
     ViewZoom zoom {editor, commands};
     StatusBar &status {*new StatusBar(editor, commands)}; // the window's
 };

@@ -4,13 +4,15 @@
 
 #include <QScrollBar>
 
+#include <algorithm>
 #include <utility>
 
 namespace quorvane {
 
 namespace {
 constexpr int pauseMilliseconds = 300; // of somebody who types
-}
+constexpr int charactersAround = 300; // what is in view, as its lines begin and end outside
+} // namespace
 
 VisibleMarks::VisibleMarks(TextEditor &editor)
     : m_editor(editor)
@@ -30,6 +32,16 @@ void VisibleMarks::setSource(Layer layer, Source source)
 {
     m_sources[layer] = std::move(source);
     refresh();
+}
+
+TextSpan VisibleMarks::inView() const
+{
+    const QRect view = m_editor.viewport()->rect();
+    const int first = m_editor.cursorForPosition(view.topLeft()).position();
+    const int last = m_editor.cursorForPosition(view.bottomRight()).position();
+    const int from = std::max(0, first - charactersAround);
+    const int to = std::min(m_editor.document()->characterCount() - 1, last + charactersAround);
+    return {from, to - from};
 }
 
 void VisibleMarks::refresh()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editor/textspan.h"
+
 #include <QObject>
 #include <QTextBlock>
 #include <QTextEdit>
@@ -28,6 +30,9 @@ public:
     explicit VisibleMarks(TextEditor &editor);
 
     void setSource(Layer layer, Source source);
+
+    /// What of the text is in view, and a little more. A paragraph may be longer by far.
+    TextSpan inView() const;
 
     /// Asks the sources again, once this turn of the event loop is over.
     void refresh();

@@ -9,6 +9,7 @@
 #include "editor/texteditor.h"
 #include "platform/posixpackagestore.h"
 #include "platform_qt/dialogsheet.h"
+#include "platform_qt/enchantspelling.h"
 #include "platform_qt/qtfontmanager.h"
 #include "platform_qt/qtmodalalerts.h"
 #include "platform_qt/qtoperationqueue.h"
@@ -225,6 +226,7 @@ private:
             {{m_queue, files, panels, m_timers}, m_packages, isOpen},
             {m_queue, files, sheetOf, isOpen},
             workspace,
+            m_spelling,
             m_styles,
             runtimePath,
         };
@@ -242,6 +244,7 @@ private:
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     PosixPackageStore m_packages;
+    EnchantSpelling m_spelling;
     NobodyLoader m_loader;
     ImmediateBackground m_background;
     QList<QPointer<DocumentWindow>> m_windows;
