@@ -17,7 +17,7 @@ fi
 for program in "${programs[@]}"; do
     echo "== $(basename "$program")"
     case "$program" in
-        *_startup) "$root/scripts/with-x11" "$program" "$@" 2>/dev/null ;;
+        *_startup | *_editing) "$root/scripts/with-x11" "$program" "$@" 2>/dev/null ;;
         *) "$program" "$@" ;;
     esac
 done

@@ -1,10 +1,13 @@
 #include "app/windowprogram.h"
 
 #include "app/desktop.h"
+#include "app/readableplaceholders.h"
+#include "app/settingsnotice.h"
 #include "document/mydocument.h"
 #include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
+#include "editor/stylememory.h"
 #include "platform/posixfilestore.h"
 #include "platform/posixpackagestore.h"
 #include "platform/recoveryfolder.h"
@@ -78,8 +81,10 @@ private:
     RecoveryFolder m_recovery {recoveryPath(), m_files};
     QtPanels m_panels {m_mainQueue};
     QtModalAlerts m_alerts {m_mainQueue};
+    SettingsNotice m_settingsNotice {m_defaults, m_alerts};
     QtFontManager m_fontManager;
     QtWorkspace m_workspace;
+    StyleMemory m_styles;
     FileModeAccess m_access;
     QtURLLoader m_loader;
     QtBackgroundQueue m_background {m_mainQueue};
@@ -174,6 +179,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
         {{m_mainQueue, m_files, m_panels, m_timers}, m_packages, isOpen},
         {m_mainQueue, m_files, sheetOf, isOpen},
         m_workspace,
+        m_styles,
     };
     auto controller =
         std::make_unique<DocumentWindowController>(document, m_defaults, adapt, surroundings);
@@ -185,6 +191,7 @@ std::unique_ptr<NSWindowController> Program::loadNib(MyDocument &document)
 void Program::start(const QStringList &files)
 {
     m_delegate.applicationWillFinishLaunching();
+    m_settingsNotice.tellHowTheyWereFound();
     for (const QString &file : files) {
         m_documents.openDocumentWithContentsOfURL(file);
     }
@@ -266,6 +273,7 @@ int runWindowProgram(int argc, char **argv)
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(productName);
     QApplication::setDesktopFileName(u"quorvane"_s);
+    const ReadablePlaceholders placeholders;
     const QStringList files = filesOfCommandLine(application);
     BusConnector sessionBus(QDBusConnection::SessionBus); // while the rest is made
     // The last document's window goes before the start window comes.

@@ -19,6 +19,9 @@ public:
 
     ClearOutput(const QString &path, Kind kind);
 
+    /// Whether it is written to where it stands.
+    bool isStream() const;
+
     /// Why what stands there must stay; nothing where it may be replaced or written to.
     std::optional<Failure> refusal() const;
 
@@ -26,7 +29,6 @@ public:
     std::optional<Failure> write(const PackageEntries &entries) const;
 
 private:
-    bool isStream() const;
     int openStream() const;
     std::optional<Failure> refusalOfFile() const;
     std::optional<Failure> refusalOfFolder(const PackageEntries &entries) const;

@@ -1,3 +1,4 @@
+#include "cli/clearoutput.h"
 #include "cli/commands.h"
 #include "cli/content.h"
 #include "cli/passwords.h"
@@ -21,9 +22,23 @@ bool exists(const QString &path)
     return ::lstat(QFile::encodeName(path).constData(), &status) == 0;
 }
 
+// A device, a pipe, or the name of an open descriptor: a new file in its place would take it away.
+bool isSpecial(const QString &path)
+{
+    struct stat status = {};
+    return ClearOutput(path, ClearOutput::Kind::Bytes).isStream()
+        || (::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISBLK(status.st_mode));
+}
+
 std::optional<Failure> refusal(const Arguments &arguments)
 {
-    if (!exists(arguments.file()) || arguments.has("force")) {
+    if (!exists(arguments.file())) {
+        return std::nullopt;
+    }
+    if (isSpecial(arguments.file())) {
+        return Failure {ExitCode::CannotWrite, u"it is no ordinary file, and a document is one"_s};
+    }
+    if (arguments.has("force")) {
         return std::nullopt;
     }
     return Failure {ExitCode::CannotWrite, u"it exists; --force replaces it"_s};

@@ -15,6 +15,7 @@ enum class DocumentAction {
     DocumentPassword,
     RevertDocumentToSaved,
     RunPageLayout,
+    PrintPreview,
     PrintDocument,
     EditPublicNote,
     ImportFromTEXT,

@@ -67,6 +67,7 @@ bool QVCryptoDoc::validateUserInterfaceItem(DocumentAction action) const
     case DocumentAction::DocumentPassword:
     case DocumentAction::RevertDocumentToSaved:
     case DocumentAction::RunPageLayout:
+    case DocumentAction::PrintPreview:
     case DocumentAction::PrintDocument:
         return !m_isEncrypted;
     default:

@@ -3,6 +3,7 @@
 #include "document/mydocument.h"
 #include "editor/editorview.h"
 #include "editor/printjob.h"
+#include "editor/printpreview.h"
 #include "editor/texteditor.h"
 #include "richtext/body.h"
 
@@ -154,6 +155,24 @@ QPrinter &DocumentPrinter::printer()
 void DocumentPrinter::runPageLayout()
 {
     beginSheet(new QPageSetupDialog(&printer(), &m_window), [](int) {});
+}
+
+void DocumentPrinter::showPreview()
+{
+    auto *preview = new PrintPreview(*m_editor.content(), printer(), &m_window);
+    beginSheet(preview, [this](int code) {
+        // A sheet ends before the next one begins.
+        const auto next = code == PrintPreview::printCode ? &DocumentPrinter::printDocument
+            : code == PrintPreview::pageSetupCode         ? &DocumentPrinter::runPageLayout
+                                                          : nullptr;
+        if (next) {
+            m_surroundings.mainQueue.addOperation([self = QPointer(this), next] {
+                if (self && !self->m_document.isEncrypted()) {
+                    (self->*next)();
+                }
+            });
+        }
+    });
 }
 
 void DocumentPrinter::printDocument()

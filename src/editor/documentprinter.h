@@ -42,6 +42,8 @@ public:
     ~DocumentPrinter() override;
 
     void runPageLayout();
+    /// Shows the pages as they would be printed, in a sheet that leads on to printing.
+    void showPreview();
     void printDocument();
 
 private:

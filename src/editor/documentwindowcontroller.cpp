@@ -137,6 +137,10 @@ DocumentCommands DocumentWindowController::commands()
          [this] {
              m_printer->runPageLayout();
          }},
+        {DocumentAction::PrintPreview,
+         [this] {
+             m_printer->showPreview();
+         }},
         {DocumentAction::PrintDocument,
          [this] {
              m_printer->printDocument();

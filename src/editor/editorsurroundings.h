@@ -6,6 +6,7 @@
 namespace quorvane {
 
 class NSWorkspace;
+class StyleMemory;
 
 /// What the commands on a document's text ask of the world.
 struct EditorSurroundings
@@ -13,6 +14,7 @@ struct EditorSurroundings
     TransferSurroundings transfer;
     PrintingSurroundings printing;
     NSWorkspace &workspace;
+    StyleMemory &styles;
 };
 
 } // namespace quorvane

@@ -1,16 +1,20 @@
 #include "editor/formattoolbar.h"
 
+#include "editor/fontfields.h"
 #include "editor/glyphicon.h"
+#include "editor/paragraphstylebox.h"
 #include "editor/texteditor.h"
+#include "editor/toolstrip.h"
 
-#include <QDoubleValidator>
+#include <QApplication>
 #include <QFontComboBox>
+#include <QKeyEvent>
 #include <QLayout>
 #include <QLineEdit>
-#include <QLocale>
+#include <QMenu>
 #include <QToolButton>
 
-#include <array>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -18,20 +22,41 @@ namespace quorvane {
 
 namespace {
 
-constexpr double smallestSize = 1;
-constexpr double largestSize = 999;
-constexpr int fractionDigits = 2;
-constexpr std::array offeredSizes {8,  9,  10, 11, 12, 13, 14, 16, 18,
-                                   20, 24, 28, 32, 36, 48, 64, 72, 96};
-
-QString sizeText(double size)
+struct Icon
 {
-    return QLocale().toString(size, 'g', QLocale::FloatingPointShortest);
+    TextCommand command;
+    Glyph glyph;
+};
+
+constexpr Icon icons[] = {
+    {TextCommand::Bold, Glyph::Bold},
+    {TextCommand::Italic, Glyph::Italic},
+    {TextCommand::Underline, Glyph::Underline},
+    {TextCommand::Strikethrough, Glyph::Strikethrough},
+    {TextCommand::LastTextColour, Glyph::TextColour},
+    {TextCommand::LastHighlight, Glyph::Highlight},
+    {TextCommand::AlignLeft, Glyph::AlignLeft},
+    {TextCommand::AlignCentre, Glyph::AlignCentre},
+    {TextCommand::AlignRight, Glyph::AlignRight},
+    {TextCommand::Justify, Glyph::Justify},
+    {TextCommand::BulletedList, Glyph::BulletedList},
+    {TextCommand::NumberedList, Glyph::NumberedList},
+    {TextCommand::Checklist, Glyph::Checklist},
+    {TextCommand::InsertLink, Glyph::Link},
+    {TextCommand::InsertPicture, Glyph::Picture},
+    {TextCommand::InsertTable, Glyph::Table},
+    {TextCommand::Find, Glyph::Find},
+};
+
+QString plainTitle(const QAction &action)
+{
+    return action.text().remove(u'&').remove(u'…');
 }
 
-QString withShortcut(const QString &text, const QKeySequence &shortcut)
+QString tipOf(const QAction &action)
 {
-    return u"%1 (%2)"_s.arg(text, shortcut.toString(QKeySequence::NativeText));
+    const QString shortcut = action.shortcut().toString(QKeySequence::NativeText);
+    return shortcut.isEmpty() ? plainTitle(action) : u"%1 (%2)"_s.arg(plainTitle(action), shortcut);
 }
 
 } // namespace
@@ -40,121 +65,251 @@ FormatToolbar::FormatToolbar(TextEditor &editor, TextCommands &commands, QWidget
     : QToolBar(u"Format"_s, parent)
     , m_editor(editor)
     , m_commands(commands)
+    , m_fonts(new FontFields(editor, this))
+    , m_strip(new ToolStrip(this))
 {
+    m_fonts->setParent(this);
     setObjectName(u"formatToolbar"_s);
+    setAccessibleName(u"Format"_s);
     setMovable(false);
     setFloatable(false);
-    setIconSize(QSize(18, 18));
+    setIconSize(glyphSize);
     layout()->setSpacing(4);
     layout()->setContentsMargins(6, 3, 6, 3);
-    addStyle(TextCommand::Bold, glyphIcon(Glyph::Bold), u"Bold"_s);
-    addStyle(TextCommand::Italic, glyphIcon(Glyph::Italic), u"Italic"_s);
-    addStyle(TextCommand::Underline, glyphIcon(Glyph::Underline), u"Underline"_s);
-    addSeparator();
-    addFamilies();
-    addSizes();
-    connect(&m_editor, &QTextEdit::currentCharFormatChanged, this, &FormatToolbar::showFormat);
-    connect(&m_editor, &QTextEdit::cursorPositionChanged, this,
-            [this] { showFormat(m_editor.currentCharFormat()); });
-    connect(&m_editor, &TextEditor::contentReplaced, this,
-            [this] { showFormat(m_editor.currentCharFormat()); });
-    showFormat(m_editor.currentCharFormat());
+    giveIcons();
+    addWidget(m_strip);
+    addGroups();
+    QToolButton *find = button(TextCommand::Find);
+    addWidget(find);
+    defineKey();
+    connect(&m_editor, &TextEditor::contentHiddenChanged, m_strip, &ToolStrip::closePanel);
 }
 
-void FormatToolbar::addStyle(TextCommand command, const QIcon &icon, const QString &tip)
+void FormatToolbar::giveIcons()
 {
-    QAction &action = m_commands.action(command);
-    action.setIcon(icon);
-    action.setIconVisibleInMenu(false);
-    action.setToolTip(withShortcut(tip, action.shortcut()));
-    addAction(&action);
-}
-
-void FormatToolbar::addFamilies()
-{
-    m_family = new QFontComboBox(this);
-    m_family->setAccessibleName(u"Font"_s);
-    m_family->setToolTip(u"Font"_s);
-    m_family->setMinimumContentsLength(10);
-    m_family->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_family->setMaximumWidth(220);
-    m_family->setFocusPolicy(Qt::ClickFocus);
-    addWidget(m_family);
-    connect(m_family, &QComboBox::textActivated, this, [this](const QString &family) {
-        QTextCharFormat format;
-        format.setFontFamilies({family});
-        apply(format);
-    });
-}
-
-void FormatToolbar::addSizes()
-{
-    m_size = new QComboBox(this);
-    m_size->setAccessibleName(u"Font Size"_s);
-    m_size->setToolTip(u"Font Size"_s);
-    m_size->setEditable(true);
-    m_size->setInsertPolicy(QComboBox::NoInsert);
-    m_size->setCompleter(nullptr);
-    m_size->setFocusPolicy(Qt::ClickFocus);
-    for (const int size : offeredSizes) {
-        m_size->addItem(sizeText(size));
+    for (const Icon &icon : icons) {
+        QAction &action = m_commands.action(icon.command);
+        action.setIcon(glyphIcon(icon.glyph));
+        action.setIconVisibleInMenu(false);
     }
-    m_size->setValidator(new QDoubleValidator(smallestSize, largestSize, fractionDigits, m_size));
-    m_size->setMinimumContentsLength(4);
-    m_size->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    addWidget(m_size);
-    connect(m_size, &QComboBox::activated, this,
-            [this](int index) { applySize(m_size->itemText(index)); });
-    connect(m_size->lineEdit(), &QLineEdit::returnPressed, this,
-            [this] { applySize(m_size->currentText()); });
+}
+
+// The higher the number, the earlier a group has no room.
+void FormatToolbar::addGroups()
+{
+    auto *style = new ParagraphStyleBox(m_commands, this);
+    addTool(style);
+    addTool(m_fonts->family());
+    addTool(m_fonts->size());
+    using Command = TextCommand;
+    m_strip->addGroup({style}, 2);
+    m_strip->addGroup({m_fonts->family(), m_fonts->size()}, 3);
+    m_strip->addGroup({button(Command::Bold), button(Command::Italic), button(Command::Underline),
+                       button(Command::Strikethrough)},
+                      0);
+    m_strip->addGroup({button(Command::LastTextColour), chooser(Command::TextColour),
+                       button(Command::LastHighlight), chooser(Command::HighlightColour)},
+                      1);
+    m_strip->addGroup({menuButton(u"Alignment"_s, std::nullopt,
+                                  {Command::AlignLeft, Command::AlignCentre, Command::AlignRight,
+                                   Command::Justify}),
+                       menuButton(u"Spacing"_s, Glyph::LineSpacing,
+                                  {Command::SingleSpacing, Command::WiderSpacing,
+                                   Command::DoubleSpacing, Command::Paragraph})},
+                      5);
+    m_strip->addGroup(
+        {button(Command::BulletedList), button(Command::NumberedList), button(Command::Checklist)},
+        4);
+    m_strip->addGroup(
+        {button(Command::InsertLink), button(Command::InsertPicture), button(Command::InsertTable)},
+        6);
+    addTool(m_strip->moreButton());
+}
+
+void FormatToolbar::addTool(QWidget *tool)
+{
+    tool->installEventFilter(this);
+    if (auto *choice = qobject_cast<QComboBox *>(tool)) {
+        choice->setFocusPolicy(Qt::StrongFocus);
+        if (choice->lineEdit()) {
+            choice->lineEdit()->installEventFilter(this);
+        }
+    }
+    m_tools.push_back(tool);
+}
+
+QToolButton *FormatToolbar::button(TextCommand command)
+{
+    auto *made = new QToolButton(this);
+    QAction &action = m_commands.action(command);
+    const auto follow = [made, &action] {
+        made->setAccessibleName(plainTitle(action));
+        if (const QString tip = tipOf(action); action.toolTip() != tip) {
+            action.setToolTip(tip);
+        }
+    };
+    made->setDefaultAction(&action);
+    made->setAutoRaise(true);
+    made->setIconSize(glyphSize);
+    made->setFocusPolicy(Qt::TabFocus);
+    connect(&action, &QAction::changed, made, follow);
+    follow();
+    addTool(made);
+    return made;
+}
+
+QToolButton *FormatToolbar::chooser(TextCommand command)
+{
+    constexpr QSize size(12, 18);
+    m_commands.action(command).setIcon(glyphIcon(Glyph::Choose));
+    m_commands.action(command).setIconVisibleInMenu(false);
+    QToolButton *made = button(command);
+    made->setIconSize(size);
+    return made;
+}
+
+QToolButton *FormatToolbar::menuButton(const QString &name, std::optional<Glyph> glyph,
+                                       std::initializer_list<TextCommand> commands)
+{
+    auto *made = new QToolButton(this);
+    auto *menu = new QMenu(made);
+    for (const TextCommand command : commands) {
+        menu->addAction(&m_commands.action(command));
+    }
+    made->setMenu(menu);
+    made->setPopupMode(QToolButton::InstantPopup);
+    made->setAutoRaise(true);
+    made->setIconSize(glyphSize);
+    made->setFocusPolicy(Qt::TabFocus);
+    made->setAccessibleName(name);
+    made->setToolTip(name);
+    made->setIcon(glyph ? glyphIcon(*glyph) : menu->actions().first()->icon());
+    const auto follow = [this, made, showsCurrent = !glyph] {
+        followMenu(*made, showsCurrent);
+    };
+    for (QAction *action : menu->actions()) {
+        connect(action, &QAction::changed, made, follow);
+    }
+    connect(menu, &QMenu::aboutToShow, &m_commands, &TextCommands::validate);
+    connect(menu, &QMenu::triggered, &m_editor, [this] { m_editor.setFocus(); });
+    follow();
+    addTool(made);
+    return made;
+}
+
+void FormatToolbar::followMenu(QToolButton &button, bool showsCurrent)
+{
+    const QList<QAction *> actions = button.menu()->actions();
+    button.setEnabled(std::any_of(actions.begin(), actions.end(),
+                                  [](const QAction *action) { return action->isEnabled(); }));
+    const auto current = std::find_if(actions.begin(), actions.end(),
+                                      [](const QAction *action) { return action->isChecked(); });
+    if (showsCurrent && current != actions.end()) {
+        button.setIcon((*current)->icon());
+    }
 }
 
 void FormatToolbar::addLockAction(QAction *action)
 {
-    auto *space = new QWidget(this);
-    space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    addWidget(space);
     addAction(action);
-    if (auto *button = qobject_cast<QToolButton *>(widgetForAction(action))) {
-        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    if (auto *lock = qobject_cast<QToolButton *>(widgetForAction(action))) {
+        lock->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        lock->setFocusPolicy(Qt::TabFocus);
+        addTool(lock);
     }
 }
 
 void FormatToolbar::setFormattingEnabled(bool enabled)
 {
-    m_family->setEnabled(enabled);
-    m_size->setEnabled(enabled);
+    m_fonts->setEnabled(enabled);
 }
 
-void FormatToolbar::applySize(const QString &text)
+QWidget *FormatToolbar::shownWidget(TextCommand command) const
 {
-    bool isNumber = false;
-    const double size = QLocale().toDouble(text, &isNumber);
-    if (!isNumber || size < smallestSize || size > largestSize) {
-        showFormat(m_editor.currentCharFormat());
+    const QAction *action = &m_commands.action(command);
+    const auto tool = std::find_if(m_tools.begin(), m_tools.end(), [action](const QWidget *one) {
+        const auto *made = qobject_cast<const QToolButton *>(one);
+        return made && made->defaultAction() == action;
+    });
+    if (!isVisible() || tool == m_tools.end()) {
+        return nullptr;
+    }
+    return (*tool)->isVisible() ? *tool : m_strip->moreButton();
+}
+
+// --- Keys -----------------------------------------------------------------------------------
+
+void FormatToolbar::defineKey()
+{
+    m_commands.define(
+        TextCommand::GoToToolbar,
+        [this] {
+            if (isAncestorOf(QApplication::focusWidget())) {
+                leave();
+            } else {
+                moveFocus(nullptr, 1);
+            }
+        },
+        [this] {
+            return MenuItemState {!isHidden(), {}, {}};
+        });
+}
+
+bool FormatToolbar::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto *choice = qobject_cast<const QComboBox *>(watched);
+    if (event->type() == QEvent::Wheel && choice && !choice->hasFocus()) {
+        event->ignore(); // whoever turns the wheel over the bar means no other font
+        return true;
+    }
+    if (event->type() != QEvent::KeyPress) {
+        return QToolBar::eventFilter(watched, event);
+    }
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    if (key == Qt::Key_Escape) {
+        m_strip->closePanel();
+        leave();
+        return true;
+    }
+    const bool isField = qobject_cast<QLineEdit *>(watched);
+    if (auto *pressed = qobject_cast<QToolButton *>(watched);
+        pressed && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Down)) {
+        if (pressed->menu()) {
+            pressed->showMenu();
+        } else if (key != Qt::Key_Down) {
+            pressed->click();
+        }
+        return true;
+    }
+    const bool isSideways = key == Qt::Key_Left || key == Qt::Key_Right;
+    if (!isField && isSideways) {
+        const bool goesOn = (key == Qt::Key_Right) == (layoutDirection() == Qt::LeftToRight);
+        moveFocus(watched, goesOn ? 1 : -1);
+        return true;
+    }
+    return QToolBar::eventFilter(watched, event);
+}
+
+void FormatToolbar::moveFocus(const QObject *from, int step)
+{
+    QList<QWidget *> shown;
+    std::copy_if(m_tools.begin(), m_tools.end(), std::back_inserter(shown), [from](QWidget *tool) {
+        const bool isBeside =
+            !from || tool->window() == static_cast<const QWidget *>(from)->window();
+        return tool->isVisible() && tool->isEnabled() && isBeside;
+    });
+    if (shown.isEmpty()) {
         return;
     }
-    QTextCharFormat format;
-    format.setFontPointSize(size);
-    apply(format);
+    const auto at = std::find(shown.begin(), shown.end(), from);
+    const qsizetype index = at == shown.end() ? -1 : at - shown.begin();
+    const qsizetype next = (index + step + shown.size()) % shown.size();
+    shown[next]->setFocus(Qt::TabFocusReason);
 }
 
-void FormatToolbar::apply(const QTextCharFormat &format)
+void FormatToolbar::leave()
 {
-    m_editor.applyCharFormat(format);
-    showFormat(m_editor.currentCharFormat());
     m_editor.setFocus();
-}
-
-void FormatToolbar::showFormat(const QTextCharFormat &format)
-{
-    const QFont font = format.font().resolve(m_editor.document()->defaultFont());
-    if (m_family->currentText() != font.family()) {
-        const QSignalBlocker quiet(m_family);
-        m_family->setEditText(font.family());
-    }
-    m_size->setEditText(
-        sizeText(font.pointSizeF() > 0 ? font.pointSizeF() : QFontInfo(font).pointSizeF()));
 }
 
 } // namespace quorvane

@@ -4,15 +4,19 @@
 
 #include <QToolBar>
 
-class QComboBox;
-class QFontComboBox;
-class QTextCharFormat;
+#include <optional>
+
+class QToolButton;
 
 namespace quorvane {
 
+class FontFields;
 class TextEditor;
+class ToolStrip;
+enum class Glyph;
 
-/// The bar that shows and sets the style of the text at the caret.
+/// The bar that shows and sets the style of the text at the caret. Its tools are the commands on
+/// the text; what has no room stands in a panel at its end.
 class FormatToolbar final : public QToolBar
 {
     Q_OBJECT
@@ -26,18 +30,30 @@ public:
     /// Off for a text that cannot be edited.
     void setFormattingEnabled(bool enabled);
 
+    /// What the bar shows for a command: its button, or the one that leads to it. Null where the
+    /// bar is not seen.
+    QWidget *shownWidget(TextCommand command) const;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
-    void addStyle(TextCommand command, const QIcon &icon, const QString &tip);
-    void addFamilies();
-    void addSizes();
-    void apply(const QTextCharFormat &format);
-    void applySize(const QString &text);
-    void showFormat(const QTextCharFormat &format);
+    void giveIcons();
+    void addGroups();
+    QToolButton *button(TextCommand command);
+    QToolButton *chooser(TextCommand command);
+    QToolButton *menuButton(const QString &name, std::optional<Glyph> glyph,
+                            std::initializer_list<TextCommand> commands);
+    void followMenu(QToolButton &button, bool showsCurrent);
+    void addTool(QWidget *tool);
+    void defineKey();
+    void moveFocus(const QObject *from, int step);
+    void leave();
 
     TextEditor &m_editor;
     TextCommands &m_commands;
-    QFontComboBox *m_family = nullptr;
-    QComboBox *m_size = nullptr;
+    FontFields *m_fonts;
+    ToolStrip *m_strip;
+    QList<QWidget *> m_tools; // in the order of the arrow keys
 };
 
 } // namespace quorvane

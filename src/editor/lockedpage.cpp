@@ -1,7 +1,8 @@
 #include "editor/lockedpage.h"
 
 #include "editor/capslocknotice.h"
-#include "editor/glyphicon.h"
+#include "editor/glyphpicture.h"
+#include "editor/palelabel.h"
 #include "editor/publicnoteview.h"
 
 #include <QBoxLayout>
@@ -19,22 +20,6 @@ namespace quorvane {
 namespace {
 
 constexpr int padlockExtent = 44;
-
-class Picture final : public QWidget
-{
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        m_icon.paint(&painter, rect());
-    }
-
-private:
-    QIcon m_icon = glyphIcon(Glyph::Padlock);
-};
 
 /// A name that is too long for its place is cut in the middle.
 class NameLabel final : public QLabel
@@ -113,9 +98,8 @@ LockedPage::LockedPage(QWidget *parent)
     m_note->setForReading();
     m_note->setMinimumHeight(40);
     column->addWidget(m_note, 1);
-    m_noNote = new QLabel(u"No public note"_s, this);
+    m_noNote = new PaleLabel(u"No public note"_s, this);
     m_noNote->setAlignment(Qt::AlignCenter);
-    m_noNote->setEnabled(false);
     column->addWidget(m_noNote, 1);
 
     column->addWidget(newPasswordRow());
@@ -152,9 +136,7 @@ QWidget *LockedPage::newHeader()
     auto *row = new QHBoxLayout(header);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(14);
-    auto *picture = new Picture(header);
-    picture->setFixedSize(padlockExtent, padlockExtent);
-    row->addWidget(picture);
+    row->addWidget(new GlyphPicture(Glyph::Padlock, padlockExtent, header));
     auto *texts = new QVBoxLayout;
     texts->setSpacing(2);
     m_name = new NameLabel(header);

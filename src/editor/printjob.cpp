@@ -2,6 +2,7 @@
 
 #include "editor/attachmentobject.h"
 #include "editor/heightestimate.h"
+#include "editor/listmarkpainter.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/textproperties.h"
 
@@ -164,6 +165,8 @@ void PrintJob::paint(int page)
     context.clip = view.adjusted(0, 1, 0, -1);
     context.palette = paper();
     m_text->documentLayout()->draw(&m_painter, context);
+    const int first = m_text->documentLayout()->hitTest(view.topLeft(), Qt::FuzzyHit);
+    drawListMarks(m_painter, m_text->findBlock(std::max(first, 0)), view, context.palette);
     m_painter.restore();
 }
 

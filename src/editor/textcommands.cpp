@@ -52,6 +52,8 @@ QList<Row> rows()
         {Command::Smaller, u"&Smaller"_s, {Qt::CTRL | Qt::Key_BracketLeft}},
         {Command::TextColour, u"Text &Colour…"_s, {}},
         {Command::HighlightColour, u"&Highlight…"_s, {}},
+        {Command::LastTextColour, u"Appl&y Text Colour"_s, {}},
+        {Command::LastHighlight, u"Apply H&ighlight"_s, {ctrlAlt | Qt::Key_H}},
         {Command::ClearFormatting, u"Clea&r Formatting"_s, {Qt::CTRL | Qt::Key_M}},
         {Command::AlignLeft, u"Align &Left"_s, {ctrlShift | Qt::Key_L}},
         {Command::AlignCentre, u"Align C&entre"_s, {ctrlShift | Qt::Key_E}},
@@ -100,6 +102,7 @@ QList<Row> rows()
         {Command::ZoomIn, u"Zoom &In"_s, {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal}},
         {Command::ZoomOut, u"Zoom &Out"_s, {Qt::CTRL | Qt::Key_Minus}},
         {Command::ActualSize, u"&Actual Size"_s, {Qt::CTRL | Qt::Key_0}},
+        {Command::GoToToolbar, u"&Go to Toolbar"_s, {Qt::Key_F6}},
     };
 }
 

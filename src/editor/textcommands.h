@@ -37,6 +37,8 @@ enum class TextCommand {
     Smaller,
     TextColour,
     HighlightColour,
+    LastTextColour, // the one that was used last
+    LastHighlight,
     ClearFormatting,
     AlignLeft,
     AlignCentre,
@@ -85,6 +87,7 @@ enum class TextCommand {
     ZoomIn,
     ZoomOut,
     ActualSize,
+    GoToToolbar,
 };
 
 /// The menus of text commands whose items are not known before they open.

@@ -5,10 +5,13 @@
 #include "editor/heightestimate.h"
 #include "editor/insertion.h"
 #include "editor/pastedtext.h"
+#include "editor/texttransfer.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPaintEvent>
@@ -57,6 +60,28 @@ QString plainTextOf(const QMimeData &source)
     return isUtf8Alone ? QString::fromUtf8(source.data(utf8Format)) : source.text();
 }
 
+constexpr qint64 typingPause = 2000; // milliseconds
+constexpr int longStep = 80; // characters
+
+/// Plain characters, which the toolkit would insert as they are.
+bool isTyping(const QKeyEvent &event)
+{
+    const bool isShortcut = event.modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
+    return !isShortcut && event.text().size() == 1 && event.text().at(0).isPrint();
+}
+
+QString stepOf(const QKeyEvent &event)
+{
+    if (event.matches(QKeySequence::Cut)) {
+        return u"Cut"_s;
+    }
+    if (event.matches(QKeySequence::Paste)) {
+        return {}; // inserting names it
+    }
+    const bool erases = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete;
+    return erases ? u"Delete"_s : u"Typing"_s;
+}
+
 bool insertsText(const QString &text)
 {
     return !text.isEmpty() && (text.at(0).isPrint() || text.at(0) == u'\r' || text.at(0) == u'\t');
@@ -98,6 +123,9 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
+    if (height * zoom() > tallestPaginated) {
+        m_device.setZoom(1);
+    }
     document->setUndoRedoEnabled(false); // drops what filling has recorded
     document->setUndoRedoEnabled(true);
     document->setModified(false);
@@ -105,7 +133,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     const auto former = std::exchange(m_content, std::move(document));
     m_bound = {referenceWidth, height};
     m_narrow = m_bound;
-    m_paginated = height > tallestDocument;
+    m_paginated = height > tallestInOnePiece();
     m_place = {};
     m_unsettled.reset();
     if (!isContentHidden()) {
@@ -139,12 +167,14 @@ bool TextEditor::showInPlace(std::unique_ptr<QTextDocument> document)
 // a document that is no child of an editor would read files to find its images.
 void TextEditor::attach(QTextDocument *document)
 {
-    const bool pins = document == m_content.get() && (m_paginated || !fitsAt(viewport()->width()));
+    const bool pins = document == m_content.get() && (m_paginated || !fitsAt(viewWidth()));
     if (pins) {
         pinWrap();
     }
     document->setParent(this);
     AttachmentObject::registerFor(*document);
+    const bool isZoomed = zoom() != 1 && document == m_content.get();
+    document->documentLayout()->setPaintDevice(isZoomed ? &m_device : nullptr);
     setDocument(document);
     if (pins && m_paginated) {
         paginate();
@@ -171,6 +201,8 @@ void TextEditor::setContentHidden(bool hidden)
         CopiedText::clearClipboards(this);
         m_place = place();
         m_settling.stop();
+        m_looks.clear(); // the address of a link is one of them
+        m_looksKey = {};
         detach();
         m_standIn = std::make_unique<QTextDocument>();
         attach(m_standIn.get());
@@ -264,8 +296,10 @@ bool TextEditor::insertText(const QString &text, const QString &name)
         refuse();
         return false;
     }
-    QTextCursor cursor = textCursor();
-    insertCharacters(cursor, text);
+    handleTyped([this, &text] {
+        QTextCursor cursor = textCursor();
+        insertCharacters(cursor, text);
+    });
     ensureCursorVisible();
     return true;
 }
@@ -279,8 +313,49 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
         refuse();
         return;
     }
-    const UndoNames::Scope scope(m_undoNames, event->matches(QKeySequence::Cut) ? u"Cut"_s : u""_s);
-    QTextEdit::keyPressEvent(event);
+    const UndoNames::Scope scope(m_undoNames, stepOf(*event));
+    if (isReadOnly() || !insertsText(event->text())) {
+        m_typed = 0;
+        QTextEdit::keyPressEvent(event);
+        return;
+    }
+    handleTyped([this, event] {
+        if (beginsStep(*event)) {
+            typeAsNewStep(event->text());
+        } else {
+            QTextEdit::keyPressEvent(event);
+        }
+    });
+}
+
+// The toolkit makes one step of all that is typed in a row: an hour's work would go at once.
+bool TextEditor::beginsStep(const QKeyEvent &event)
+{
+    if (!isTyping(event)) {
+        m_typed = 0;
+        return false;
+    }
+    const bool paused = m_sinceTyping.isValid() && m_sinceTyping.hasExpired(typingPause);
+    const bool beginsWord = !event.text().at(0).isSpace()
+        && document()->characterAt(textCursor().position() - 1).isSpace();
+    m_sinceTyping.start();
+    ++m_typed;
+    if (!paused && !(beginsWord && m_typed > longStep)) {
+        return false;
+    }
+    m_typed = 1;
+    return true;
+}
+
+// What stands in an edit block of its own is not joined with what was typed before.
+void TextEditor::typeAsNewStep(const QString &text)
+{
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.insertText(text);
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    ensureCursorVisible();
 }
 
 void TextEditor::inputMethodEvent(QInputMethodEvent *event)
@@ -293,7 +368,11 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
         refuse();
         return;
     }
-    QTextEdit::inputMethodEvent(event);
+    if (event->commitString().isEmpty()) {
+        QTextEdit::inputMethodEvent(event);
+        return;
+    }
+    handleTyped([this, event] { QTextEdit::inputMethodEvent(event); });
 }
 
 void TextEditor::mousePressEvent(QMouseEvent *event)
@@ -302,15 +381,21 @@ void TextEditor::mousePressEvent(QMouseEvent *event)
     QTextEdit::mousePressEvent(event);
 }
 
-// A read-only editor would zoom, which changes the fonts of the document itself.
+// The toolkit's zoom changes the fonts of the document itself.
 void TextEditor::wheelEvent(QWheelEvent *event)
 {
     m_unsettled.reset();
-    if (event->modifiers().testFlag(Qt::ControlModifier)) {
-        event->ignore();
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        QTextEdit::wheelEvent(event);
         return;
     }
-    QTextEdit::wheelEvent(event);
+    m_wheelTurn += event->angleDelta().y();
+    const int steps = m_wheelTurn / QWheelEvent::DefaultDeltasPerStep;
+    m_wheelTurn %= QWheelEvent::DefaultDeltasPerStep;
+    if (steps != 0) {
+        emit zoomAsked(steps);
+    }
+    event->accept();
 }
 
 void TextEditor::contextMenuEvent(QContextMenuEvent *event)
@@ -354,6 +439,7 @@ void TextEditor::dropEvent(QDropEvent *event)
     if (event->source() != viewport() && event->source() != this) {
         event->setDropAction(Qt::CopyAction);
     }
+    const UndoNames::Scope scope(m_undoNames, u"Drag and Drop"_s);
     QTextEdit::dropEvent(event);
 }
 
@@ -370,15 +456,34 @@ bool TextEditor::canInsertFromMimeData(const QMimeData *source) const
             || hasPlainText(*source));
 }
 
+void TextEditor::pasteAndMatchStyle()
+{
+    const QMimeData *source = QGuiApplication::clipboard()->mimeData();
+    if (!source || isReadOnly()) {
+        return;
+    }
+    QString text;
+    if (hasPlainText(*source)) {
+        text = plainTextOf(*source);
+    } else if (const std::unique_ptr<QTextDocument> styled = documentOf(*source)) {
+        text = stringOf(*styled);
+    }
+    text.remove(QChar::ObjectReplacementCharacter); // stands for an attachment, and is none
+    if (!text.isEmpty()) {
+        insertText(text);
+    }
+}
+
 void TextEditor::insertFromMimeData(const QMimeData *source)
 {
     if (!source || isReadOnly()) {
         return;
     }
+    const QString step = m_undoNames.current().isEmpty() ? u"Paste"_s : m_undoNames.current();
     if (const std::unique_ptr<QTextDocument> pasted = documentOf(*source)) {
-        insertDocument(*pasted);
+        insertDocument(*pasted, step);
     } else if (hasPlainText(*source)) {
-        insertText(plainTextOf(*source));
+        insertText(plainTextOf(*source), step);
     }
 }
 

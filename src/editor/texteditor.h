@@ -2,8 +2,10 @@
 
 #include "editor/layoutguard.h"
 #include "editor/undonames.h"
+#include "editor/zoomeddevice.h"
 #include "platform/nsfont.h"
 
+#include <QElapsedTimer>
 #include <QTextEdit>
 #include <QTimer>
 
@@ -57,6 +59,8 @@ public:
     /// The font of an empty document and of what is typed next; nothing leaves the fonts alone.
     void setTypingFont(const std::optional<NSFont> &font);
 
+    const std::optional<NSFont> &typingFont() const { return m_typingFont; }
+
     /// Changes the text by a cursor, in one step of undo of that name. The cursor begins as the
     /// editor's and becomes the editor's. What makes the text too tall is taken back at once, with
     /// tooTall() sent. \return false where the text cannot be edited.
@@ -68,10 +72,24 @@ public:
     /// Inserts a text in the place of the selection, in one step of undo. \return as above.
     bool insertDocument(const QTextDocument &inserted,
                         const QString &name = QStringLiteral("Paste"));
+    /// Gives each character that is selected another look, or what is typed next; attachments stay
+    /// as they are. In one step of undo. \return as edit.
+    bool changeLooks(const QString &name, const std::function<void(QTextCharFormat &look)> &change);
+    /// The looks of what is selected, each once, or of what is typed next. Kept until the text or
+    /// the selection is another one.
+    const QList<QTextCharFormat> &looks();
     /// Inserts characters in the place of the selection, in its look. \return as above.
     bool insertText(const QString &text, const QString &name = QStringLiteral("Paste"));
+    /// Inserts the characters that the clipboard holds, without a look of their own.
+    void pasteAndMatchStyle();
     /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
     bool hasRoomFor(double height);
+
+    /// How much larger than it is the text is shown; the document does not know of it.
+    double zoom() const { return m_device.zoom(); }
+
+    /// \return false, with nothing changed, where the text would be too tall to be shown so large.
+    bool setZoom(double zoom);
 
     /// What the steps of undo are called. Whoever edits by a cursor of his own opens a scope.
     UndoNames &undoNames() { return m_undoNames; }
@@ -89,6 +107,9 @@ signals:
     /// content() is another one.
     void contentReplaced();
     void contentHiddenChanged();
+    void zoomChanged();
+    /// Somebody turns the wheel for another zoom: up is larger.
+    void zoomAsked(int steps);
     /// A menu is asked for at a place of the viewport.
     void contextMenuAsked(const QPoint &place, const QPoint &screenPlace);
 
@@ -110,6 +131,8 @@ private:
     // The tallest document that is shown at all: the layout's numbers end at 2^25.
     static constexpr double tallestPaginated = 30'000'000;
 
+    // All widths and heights here are those of the text at its own size.
+
     /// The narrowest wrap that is known to be safe, and a height that is not exceeded there.
     struct Bound
     {
@@ -126,15 +149,35 @@ private:
         int width = 0;
     };
 
+    bool beginsStep(const QKeyEvent &event);
+    void typeAsNewStep(const QString &text);
+
+    /// What the looks were last asked for.
+    struct LooksKey
+    {
+        const QTextDocument *document = nullptr;
+        int revision = 0;
+        int from = 0;
+        int to = 0;
+        bool operator==(const LooksKey &) const = default;
+    };
+
     void attach(QTextDocument *document);
     void detach();
+    void leaveForeignLook();
+    void handleTyped(const std::function<void()> &insert);
     double heightAt(double width) const;
+
+    double viewWidth() const { return viewport()->width() / zoom(); }
+
+    double tallestInOnePiece() const;
     bool isAtMost(double height);
     void followHeight(int position, int removed, int added);
     bool fitsAt(double width);
     void fitWrap();
     void pinWrap();
     void paginate();
+    void showUnzoomed();
     void suspendLayout();
     void refuse();
     Place place() const;
@@ -145,7 +188,13 @@ private:
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;
     LayoutGuard m_layoutGuard {*this};
+    ZoomedDevice m_device {*this};
+    int m_wheelTurn = 0; // eighths of a degree that are no step yet
     UndoNames m_undoNames;
+    QElapsedTimer m_sinceTyping;
+    int m_typed = 0; // characters of the step that typing adds to
+    QList<QTextCharFormat> m_looks;
+    LooksKey m_looksKey;
     std::vector<std::function<void(QPainter &)>> m_overlays;
     std::optional<NSFont> m_typingFont;
     Bound m_bound; // at the reference width

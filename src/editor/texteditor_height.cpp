@@ -1,24 +1,55 @@
 #include "editor/heightestimate.h"
 #include "editor/texteditor.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QPointer>
 #include <QResizeEvent>
 #include <QScrollBar>
 #include <QTextDocument>
+
+#include <algorithm>
 
 namespace quorvane {
 
 namespace {
 
 constexpr int manyCharacters = 2000;
-// A text lower than this cannot become too tall by wrapping in any window.
-constexpr double heightSafeAtAnyWidth = tallestDocument / 200;
+// A text lower than this part of the tallest cannot become too tall by wrapping in any window.
+constexpr double partSafeAtAnyWidth = 200;
 
 } // namespace
 
 double TextEditor::heightAt(double width) const
 {
     return HeightEstimate(width, viewport()).of(*m_content);
+}
+
+double TextEditor::tallestInOnePiece() const
+{
+    return tallestDocument / std::max(zoom(), 1.0); // small fonts have lines that are rounded up
+}
+
+bool TextEditor::setZoom(double zoom)
+{
+    if (zoom == m_device.zoom()) {
+        return true;
+    }
+    if (!isAtMost(tallestPaginated / zoom)) {
+        return false;
+    }
+    const Place kept = isContentHidden() ? m_place : place();
+    m_device.setZoom(zoom);
+    m_narrow = m_bound;
+    m_paginated = !isAtMost(tallestInOnePiece());
+    if (!isContentHidden()) {
+        detach();
+        attach(m_content.get());
+        m_content->setPageSize(m_content->pageSize()); // begins the layout anew
+        restore({kept.anchor, kept.caret, kept.top, 0, 0});
+        m_unsettled.reset();
+    }
+    emit zoomChanged();
+    return true;
 }
 
 bool TextEditor::hasRoomFor(double height)
@@ -45,14 +76,17 @@ void TextEditor::followHeight(int position, int removed, int added)
     for (Bound *bound : {&m_bound, &m_narrow}) {
         bound->height += HeightEstimate(bound->width, viewport())
                              .ofBlocks(*m_content, position, position + added);
-        const double limit = m_paginated ? tallestPaginated : tallestDocument;
+        const double limit = m_paginated ? tallestPaginated : tallestInOnePiece();
         if (bound->height > limit) {
             bound->height = heightAt(bound->width);
         }
     }
+    if (m_bound.height * zoom() > tallestPaginated && m_bound.height <= tallestPaginated) {
+        showUnzoomed();
+    }
     if (m_bound.height > tallestPaginated) {
         suspendLayout();
-    } else if (m_bound.height > tallestDocument && !m_paginated) {
+    } else if (m_bound.height > tallestInOnePiece() && !m_paginated) {
         m_paginated = true;
         if (!isContentHidden()) {
             pinWrap();
@@ -63,12 +97,25 @@ void TextEditor::followHeight(int position, int removed, int added)
         if (removed > manyCharacters && !isContentHidden()) {
             QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
         }
-    } else if (m_narrow.height > tallestDocument && !isContentHidden()) {
+    } else if (m_narrow.height > tallestInOnePiece() && !isContentHidden()) {
         fitWrap();
     } else if (lineWrapMode() != WidgetWidth && removed > 0 && !isContentHidden()) {
         // Lines may wrap with the window again, once the edit is over.
         QMetaObject::invokeMethod(this, &TextEditor::fitWrap, Qt::QueuedConnection);
     }
+}
+
+// The layout has not learned of the edit yet: so large it must never see it.
+void TextEditor::showUnzoomed()
+{
+    m_content->setLayoutEnabled(false);
+    const auto layOut = [this, document = QPointer<QTextDocument>(m_content.get())] {
+        if (document) {
+            document->setLayoutEnabled(true);
+            setZoom(1);
+        }
+    };
+    QMetaObject::invokeMethod(this, layOut, Qt::QueuedConnection);
 }
 
 // Not even pages help where the layout's numbers end. What led here is taken back before anything
@@ -90,22 +137,22 @@ void TextEditor::suspendLayout()
 
 bool TextEditor::fitsAt(double width)
 {
-    if (m_bound.height < heightSafeAtAnyWidth) {
+    if (m_bound.height < tallestInOnePiece() / partSafeAtAnyWidth) {
         return true;
     }
-    if (width >= m_narrow.width && m_narrow.height <= tallestDocument) {
+    if (width >= m_narrow.width && m_narrow.height <= tallestInOnePiece()) {
         return true;
     }
     // Half as narrow at first, so that not each step of a resize has to ask.
     for (const double candidate : {width / 2, width}) {
         const double height = heightAt(candidate);
-        if (height <= tallestDocument) {
+        if (height <= tallestInOnePiece()) {
             m_narrow = {candidate, height};
             return true;
         }
     }
     m_narrow = m_bound;
-    return width >= m_bound.width && m_bound.height <= tallestDocument;
+    return width >= m_bound.width && m_bound.height <= tallestInOnePiece();
 }
 
 void TextEditor::fitWrap()
@@ -113,10 +160,10 @@ void TextEditor::fitWrap()
     if (isContentHidden()) {
         return;
     }
-    if (m_paginated && isAtMost(tallestDocument)) {
+    if (m_paginated && isAtMost(tallestInOnePiece())) {
         m_paginated = false;
     }
-    const bool fits = !m_paginated && fitsAt(viewport()->width());
+    const bool fits = !m_paginated && fitsAt(viewWidth());
     if (fits && lineWrapMode() != WidgetWidth) {
         setLineWrapMode(WidgetWidth);
     } else if (!fits && lineWrapMode() == WidgetWidth) {
@@ -133,7 +180,7 @@ void TextEditor::pinWrap()
     }
     verticalScrollBar()->setValue(0);
     QMetaObject::invokeMethod(this, &QTextEdit::ensureCursorVisible, Qt::QueuedConnection);
-    setLineWrapColumnOrWidth(referenceWidth);
+    setLineWrapColumnOrWidth(qRound(referenceWidth * zoom()));
     setLineWrapMode(FixedPixelWidth);
 }
 
@@ -141,7 +188,7 @@ void TextEditor::pinWrap()
 // all one sees of them is a gap between two lines.
 void TextEditor::paginate()
 {
-    const QSizeF page(referenceWidth, pageHeight);
+    const QSizeF page(qRound(referenceWidth * zoom()), pageHeight);
     if (document()->pageSize() != page) { // setting it begins the layout anew
         document()->setPageSize(page);
     }

@@ -9,10 +9,15 @@
 
 namespace quorvane {
 
+namespace {
+constexpr double halfLine = 8; // pixels
+}
+
 TextEditor::Place TextEditor::place() const
 {
     const QTextCursor cursor = textCursor();
-    return {cursor.anchor(), cursor.position(), cursorForPosition(QPoint(0, 0)).position(),
+    const QPoint top(0, qRound(halfLine * zoom())); // a line that is mostly out of view is not it
+    return {cursor.anchor(), cursor.position(), cursorForPosition(top).position(),
             verticalScrollBar()->value(), viewport()->width()};
 }
 

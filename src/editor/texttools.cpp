@@ -1,16 +1,26 @@
 #include "editor/texttools.h"
 
+#include "editor/adaptivecolours.h"
 #include "editor/characterstyles.h"
 #include "editor/columnresizing.h"
 #include "editor/dateinsertion.h"
 #include "editor/documentwindow.h"
 #include "editor/editorsurroundings.h"
+#include "editor/editorview.h"
+#include "editor/headings.h"
 #include "editor/linkediting.h"
 #include "editor/linkfollowing.h"
+#include "editor/listediting.h"
+#include "editor/paragraphbreaks.h"
+#include "editor/paragraphstyles.h"
+#include "editor/statusbar.h"
+#include "editor/styletransfer.h"
 #include "editor/tableediting.h"
 #include "editor/tablemarks.h"
+#include "editor/textcolours.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
+#include "editor/viewzoom.h"
 #include "editor/visiblemarks.h"
 
 namespace quorvane {
@@ -19,25 +29,41 @@ namespace quorvane {
 struct TextTools::Tools
 {
     explicit Tools(const TextToolSurroundings &with)
-        : editor(with.window.editor())
-        , commands(with.window.commands())
+        : window(with.window)
         , sheets(with.sheets)
-        , workspace(with.world.workspace)
-    { }
+        , world(with.world)
+    {
+        window.addBelowText(&status);
+        with.view.switches.adaptiveColours = [this](bool adapts) {
+            readable.setEnabled(adapts);
+        };
+    }
 
-    TextEditor &editor;
-    TextCommands &commands;
+    DocumentWindow &window;
     NSWindow &sheets;
-    NSWorkspace &workspace;
+    const EditorSurroundings &world;
+    TextEditor &editor {window.editor()};
+    TextCommands &commands {window.commands()};
     VisibleMarks marks {editor};
+    AdaptiveColours readable {editor, marks};
     TextContextMenu contextMenu {editor, commands};
-    CharacterStyles characters {editor, commands};
-    LinkFollowing linkFollowing {editor, commands, contextMenu, sheets, workspace};
+    LinkFollowing linkFollowing {editor, commands, contextMenu, sheets, world.workspace};
     LinkEditing links {editor, commands, sheets};
     TableEditing tables {editor, commands, contextMenu, sheets};
     TableMarks tableMarks {editor};
     ColumnResizing columns {editor};
+    CharacterStyles characters {editor, commands};
+    TextColours colours {editor,
+                         commands,
+                         {window.formatToolbar(), sheets, world.printing.sheetOf, world.styles}};
+    StyleTransfer styles {editor, commands, world.styles};
+    ParagraphStyles paragraphs {editor, commands, sheets};
+    Headings headings {editor, commands};
+    ParagraphBreaks breaks {editor, commands};
+    ListEditing lists {editor, commands};
     DateInsertion dates {editor, commands};
+    ViewZoom zoom {editor, commands};
+    StatusBar &status {*new StatusBar(editor, commands)}; // the window's
 };
 
 TextTools::TextTools(const TextToolSurroundings &surroundings)

@@ -33,6 +33,9 @@ public:
     /// From now on names the steps of this document, whose stack is empty.
     void watch(QTextDocument *document);
 
+    /// Of the scope that is open; empty where none is.
+    const QString &current() const { return m_name; }
+
     QString undoName() const; ///< Of the step that undo takes back; empty where there is none.
     QString redoName() const;
 

@@ -20,6 +20,7 @@ VisibleMarks::VisibleMarks(TextEditor &editor)
     connect(&editor, &QTextEdit::textChanged, this, &VisibleMarks::refreshAfterTyping);
     connect(&editor, &TextEditor::contentReplaced, this, &VisibleMarks::refresh);
     connect(&editor, &TextEditor::contentHiddenChanged, this, &VisibleMarks::refresh);
+    connect(&editor, &TextEditor::zoomChanged, this, &VisibleMarks::refresh);
     connect(editor.verticalScrollBar(), &QScrollBar::valueChanged, this, &VisibleMarks::refresh);
     connect(editor.verticalScrollBar(), &QScrollBar::rangeChanged, this,
             &VisibleMarks::refreshAfterTyping);

@@ -87,7 +87,8 @@ std::optional<QString> NSDocument::keepForRecovery()
         return u"Its content could not be encrypted."_s;
     }
     if (!m_recovery) {
-        RecoveryStore::NewEntry made = m_surroundings.recovery->newEntry();
+        RecoveryStore::NewEntry made =
+            m_surroundings.recovery->newEntry(m_fileURL ? displayName() : QString());
         if (!made.entry) {
             return made.error.reason();
         }

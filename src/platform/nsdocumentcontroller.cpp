@@ -1,6 +1,7 @@
 #include "platform/nsdocumentcontroller.h"
 
 #include <QFileInfo>
+#include <QMap>
 #include <QPointer>
 
 #include <algorithm>
@@ -13,6 +14,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 std::vector<NSDocumentController *> livingControllers;
+
+constexpr double cascadeStep = 28; // about a title bar: each title stays to be read
 
 } // namespace
 
@@ -164,10 +167,12 @@ void NSDocumentController::restoreRecoveredDocuments()
     if (!m_surroundings.recovery) {
         return;
     }
-    int count = 0;
+    QMap<QString, int> counts; // of documents that are called the same
+    int total = 0;
     for (std::unique_ptr<RecoveryStore::Entry> &entry : m_surroundings.recovery->takeAbandoned()) {
         std::unique_ptr<NSDocument> document = m_factory();
         const QString path = entry->path();
+        const QString name = entry->name().isEmpty() ? u"Untitled"_s : entry->name();
         if (const ReadOutcome outcome = document->readFromRecovery(std::move(entry));
             !outcome.isRead) {
             if (outcome.reason) {
@@ -175,10 +180,21 @@ void NSDocumentController::restoreRecoveredDocuments()
             }
             continue;
         }
-        ++count;
-        document->setUntitledName(count > 1 ? u"Untitled %1 (Recovered)"_s.arg(count)
-                                            : u"Untitled (Recovered)"_s);
+        const int count = ++counts[name];
+        document->setUntitledName((count > 1 ? u"%1 %2"_s.arg(name).arg(count) : name)
+                                  + u" (Recovered)"_s);
+        const QPointer<NSDocument> recovered(document.get());
         add(std::move(document));
+        // Behind what a document's window does by itself: locked ones take the same place.
+        m_surroundings.mainQueue.addOperation([recovered, distance = total++ * cascadeStep] {
+            if (NSWindow *window = recovered ? recovered->windowForSheet() : nullptr;
+                window && distance > 0) {
+                NSRect frame = window->frame();
+                frame.x += distance;
+                frame.y -= distance;
+                window->setFrame(frame, false);
+            }
+        });
     }
 }
 

@@ -190,4 +190,13 @@ void NSUserDefaults::setObject(QLatin1StringView key, const QVariant &value)
     }
 }
 
+void NSUserDefaults::revertToInitialValues()
+{
+    const QStringList keys = m_registered.keys();
+    for (const QString &key : keys) {
+        const QByteArray name = key.toLatin1();
+        setObject(QLatin1StringView(name), QVariant());
+    }
+}
+
 } // namespace quorvane

@@ -30,6 +30,9 @@ public:
     /// An invalid value takes the stored one away. Tells \a changed only where the answer differs.
     void setObject(QLatin1StringView key, const QVariant &value);
 
+    /// Every registered key has its registered value again.
+    void revertToInitialValues();
+
     bool value(const Key<bool> &key) const { return boolForKey(key.name); }
 
     qint64 value(const Key<qint64> &key) const { return integerForKey(key.name); }

@@ -23,6 +23,8 @@ namespace {
 constexpr auto documentEnding = ".quorvane"_L1;
 constexpr auto lockEnding = ".lock"_L1;
 constexpr int mostNames = 16;
+constexpr int unguessableLength = 32;
+constexpr int longestName = 120; // bytes: a file's name has room for 255, and gains endings
 constexpr mode_t ownersFolder = S_IRWXU;
 constexpr mode_t ownersFile = S_IRUSR | S_IWUSR;
 constexpr mode_t permissions = S_IRWXU | S_IRWXG | S_IRWXO;
@@ -34,6 +36,14 @@ QString unguessableName()
     QString name;
     for (const quint32 part : random) {
         name += QString::number(part, 16).rightJustified(8, u'0');
+    }
+    return name;
+}
+
+QString shortened(QString name)
+{
+    while (name.toUtf8().size() > longestName) {
+        name.chop(name.back().isLowSurrogate() ? 2 : 1);
     }
     return name;
 }
@@ -101,6 +111,14 @@ public:
 
     QString path() const override { return m_path + documentEnding; }
 
+    QString name() const override
+    {
+        return QFileInfo(path())
+            .fileName()
+            .chopped(documentEnding.size())
+            .mid(unguessableLength + 1);
+    }
+
     FileStore::ReadResult read() override { return m_files.read(path()); }
 
     std::optional<FileError> write(const QByteArray &data) override
@@ -123,7 +141,7 @@ RecoveryFolder::RecoveryFolder(QString path, FileStore &files)
     , m_files(files)
 { }
 
-RecoveryStore::NewEntry RecoveryFolder::newEntry()
+RecoveryStore::NewEntry RecoveryFolder::newEntry(const QString &name)
 {
     const auto failure = [this](int code) {
         return NewEntry {nullptr, {code, filestep::makingNewFile, m_path}};
@@ -132,7 +150,8 @@ RecoveryStore::NewEntry RecoveryFolder::newEntry()
         return failure(code);
     }
     for (int i = 0; i < mostNames; ++i) {
-        const QString path = QDir(m_path).filePath(unguessableName());
+        const QString known = name.isEmpty() ? QString() : u' ' + shortened(name);
+        const QString path = QDir(m_path).filePath(unguessableName() + known);
         Descriptor lock = heldLock(path + lockEnding);
         if (lock) {
             return {std::make_unique<FolderEntry>(path, std::move(lock), m_files), {}};

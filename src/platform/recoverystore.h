@@ -22,6 +22,7 @@ public:
         Entry &operator=(const Entry &) = delete;
         virtual ~Entry() = default;
         virtual QString path() const = 0;
+        virtual QString name() const = 0; ///< As it was given, if need be shortened.
         [[nodiscard]] virtual FileStore::ReadResult read() = 0;
         /// Replaces what it holds, as a file is replaced.
         [[nodiscard]] virtual std::optional<FileError> write(const QByteArray &data) = 0;
@@ -35,7 +36,8 @@ public:
     };
 
     virtual ~RecoveryStore() = default;
-    [[nodiscard]] virtual NewEntry newEntry() = 0;
+    /// \a name is what the document is called; empty where it has no name yet.
+    [[nodiscard]] virtual NewEntry newEntry(const QString &name) = 0;
     /// What programs have left that run no more, the oldest first.
     [[nodiscard]] virtual std::vector<std::unique_ptr<Entry>> takeAbandoned() = 0;
 };

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
+#include <QTextBoundaryFinder>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -34,20 +35,23 @@ QStyle::StandardPixmap iconOf(NSAlertStyle style)
     return QStyle::SP_MessageBoxWarning;
 }
 
-// Lets a run without a blank, such as a long file name, break where it would leave the dialog.
+// Lets a long word, such as a file name, break where it would leave the dialog. What can break by
+// itself, such as a path at its slashes, stays: this is no part of a text that is copied.
 QString breakable(const QString &text)
 {
     constexpr int longestRun = 40;
     constexpr QChar zeroWidthSpace(0x200B);
+    QTextBoundaryFinder lines(QTextBoundaryFinder::Line, text);
     QString result;
     int run = 0;
-    for (const QChar character : text) {
-        run = character.isSpace() ? 0 : run + 1;
-        if (run > longestRun && !character.isLowSurrogate()) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        lines.setPosition(i);
+        run = lines.isAtBoundary() ? 1 : run + 1;
+        if (run > longestRun && !text[i].isLowSurrogate()) {
             result += zeroWidthSpace;
             run = 1;
         }
-        result += character;
+        result += text[i];
     }
     return result;
 }
@@ -55,6 +59,7 @@ QString breakable(const QString &text)
 QLabel *makeLabel(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(breakable(text), parent);
+    label->setAccessibleName(text);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);

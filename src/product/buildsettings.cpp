@@ -1,5 +1,8 @@
 #include "product/buildsettings.h"
 
+#include <QCoreApplication>
+#include <QDir>
+
 namespace quorvane::buildsettings {
 
 using namespace Qt::StringLiterals;
@@ -22,7 +25,10 @@ QString buildString()
 
 QString guideFolder()
 {
-    return QStringLiteral(QUORVANE_GUIDE_FOLDER);
+    // Beside the program, wherever it was put, and where it was built.
+    const QDir program(QCoreApplication::applicationDirPath());
+    const QString beside = QDir::cleanPath(program.filePath(u"../share/doc/quorvane"_s));
+    return QDir(beside).exists() ? beside : QStringLiteral(QUORVANE_GUIDE_FOLDER);
 }
 
 } // namespace quorvane::buildsettings

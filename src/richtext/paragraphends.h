@@ -6,7 +6,17 @@ namespace quorvane {
 
 constexpr bool endsParagraph(char16_t unit)
 {
-    return unit == u'\n' || unit == u'\r' || unit == QChar::ParagraphSeparator;
+    return (unit == u'\n') | (unit == u'\r') | (unit == QChar::ParagraphSeparator);
+}
+
+/// Whether any unit of the text is one. Looks at all of them, which compilers do many at a time.
+template <typename Predicate> bool anyUnit(QStringView text, Predicate predicate)
+{
+    quint16 any = 0; // As wide as the units.
+    for (const QChar c : text) {
+        any = quint16(any | predicate(c.unicode()));
+    }
+    return any != 0;
 }
 
 /// Calls \a onText for each stretch of text and \a onEnd for each end of a paragraph: LF, CR, CRLF
@@ -14,6 +24,10 @@ constexpr bool endsParagraph(char16_t unit)
 template <typename OnText, typename OnEnd>
 void splitParagraphs(QStringView text, OnText onText, OnEnd onEnd)
 {
+    if (!text.isEmpty() && !anyUnit(text, endsParagraph)) {
+        onText(text);
+        return;
+    }
     qsizetype start = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i].unicode();

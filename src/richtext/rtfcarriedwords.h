@@ -19,4 +19,9 @@ void appendCarriedColour(QByteArray &words, const RtfToken &token, const RtfTabl
 /// Takes a word with its number out of those that are carried.
 void removeCarriedWord(QByteArray &words, QByteArrayView word);
 
+/// Whether carried words of a paragraph tell of a border below it that can be seen.
+bool hasBorderBelow(const QByteArray &words);
+/// Takes the border below a paragraph out of its carried words.
+void removeBorderBelow(QByteArray &words);
+
 } // namespace quorvane

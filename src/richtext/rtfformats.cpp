@@ -1,6 +1,8 @@
 #include "richtext/rtfformats.h"
 
 #include "richtext/fontnames.h"
+#include "richtext/listmarks.h"
+#include "richtext/rtfcarriedwords.h"
 #include "richtext/rtftables.h"
 #include "richtext/textproperties.h"
 
@@ -212,12 +214,13 @@ void setTabsOf(QTextBlockFormat &format, const RtfParagraph &paragraph, bool isI
         || (isInList && areListTabs(paragraph))) {
         return;
     }
+    const int start = isInList ? paragraph.left : paragraph.left + paragraph.first;
     QList<QTextOption::Tab> positions;
     QByteArray leaders;
     for (const RtfTab &tab : paragraph.tabs) {
         const QTextOption::TabType type = tabTypeOf(tab.kind);
         const QChar delimiter = type == QTextOption::DelimiterTab ? u'.' : QChar();
-        positions.append(QTextOption::Tab(pixels(tab.position), type, delimiter));
+        positions.append(QTextOption::Tab(pixels(tab.position - start), type, delimiter));
         leaders.append(char('0' + tab.leader));
     }
     format.setTabPositions(positions);
@@ -278,14 +281,15 @@ void setBulletOf(QTextListFormat &format, const QString &text)
     constexpr QStringView circle = u"\u25e6\u25cboO";
     constexpr QStringView square = u"\u25aa\uf0a7\u25a0";
     const QString bullet = text.trimmed();
-    format.setStyle(QTextListFormat::ListDisc);
+    auto kind = QTextListFormat::ListDisc;
     if (bullet.size() == 1 && circle.contains(bullet.at(0))) {
-        format.setStyle(QTextListFormat::ListCircle);
+        kind = QTextListFormat::ListCircle;
     } else if (bullet.size() == 1 && square.contains(bullet.at(0))) {
-        format.setStyle(QTextListFormat::ListSquare);
+        kind = QTextListFormat::ListSquare;
     } else if (!bullet.isEmpty() && (bullet.size() > 1 || !disc.contains(bullet.at(0)))) {
         format.setProperty(ListMarker, bullet);
     }
+    setListKind(format, kind);
 }
 
 void setNumberOf(QTextListFormat &format, const QString &text, int level)
@@ -435,6 +439,10 @@ QTextBlockFormat blockFormatOf(const RtfParagraph &paragraph, const RtfTables &t
     if (!words.isEmpty()) {
         format.setProperty(ParagraphWords, words);
     }
+    if (hasBorderBelow(words)) {
+        format.setProperty(QTextFormat::BlockTrailingHorizontalRulerWidth,
+                           QTextLength(QTextLength::PercentageLength, 100));
+    }
     return format;
 }
 
@@ -448,11 +456,11 @@ QTextListFormat listFormatOf(const RtfListLevel &listLevel, int level)
         setBulletOf(format, text);
         return format;
     }
-    format.setStyle(listStyleOf(listLevel.kind));
     setNumberOf(format, text, level);
     if (listLevel.start != 1) {
         format.setProperty(ListStart, listLevel.start);
     }
+    setListKind(format, listStyleOf(listLevel.kind));
     return format;
 }
 

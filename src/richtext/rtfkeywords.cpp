@@ -384,15 +384,23 @@ constexpr Entry entries[] = {
     {"zwnj", Insert, 0x200c},
 };
 
-constexpr std::size_t places = 2048; // A power of two, some times the number of words.
-
-constexpr std::size_t placeOf(std::string_view word)
+/// The last eight letters. Up to seven are the whole word: the highest byte is 0 then.
+constexpr quint64 tailOf(std::string_view word)
 {
-    quint32 hash = 2166136261u; // FNV-1a
+    quint64 tail = 0;
     for (const char c : word) {
-        hash = (hash ^ uchar(c)) * 16777619u;
+        tail = tail << 8 | uchar(c);
     }
-    return (hash ^ hash >> 15) % places;
+    return tail;
+}
+
+constexpr int placeBits = 10;
+constexpr std::size_t places = 1 << placeBits; // Some times the number of words.
+
+constexpr std::size_t placeOf(quint64 tail)
+{
+    constexpr quint64 factor = 0x9e3779b97f4a7c15; // Fibonacci hashing.
+    return std::size_t(tail * factor >> (64 - placeBits));
 }
 
 /// One more than the number of the entry; 0 is a free place, where a search ends.
@@ -400,7 +408,7 @@ constexpr std::array<quint16, places> makeIndex()
 {
     std::array<quint16, places> index {};
     for (std::size_t i = 0; i < std::size(entries); ++i) {
-        std::size_t place = placeOf(entries[i].word);
+        std::size_t place = placeOf(tailOf(entries[i].word));
         while (index[place] != 0) {
             place = (place + 1) % places;
         }
@@ -409,7 +417,17 @@ constexpr std::array<quint16, places> makeIndex()
     return index;
 }
 
+constexpr std::array<quint64, std::size(entries)> makeTails()
+{
+    std::array<quint64, std::size(entries)> tails {};
+    for (std::size_t i = 0; i < std::size(entries); ++i) {
+        tails[i] = tailOf(entries[i].word);
+    }
+    return tails;
+}
+
 constexpr std::array<quint16, places> entryIndex = makeIndex();
+constexpr std::array<quint64, std::size(entries)> entryTails = makeTails();
 
 } // namespace
 
@@ -420,11 +438,12 @@ RtfKeyword rtfKeyword(QByteArrayView word)
         return {};
     }
     const std::string_view wanted(word.data(), std::size_t(word.size()));
-    for (std::size_t place = placeOf(wanted); entryIndex[place] != 0;
-         place = (place + 1) % places) {
-        const Entry &entry = entries[entryIndex[place] - 1];
-        if (entry.word == wanted) {
-            return {entry.action, entry.value};
+    const quint64 tail = tailOf(wanted);
+    const bool isWhole = tail >> 56 == 0;
+    for (std::size_t place = placeOf(tail); entryIndex[place] != 0; place = (place + 1) % places) {
+        const std::size_t number = entryIndex[place] - 1u;
+        if (entryTails[number] == tail && (isWhole || entries[number].word == wanted)) {
+            return {entries[number].action, entries[number].value};
         }
     }
     return {};

@@ -1,5 +1,6 @@
 #include "richtext/rtflists.h"
 
+#include "richtext/listmarks.h"
 #include "richtext/rtftables.h"
 #include "richtext/textproperties.h"
 
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,117 +25,61 @@ struct Style
 {
     QTextListFormat::Style style;
     int number; ///< \levelnfc.
-    char16_t bullet;
     const char *marker; ///< The platform's name.
 };
 
 constexpr std::array styles {
-    Style {QTextListFormat::ListDisc, 23, u'\u2022', "disc"},
-    Style {QTextListFormat::ListCircle, 23, u'\u25e6', "circle"},
-    Style {QTextListFormat::ListSquare, 23, u'\u25aa', "square"},
-    Style {QTextListFormat::ListDecimal, 0, 0, "decimal"},
-    Style {QTextListFormat::ListUpperRoman, 1, 0, "upper-roman"},
-    Style {QTextListFormat::ListLowerRoman, 2, 0, "lower-roman"},
-    Style {QTextListFormat::ListUpperAlpha, 3, 0, "upper-alpha"},
-    Style {QTextListFormat::ListLowerAlpha, 4, 0, "lower-alpha"},
-    Style {QTextListFormat::ListStyleUndefined, 255, 0, nullptr},
+    Style {QTextListFormat::ListDisc, 23, "disc"},
+    Style {QTextListFormat::ListCircle, 23, "circle"},
+    Style {QTextListFormat::ListSquare, 23, "square"},
+    Style {QTextListFormat::ListDecimal, 0, "decimal"},
+    Style {QTextListFormat::ListUpperRoman, 1, "upper-roman"},
+    Style {QTextListFormat::ListLowerRoman, 2, "lower-roman"},
+    Style {QTextListFormat::ListUpperAlpha, 3, "upper-alpha"},
+    Style {QTextListFormat::ListLowerAlpha, 4, "lower-alpha"},
+    Style {QTextListFormat::ListStyleUndefined, 255, nullptr},
 };
 
 const Style &styleOf(const QTextListFormat &format)
 {
     const auto *found = std::find_if(styles.begin(), styles.end(), [&](const Style &style) {
-        return style.style == format.style();
+        return style.style == listKind(format);
     });
     return found != styles.end() ? *found : styles.back();
-}
-
-QString alphabetic(int number)
-{
-    QString text;
-    for (; number > 0; number = (number - 1) / 26) {
-        text.prepend(QChar(u'a' + (number - 1) % 26));
-    }
-    return text;
-}
-
-QString roman(int number)
-{
-    constexpr std::pair<int, QLatin1StringView> digits[] = {
-        {1000, "m"_L1}, {900, "cm"_L1}, {500, "d"_L1}, {400, "cd"_L1}, {100, "c"_L1},
-        {90, "xc"_L1},  {50, "l"_L1},   {40, "xl"_L1}, {10, "x"_L1},   {9, "ix"_L1},
-        {5, "v"_L1},    {4, "iv"_L1},   {1, "i"_L1}};
-    if (number <= 0 || number > 4999) {
-        return QString::number(number);
-    }
-    QString text;
-    for (const auto &[value, digit] : digits) {
-        for (; number >= value; number -= value) {
-            text += digit;
-        }
-    }
-    return text;
-}
-
-QString numberText(QTextListFormat::Style style, int number)
-{
-    switch (style) {
-    case QTextListFormat::ListLowerAlpha:
-        return alphabetic(number);
-    case QTextListFormat::ListUpperAlpha:
-        return alphabetic(number).toUpper();
-    case QTextListFormat::ListLowerRoman:
-        return roman(number);
-    case QTextListFormat::ListUpperRoman:
-        return roman(number).toUpper();
-    case QTextListFormat::ListDecimal:
-        return QString::number(number);
-    default:
-        return {};
-    }
-}
-
-QString bulletOf(const QTextListFormat &format, const Style &style)
-{
-    const QString own = format.stringProperty(ListMarker);
-    if (!own.isEmpty() && style.style == QTextListFormat::ListDisc) {
-        return own.left(longestLevelText);
-    }
-    return style.bullet ? QString(QChar(style.bullet)) : QString();
-}
-
-/// As the toolkit shows it.
-QString suffixOf(const QTextListFormat &format)
-{
-    return format.hasProperty(QTextFormat::ListNumberSuffix) ? format.numberSuffix() : u"."_s;
-}
-
-bool isNumbered(const Style &style)
-{
-    return style.number < 23;
 }
 
 /// The text of a level, with the units 0 to 8 in place of the levels' numbers.
 QString levelText(const QTextListFormat &format, const Style &style, int level)
 {
-    if (!isNumbered(style)) {
-        return bulletOf(format, style);
+    if (!isNumbered(style.style)) {
+        return bulletOf(format);
     }
     const QString own = format.stringProperty(ListLevelText);
     if (!own.isEmpty()) {
         return own.left(longestLevelText);
     }
     return format.numberPrefix().left(longestAffix) + QChar(level)
-        + suffixOf(format).left(longestAffix);
-}
-
-int startOf(const QTextListFormat &format)
-{
-    return format.hasProperty(ListStart) ? format.intProperty(ListStart) : 1;
+        + numberSuffixOf(format).left(longestAffix);
 }
 
 void appendByte(QByteArray &out, qsizetype byte)
 {
     out += "\\'" + QByteArray::number(byte, 16).rightJustified(2, '0');
+}
+
+/// The platform's names for bullets that are none of the toolkit's.
+const char *bulletName(const QString &bullet, const char *usual)
+{
+    constexpr std::pair<char16_t, const char *> names[] = {{u'\u2043', "hyphen"},
+                                                           {u'\u2713', "check"},
+                                                           {uncheckedMark, "box"},
+                                                           {checkedMark, "check"}};
+    for (const auto &[mark, name] : names) {
+        if (bullet == QChar(mark)) {
+            return name;
+        }
+    }
+    return usual;
 }
 
 /// The platform's own description, which says more of bullets.
@@ -144,15 +90,14 @@ QByteArray markerWords(const QTextListFormat &format, const Style &style,
         return {};
     }
     QByteArray words = "{\\*\\levelmarker ";
-    if (!isNumbered(style)) {
-        const QString own = format.stringProperty(ListMarker);
-        const char *name = own == u"\u2043"_s ? "hyphen" : style.marker;
+    if (!isNumbered(style.style)) {
+        const char *name = bulletName(bulletOf(format), style.marker);
         return words + "\\{" + name + "\\}}";
     }
     RtfEscaper escaper(words, fallback);
     escaper.text(format.numberPrefix().left(longestAffix));
     words += "\\{" + QByteArray(style.marker) + "\\}";
-    escaper.text(suffixOf(format).left(longestAffix));
+    escaper.text(numberSuffixOf(format).left(longestAffix));
     return words + '}';
 }
 
@@ -178,17 +123,20 @@ RtfLists::Known RtfLists::makeKnown(const QTextListFormat &format)
     m_definitions.push_back(definition(format, number));
     const Style &style = styleOf(format);
     const int level = std::clamp(format.indent(), 1, deepestIndent) - 1;
-    Known known {
-        rtfWord("ls", number) + rtfWord("ilvl", level), {}, {}, int(style.style), startOf(format)};
+    Known known {rtfWord("ls", number) + rtfWord("ilvl", level),
+                 {},
+                 {},
+                 int(style.style),
+                 listStartOf(format)};
     if (!style.marker) {
         return known; // Where nothing is shown, readers would take the tabs for text.
     }
     known.beforeNumber = "{\\listtext\t";
     RtfEscaper(known.beforeNumber, m_fallback)
-        .text(isNumbered(style) ? format.numberPrefix().left(longestAffix)
-                                : bulletOf(format, style));
-    if (isNumbered(style)) {
-        RtfEscaper(known.behindNumber, m_fallback).text(suffixOf(format).left(longestAffix));
+        .text(isNumbered(style.style) ? format.numberPrefix().left(longestAffix)
+                                      : bulletOf(format));
+    if (isNumbered(style.style)) {
+        RtfEscaper(known.behindNumber, m_fallback).text(numberSuffixOf(format).left(longestAffix));
     }
     known.behindNumber += "\t}";
     return known;
@@ -211,7 +159,7 @@ QByteArray RtfLists::definition(const QTextListFormat &format, int number) const
     for (int level = 0; level < indent; ++level) {
         out += "{\\listlevel" + rtfWord("levelnfc", style.number)
             + rtfWord("levelnfcn", style.number) + "\\leveljc0\\leveljcn0\\levelfollow0"
-            + rtfWord("levelstartat", startOf(format)) + "\\levelspace360\\levelindent0";
+            + rtfWord("levelstartat", listStartOf(format)) + "\\levelspace360\\levelindent0";
         out += markerWords(format, style, m_fallback);
         out += "{\\leveltext" + rtfWord("leveltemplateid", number * templateBase + level);
         const QString text = levelText(format, style, level);
@@ -219,7 +167,7 @@ QByteArray RtfLists::definition(const QTextListFormat &format, int number) const
         QByteArray numbers;
         RtfEscaper escaper(out, m_fallback);
         for (qsizetype i = 0; i < text.size(); ++i) {
-            if (isNumbered(style) && text[i] <= QChar(deepestIndent - 1)) {
+            if (isNumbered(style.style) && text[i] <= QChar(deepestIndent - 1)) {
                 appendByte(out, text[i].unicode());
                 appendByte(numbers, i + 1);
             } else {

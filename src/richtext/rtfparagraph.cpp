@@ -1,5 +1,6 @@
 #include "richtext/rtfparagraph.h"
 
+#include "richtext/rtfcarriedwords.h"
 #include "richtext/rtfescape.h"
 #include "richtext/rtfwritertables.h"
 #include "richtext/textproperties.h"
@@ -19,6 +20,7 @@ constexpr double largestTwips = 30'000'000;
 constexpr int blockIndent = 600; // As the toolkit draws it: 40 pixels a step.
 constexpr int defaultTab = 560;
 constexpr int defaultTabCount = 12;
+constexpr char plainBorderBelow[] = "\\brdrb\\brdrs\\brdrw10\\brsp20";
 
 const char *kindWord(QTextOption::TabType type)
 {
@@ -65,11 +67,13 @@ QByteArray tabWords(const QTextBlockFormat &format, int listTextIndent)
     if (leaders.size() != tabs.size()) {
         leaders.clear();
     }
+    const qint64 start =
+        listTextIndent > 0 ? listTextIndent : twipsOf(format.leftMargin() + format.textIndent());
     QByteArray words;
     for (qsizetype i = 0; i < tabs.size(); ++i) {
         words += kindWord(tabs[i].type);
         words += leaders.isEmpty() ? "" : leaderWord(leaders[i]);
-        appendWord(words, "tx", twipsOf(tabs[i].position));
+        appendWord(words, "tx", twipsOf(tabs[i].position) + start);
     }
     return words;
 }
@@ -126,6 +130,20 @@ QByteArray directionWord(const QTextBlockFormat &format)
     return format.layoutDirection() == Qt::RightToLeft ? "\\rtlpar" : "\\ltrpar";
 }
 
+/// With the border below that stands for a horizontal rule, and without one where it has gone.
+QByteArray carriedWords(const QTextBlockFormat &format)
+{
+    QByteArray words = format.property(ParagraphWords).toByteArray();
+    const bool hasRule = format.hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth);
+    if (hasRule && !hasBorderBelow(words)) {
+        removeBorderBelow(words); // one that is none
+        words += plainBorderBelow;
+    } else if (!hasRule && hasBorderBelow(words)) {
+        removeBorderBelow(words);
+    }
+    return words;
+}
+
 const char *alignmentWord(const QTextBlockFormat &format)
 {
     if (!format.hasProperty(QTextFormat::BlockAlignment)) {
@@ -157,7 +175,7 @@ QByteArray rtfParagraphWords(const QTextBlockFormat &format, int listIndent,
     const int listTextIndent =
         listIndent > 0 ? int(twipsOf(format.leftMargin())) + listIndent * listLevelIndent : 0;
     QByteArray words = tabWords(format, listTextIndent);
-    words += tables.withNumbers(format.property(ParagraphWords).toByteArray());
+    words += tables.withNumbers(carriedWords(format));
     if (format.headingLevel() > 0) {
         appendWord(words, "outlinelevel", format.headingLevel() - 1);
     }

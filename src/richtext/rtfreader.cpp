@@ -13,15 +13,6 @@ constexpr uchar placeholder = 0xac;
 constexpr qsizetype longestName = 64; // Of a style.
 constexpr qsizetype longestRun = 1 << 20; // Keeps the buffer small where no format changes.
 
-bool isAscii(QByteArrayView bytes)
-{
-    uchar all = 0;
-    for (const char c : bytes) {
-        all |= uchar(c);
-    }
-    return all < 0x80;
-}
-
 } // namespace
 
 RtfReader::RtfReader(QByteArrayView rtf, RtfSink &sink)
@@ -112,7 +103,7 @@ void RtfReader::handle(const RtfToken &token)
         hex(token.byte);
         break;
     case RtfToken::Kind::Text:
-        text(token.text);
+        text(token.text, token.isAscii);
         break;
     case RtfToken::Kind::Binary:
         binary(token.text);
@@ -307,7 +298,7 @@ void RtfReader::symbol(uchar byte)
         unit(0x2011);
     } else {
         const char c = char(byte);
-        bytes(QByteArrayView(&c, 1));
+        bytes(QByteArrayView(&c, 1), byte < 0x80);
     }
 }
 
@@ -327,7 +318,12 @@ void RtfReader::hex(uchar byte)
     } else if (m_state.destination == Destination::LevelText && byte < ' ') {
         unit(byte); // A place for a number, or the length.
     } else if (takesText()) {
-        m_bytes.append(char(byte));
+        if (m_bytes.isEmpty() && m_state.codePage == windowsLatin
+            && m_state.destination == Destination::Body) {
+            m_text.append(fromWindowsLatin(byte));
+        } else {
+            m_bytes.append(char(byte));
+        }
     }
 }
 
@@ -338,7 +334,7 @@ void RtfReader::binary(QByteArrayView bytes)
     }
 }
 
-void RtfReader::text(QByteArrayView bytes)
+void RtfReader::text(QByteArrayView bytes, bool isAscii)
 {
     if (m_state.destination == Destination::Picture) {
         m_pictureReader.hex(bytes);
@@ -350,17 +346,25 @@ void RtfReader::text(QByteArrayView bytes)
     m_expectsPlaceholder = false;
     const qsizetype skipped = std::min<qsizetype>(m_fallbackLeft, bytes.size());
     m_fallbackLeft -= int(skipped);
-    this->bytes(bytes.sliced(skipped));
+    this->bytes(bytes.sliced(skipped), isAscii);
 }
 
-void RtfReader::bytes(QByteArrayView bytes)
+void RtfReader::bytes(QByteArrayView bytes, bool isAscii)
 {
     if (bytes.isEmpty() || !takesText()) {
         return;
     }
     // Behind a byte that waits even ASCII may be the second half of a character.
-    if (m_bytes.isEmpty() && isAscii(bytes)) {
-        m_text.append(QLatin1StringView(bytes.data(), bytes.size()));
+    if (m_bytes.isEmpty() && isAscii) {
+        const qsizetype start = m_text.size();
+        const qsizetype end = start + bytes.size();
+        if (end > m_text.capacity()) {
+            m_text.reserve(2
+                           * end); // Of its own accord it would grow by no more than is asked for.
+        }
+        m_text.resize(end);
+        std::transform(bytes.begin(), bytes.end(), m_text.begin() + start,
+                       [](char c) { return uchar(c); });
     } else {
         m_bytes.append(bytes.data(), bytes.size());
     }
@@ -390,14 +394,14 @@ void RtfReader::unit(char16_t unit)
         flushText();
         m_tableReader.fontNameUnit(unit);
     } else if (takesText()) {
-        m_text.append(QChar(unit));
+        m_text.append(unit);
     }
 }
 
 void RtfReader::append(QStringView text)
 {
     if (takesText()) {
-        m_text.append(text);
+        m_text.append(text.utf16(), text.size());
     }
 }
 
@@ -418,10 +422,13 @@ bool RtfReader::takesText()
     }
     if (m_asideCells > 0) {
         flushBytes();
-        m_text.append(QString(m_asideCells, u'\t'));
-        m_asideCells = 0;
+        for (; m_asideCells > 0; --m_asideCells) {
+            m_text.append(u'\t');
+        }
     }
-    settleLabel();
+    if (!m_label.isEmpty()) {
+        settleLabel();
+    }
     m_symbol.reset();
     m_paragraphIsEmpty = false;
     return true;
@@ -452,8 +459,10 @@ void RtfReader::flushBytes()
     } else if (m_state.destination == Destination::Graphic) {
         codePage = utf8Page;
     }
-    m_codePages.decode(codePage, m_bytes, m_text);
+    m_decoded.resize(0);
+    m_codePages.decode(codePage, m_bytes, m_decoded);
     m_bytes.resize(0);
+    m_text.append(QStringView(m_decoded).utf16(), m_decoded.size());
 }
 
 void RtfReader::flushText()
@@ -461,46 +470,46 @@ void RtfReader::flushText()
     if (m_text.isEmpty()) {
         return;
     }
+    const QStringView text(m_text);
     switch (m_state.destination) {
     case Destination::Body:
-        m_sink.text(m_text, m_state.paragraph, m_state.character);
+        m_sink.text(text, m_state.paragraph, m_state.character);
         break;
     case Destination::Fonts:
-        m_tableReader.fontText(m_text);
+        m_tableReader.fontText(text);
         break;
     case Destination::Colours:
-        m_tableReader.colourText(m_text);
+        m_tableReader.colourText(text);
         break;
     case Destination::ExpandedColours:
-        m_tableReader.expandedColourText(m_text);
+        m_tableReader.expandedColourText(text);
         break;
     case Destination::Styles:
-        m_style.name.append(
-            QStringView(m_text).first(std::min(m_text.size(), longestName - m_style.name.size())));
+        m_style.name.append(text.first(std::min(text.size(), longestName - m_style.name.size())));
         break;
     case Destination::LevelText:
-        m_listReader.levelText(m_text);
+        m_listReader.levelText(text);
         break;
     case Destination::FieldInstruction:
-        m_instruction.append(m_text);
+        m_instruction.append(text);
         break;
     case Destination::Label:
         m_labelCharacter = m_state.character;
-        m_label.append(m_text);
+        m_label.append(text);
         break;
     case Destination::OldListText:
-        m_listReader.oldText(m_text, m_oldTextPlace);
+        m_listReader.oldText(text, m_oldTextPlace);
         break;
     case Destination::InfoText:
-        m_tables.info[m_infoWord].append(m_text);
+        m_tables.info[m_infoWord].append(text);
         break;
     case Destination::Graphic:
-        m_attachment.name.append(m_text);
+        m_attachment.name.append(text);
         break;
     default:
         break;
     }
-    m_text.resize(0);
+    m_text.clear();
 }
 
 } // namespace quorvane

@@ -9,6 +9,8 @@
 #include "richtext/rtftables.h"
 #include "richtext/rtftokenizer.h"
 
+#include <QVarLengthArray>
+
 #include <optional>
 #include <vector>
 
@@ -111,8 +113,8 @@ private:
     void symbol(uchar byte);
     void hex(uchar byte);
     void binary(QByteArrayView bytes);
-    void text(QByteArrayView bytes);
-    void bytes(QByteArrayView bytes);
+    void text(QByteArrayView bytes, bool isAscii);
+    void bytes(QByteArrayView bytes, bool isAscii);
     void unicode(int number);
     void unit(char16_t unit);
     void append(QStringView text);
@@ -172,7 +174,8 @@ private:
     qsizetype m_rewoundUntil = 0;
 
     QByteArray m_bytes; ///< Text that waits for its code page.
-    QString m_text; ///< Text that waits for a change of format.
+    QVarLengthArray<char16_t, 1024> m_text; ///< Text that waits for a change of format.
+    QString m_decoded; ///< Keeps its memory.
     bool m_paragraphIsEmpty = true;
 
     RtfTab m_tab; ///< What was said of the next tab stop.

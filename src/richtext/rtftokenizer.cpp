@@ -1,7 +1,6 @@
 #include "richtext/rtftokenizer.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 namespace quorvane {
@@ -18,43 +17,7 @@ constexpr bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-constexpr std::array<bool, 256> makeTextBytes()
-{
-    std::array<bool, 256> isText {};
-    isText.fill(true);
-    for (const char c : {'\\', '{', '}', '\r', '\n', '\0'}) {
-        isText[std::size_t(c)] = false;
-    }
-    return isText;
-}
-
-constexpr std::array<bool, 256> textBytes = makeTextBytes();
-
 } // namespace
-
-RtfToken RtfTokenizer::next()
-{
-    while (m_at < m_rtf.size()) {
-        switch (m_rtf[m_at]) {
-        case '{':
-            ++m_at;
-            return {.kind = RtfToken::Kind::GroupStart, .text = {}};
-        case '}':
-            ++m_at;
-            return {.kind = RtfToken::Kind::GroupEnd, .text = {}};
-        case '\\':
-            return control();
-        case '\r':
-        case '\n':
-        case '\0': // Padding of clipboards and broken writers.
-            ++m_at;
-            break;
-        default:
-            return text();
-        }
-    }
-    return {};
-}
 
 RtfToken RtfTokenizer::control()
 {
@@ -78,33 +41,37 @@ RtfToken RtfTokenizer::control()
 
 RtfToken RtfTokenizer::word()
 {
+    const QByteArrayView rtf = m_rtf;
     const qsizetype start = m_at;
-    while (m_at < m_rtf.size() && isLetter(m_rtf[m_at])) {
-        ++m_at;
+    qsizetype at = start;
+    while (at < rtf.size() && isLetter(rtf[at])) {
+        ++at;
     }
-    RtfToken token {.kind = RtfToken::Kind::Word, .text = m_rtf.sliced(start, m_at - start)};
-    qsizetype digits = m_at;
-    const bool negative = digits < m_rtf.size() && m_rtf[digits] == '-';
-    digits += negative ? 1 : 0;
-    if (digits < m_rtf.size() && isDigit(m_rtf[digits])) {
+    RtfToken token {.kind = RtfToken::Kind::Word, .text = rtf.sliced(start, at - start)};
+    const bool negative = at < rtf.size() && rtf[at] == '-';
+    qsizetype digits = at + (negative ? 1 : 0);
+    if (digits < rtf.size() && isDigit(rtf[digits])) {
         qint64 value = 0;
-        for (m_at = digits; m_at < m_rtf.size() && isDigit(m_rtf[m_at]); ++m_at) {
-            value = std::min<qint64>(value * 10 + (m_rtf[m_at] - '0'), qint64(1) << 40);
+        for (; digits < rtf.size() && isDigit(rtf[digits]); ++digits) {
+            value = std::min<qint64>(value * 10 + (rtf[digits] - '0'), qint64(1) << 40);
         }
+        at = digits;
         token.hasParameter = true;
         token.parameter =
             int(std::clamp<qint64>(negative ? -value : value, std::numeric_limits<int>::min(),
                                    std::numeric_limits<int>::max()));
     }
-    if (m_at < m_rtf.size() && m_rtf[m_at] == ' ') {
-        ++m_at;
+    if (at < rtf.size() && rtf[at] == ' ') {
+        ++at;
     }
     // A length beyond the end is a lie, and what follows may be text.
-    if (token.parameter > 0 && token.text == "bin" && token.parameter <= m_rtf.size() - m_at) {
+    if (token.parameter > 0 && token.text.size() == 3 && token.text == "bin"
+        && token.parameter <= rtf.size() - at) {
         token.kind = RtfToken::Kind::Binary;
-        token.text = m_rtf.sliced(m_at, token.parameter);
-        m_at += token.parameter;
+        token.text = rtf.sliced(at, token.parameter);
+        at += token.parameter;
     }
+    m_at = at;
     return token;
 }
 
@@ -119,15 +86,6 @@ RtfToken RtfTokenizer::hex()
         }
     }
     return {.kind = RtfToken::Kind::Symbol, .text = {}, .byte = '\''};
-}
-
-RtfToken RtfTokenizer::text()
-{
-    const qsizetype start = m_at;
-    while (m_at < m_rtf.size() && textBytes[uchar(m_rtf[m_at])]) {
-        ++m_at;
-    }
-    return {.kind = RtfToken::Kind::Text, .text = m_rtf.sliced(start, m_at - start)};
 }
 
 } // namespace quorvane

@@ -33,12 +33,16 @@ namespace quorvane {
 //   \sl \slmult           line height: proportional N*100/240; fixed; minimum
 //   \slleading            line height, distance, where \sl says nothing
 //   \tx \tqr \tqc \tqdec  tab positions (Delimiter is '.'); none for the platform's default stops,
-//                         defaultTabWords
+//                         defaultTabWords. Qt counts them from where the first line begins, RTF
+//                         from the margin: px = (\tx - \li - \fi) / 15, in a list (\tx - \li) / 15
 //   \outlinelevel         heading level, 1 for \outlinelevel0, up to 6
 //   \pagebb               page break policy: always before
 //   \cbpat                background
+//   \brdrb                a horizontal rule below (BlockTrailingHorizontalRulerWidth); how it looks
+//                         is in ParagraphWords and counts while there is a rule
 //   \page \column         the character U+000C; \line is U+2028
-// Lists: a QTextList for each \ls and level. Style by \levelnfc; indent is the level, 1 for
+// Lists: a QTextList for each \ls and level. Style by \levelnfc, see listmarks.h; indent is the
+// level, 1 for
 //   \ilvl0; number prefix and suffix by the level's text ("." is Qt's own suffix and not set). The
 //   block's left margin is what \li has more than 720 * indent; its tab positions are none for the
 //   platform's stops of a list (listTabWords). The hanging first line is in ListFirstIndent and
@@ -94,8 +98,9 @@ enum TextProperty {
     ///< table. Not written while it is empty, the first one of the document or of its
     ///< cell, and a table follows at once.
     // On a QTextListFormat.
-    ListStart, ///< int, \levelstartat where it is not 1. Qt shows 1.
-    ListMarker, ///< QString, a bullet that is none of Qt's ("\u2043", "-"); the style is ListDisc.
+    ListStart, ///< int, \levelstartat where it is not 1.
+    ListMarker, ///< QString, a bullet that is none of Qt's ("\u2043", "-"); the kind is ListDisc.
+    ///< An item with uncheckedMark or checkedMark is one of a checklist.
     ListLevelText, ///< QString, the text of a level with numbers of other levels in it ("1.1."):
                    ///< U+0000 to U+0008 stand for the levels' numbers.
     // On a QTextTableCellFormat.
@@ -108,7 +113,12 @@ enum TextProperty {
     // Characters once more.
     FontKey, ///< QString, the family where a text has very many fonts: of a list of families Qt's
     ///< table of formats knows nothing but the type, and would compare with each.
+    // On a QTextListFormat once more.
+    ListKind, ///< int, the style of a list whose marks Qt cannot show: its own is undefined then.
 };
+
+constexpr char16_t uncheckedMark = u'\u2610';
+constexpr char16_t checkedMark = u'\u2611';
 
 /// Units that a text document uses for its own structure: U+FFFD with OriginalUnit stands for them.
 constexpr bool isDocumentInternal(char16_t unit)

@@ -1,13 +1,13 @@
 #include "shell/aboutwindow.h"
 
-#include "editor/glyphicon.h"
+#include "editor/glyphpicture.h"
 #include "product/buildsettings.h"
+#include "shell/productlabel.h"
 #include "shell/qvappdelegatebase.h"
 
 #include <QBoxLayout>
 #include <QKeySequence>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
 
@@ -18,54 +18,29 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int markExtent = 72;
-constexpr double nameScale = 1.9; // of the usual size of text
-
-class Mark final : public QWidget
-{
-public:
-    explicit Mark(QWidget *parent)
-        : QWidget(parent)
-    {
-        setFixedSize(markExtent, markExtent);
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        m_icon.paint(&painter, rect());
-    }
-
-private:
-    QIcon m_icon = glyphIcon(Glyph::Padlock);
-};
 
 } // namespace
 
 AboutWindow::AboutWindow(QVAppDelegateBase &delegate)
     : m_delegate(delegate)
 {
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                   | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(36, 30, 36, 26);
     column->setSizeConstraint(QLayout::SetFixedSize);
-    column->addWidget(new Mark(this), 0, Qt::AlignHCenter);
+    column->addWidget(new GlyphPicture(Glyph::Padlock, markExtent, this), 0, Qt::AlignHCenter);
     column->addSpacing(10);
-    const auto add = [&](const QString &text) {
-        auto *label = new QLabel(text, this);
+    const auto add = [&](QLabel *label) {
         label->setTextFormat(Qt::PlainText);
         label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         column->addWidget(label, 0, Qt::AlignHCenter);
-        return label;
     };
-    QLabel *name = add(appName());
-    QFont large = name->font();
-    large.setPointSizeF(large.pointSizeF() * nameScale);
-    large.setWeight(QFont::DemiBold);
-    name->setFont(large);
-    add(appStantment());
+    add(newProductLabel(this));
+    add(new QLabel(appStantment(), this));
     column->addSpacing(10);
-    add(u"Release %1 (build %2)"_s.arg(releaseString(), buildString()));
-    add(vendorName());
+    add(new QLabel(u"Release %1 (build %2)"_s.arg(releaseString(), buildString()), this));
+    add(new QLabel(vendorName(), this));
     column->addSpacing(14);
     auto *buttons = new QHBoxLayout;
     const auto addButton = [&](const QString &title, auto action) {
@@ -124,6 +99,7 @@ void AboutWindow::openAbout()
         return;
     }
     if (!m_window->isVisible()) {
+        adjustSize(); // else it is the middle of a larger window that is centred
         m_window->center();
         m_window->setTitle(u"About %1"_s.arg(appName()));
     }

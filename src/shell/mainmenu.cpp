@@ -50,6 +50,7 @@ const CommandRow &rowOf(DocumentAction action)
         {Action::EditPublicNote, u"Public No&te…"_s, {}},
         {Action::LockDocument, u"&Lock Document…"_s, Qt::CTRL | Qt::Key_L},
         {Action::RunPageLayout, u"Page Set&up…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_P},
+        {Action::PrintPreview, u"Print Previe&w…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O},
         {Action::PrintDocument, u"&Print…"_s, QKeySequence::Print},
         {Action::MakePlainText, u"Make &Plain Text…"_s, {}},
         {Action::SwitchReadAndWrite, u"Prevent Editing"_s, {}},
@@ -210,7 +211,7 @@ void MainMenu::buildFileMenu()
     menu->addSeparator();
     addCommands(*menu, {Action::DocumentPassword, Action::EditPublicNote, Action::LockDocument});
     menu->addSeparator();
-    addCommands(*menu, {Action::RunPageLayout, Action::PrintDocument});
+    addCommands(*menu, {Action::RunPageLayout, Action::PrintPreview, Action::PrintDocument});
 }
 
 void MainMenu::buildEditMenu()
@@ -253,7 +254,8 @@ void MainMenu::buildFormatMenu()
     addTextCommands(*menu, {Command::Bold, Command::Italic, Command::Underline});
     addTextMenu(*menu, u"&Character"_s,
                 {Command::Strikethrough, Command::Superscript, Command::Subscript, Command::Bigger,
-                 Command::Smaller, Command::TextColour, Command::HighlightColour});
+                 Command::Smaller, Command::TextColour, Command::LastTextColour,
+                 Command::HighlightColour, Command::LastHighlight});
     addTextCommands(*menu, {Command::ClearFormatting});
     menu->addSeparator();
     addTextMenu(*menu, u"&Heading"_s,
@@ -306,7 +308,8 @@ void MainMenu::buildViewMenu()
             return MenuItemState {
                 isUnlocked(), shows || !isUnlocked() ? u"Hide &Toolbar"_s : u"Show &Toolbar"_s, {}};
         });
-    addTextCommands(*menu, {TextCommand::ShowRuler, TextCommand::ShowStatusBar});
+    addTextCommands(*menu,
+                    {TextCommand::GoToToolbar, TextCommand::ShowRuler, TextCommand::ShowStatusBar});
     menu->addSeparator();
     addTextCommands(*menu, {TextCommand::ZoomIn, TextCommand::ZoomOut, TextCommand::ActualSize});
     menu->addSeparator();

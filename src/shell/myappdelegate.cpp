@@ -5,6 +5,7 @@
 #include "product/release.h"
 #include "product/settings.h"
 #include "shell/aboutwindow.h"
+#include "shell/accessiblewindow.h"
 #include "shell/mypreftoolbardelegate.h"
 #include "shell/preferenceswindow.h"
 #include "update/qvphonehome.h"
@@ -34,6 +35,7 @@ void selectTitle(QComboBox *popup, const QString &title)
 MyAppDelegate::MyAppDelegate(AppSurroundings surroundings)
     : QVAppDelegateBase(std::move(surroundings))
 {
+    tellOfAccessibleWindows();
     NSValueTransformer::setValueTransformer(
         std::make_unique<QVValueIsEqualToStr>(u"Open Selected Document"_s), u"valueIsOpSelDoc"_s);
 }

@@ -101,6 +101,7 @@ QWidget *newGeneralPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
         action->addItem(title, qint64(action->count()));
     }
     defaultsbinding::bindSelectedTag(defaults, settings::startupActionTag, *action);
+    action->setAccessibleDescription(u"What a start shows"_s); // its name is its value here
     form->addRow(u"At &startup:"_s, action);
     form->addRow(u"Document:"_s, new StartupDocumentRow(delegate, defaults, *action));
     return panel;
@@ -136,12 +137,17 @@ QWidget *newEditPanel(NSUserDefaults &defaults, FontPopups &popups)
     column->addWidget(documents);
     column->addWidget(note);
     column->addStretch();
-    popups.ofDocuments->setAccessibleName(u"Font of new documents"_s);
-    popups.ofPublicNote->setAccessibleName(u"Font of the public note"_s);
+    const std::pair<QComboBox *, QString> names[] = {
+        {popups.ofDocuments, u"Font of new documents"_s},
+        {popups.ofPublicNote, u"Font of the public note"_s}};
+    for (const auto &[popup, name] : names) {
+        popup->setAccessibleName(name);
+        popup->setAccessibleDescription(name); // where its value is told for its name
+    }
     return panel;
 }
 
-QWidget *newAdvancedPanel(NSUserDefaults &defaults)
+QWidget *newAdvancedPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
 {
     auto *panel = new QWidget;
     auto *form = new QFormLayout(panel);
@@ -156,11 +162,23 @@ QWidget *newAdvancedPanel(NSUserDefaults &defaults)
     interval->setEnabled(enabled->isChecked());
     QObject::connect(enabled, &QCheckBox::toggled, interval, &QWidget::setEnabled);
     form->addRow(enabled);
-    form->addRow(u"Lock &after:"_s, interval);
+    QHBoxLayout *delay = newRow({interval});
+    delay->addStretch();
+    auto *after = new QLabel(u"Lock &after:"_s, panel);
+    after->setBuddy(interval);
+    form->addRow(after, delay);
     auto *hint = new QLabel(
         u"They are locked at once, too, when the screen locks or the machine goes to sleep."_s,
         panel);
     form->addRow(hint);
+    auto *restore = new QPushButton(u"&Restore Defaults…"_s, panel);
+    restore->setAutoDefault(true); // Enter presses it, too
+    QObject::connect(restore, &QPushButton::clicked, &delegate,
+                     &QVAppDelegateBase::restoreDefaults);
+    auto *last = newRow({restore});
+    last->setContentsMargins(0, 6, 0, 0);
+    last->addStretch();
+    form->addRow(last);
     return panel;
 }
 
@@ -185,6 +203,14 @@ QWidget *newUpdatePanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults)
     check->setAutoDefault(true); // Enter presses it, too
     QObject::connect(check, &QPushButton::clicked, &delegate,
                      &QVAppDelegateBase::checkForLastReleaseAvailable);
+    QObject::connect(&delegate, &QVAppDelegateBase::asksForUpdates, last,
+                     [last, showLast](bool asks) {
+                         if (asks) {
+                             last->setText(u"Checking…"_s);
+                         } else {
+                             showLast();
+                         }
+                     });
     column->addSpacing(6);
     column->addWidget(check, 0, Qt::AlignLeft);
     column->addStretch();

@@ -18,7 +18,7 @@ struct FontPopups
 // What stands on the panels of the preferences window, each control tied to its setting.
 QWidget *newGeneralPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults);
 QWidget *newEditPanel(NSUserDefaults &defaults, FontPopups &popups);
-QWidget *newAdvancedPanel(NSUserDefaults &defaults);
+QWidget *newAdvancedPanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults);
 QWidget *newUpdatePanel(QVAppDelegateBase &delegate, NSUserDefaults &defaults);
 
 } // namespace quorvane

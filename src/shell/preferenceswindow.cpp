@@ -21,10 +21,13 @@ constexpr int usualWidth = 580;
 PreferencesWindow::PreferencesWindow(QVAppDelegateBase &delegate, NSUserDefaults &defaults,
                                      const Adapt &adapt)
 {
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                   | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint
+                   | Qt::WindowCloseButtonHint); // there is nothing to see in a larger one
     auto *tabView = new QStackedWidget(this);
     tabView->addWidget(newGeneralPanel(delegate, defaults));
     tabView->addWidget(newEditPanel(defaults, m_fontPopups));
-    tabView->addWidget(newAdvancedPanel(defaults));
+    tabView->addWidget(newAdvancedPanel(delegate, defaults));
     tabView->addWidget(newUpdatePanel(delegate, defaults));
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});

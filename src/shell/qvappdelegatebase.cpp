@@ -34,6 +34,11 @@ QVAppDelegateBase::QVAppDelegateBase(AppSurroundings surroundings)
 {
     NSValueTransformer::setValueTransformer(std::make_unique<QVValueNotEqualToRef>(0),
                                             u"valueNot0"_s);
+    m_surroundings.phoneHome.setAsks([self = QPointer(this)](bool asks) {
+        if (self) {
+            Q_EMIT self->asksForUpdates(asks);
+        }
+    });
 }
 
 QVAppDelegateBase::~QVAppDelegateBase() = default;

@@ -104,6 +104,7 @@ public:
     void openPreferences(); ///< On the panel that it had last.
     void openPreferencesAtSenderTagTab(qint64 tag); ///< The low 32 bits of \a tag count.
     void openPreferencesAtTab(qint32 panel); ///< Beyond the last panel: on the one it had.
+    void restoreDefaults(); ///< Asks, and gives every setting its registered value again.
 
     static QString getAppStantment();
     QString getUserGuideName() const;
@@ -125,6 +126,7 @@ public:
 Q_SIGNALS:
     void StartupDocPathMessageStringChanged();
     void StartupDocSpecifiedChanged();
+    void asksForUpdates(bool asks); ///< It begins to ask the update service, or is done with it.
 
 protected:
     const AppSurroundings &surroundings() const { return m_surroundings; }

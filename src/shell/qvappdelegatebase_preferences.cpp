@@ -4,6 +4,8 @@
 
 namespace quorvane {
 
+using namespace Qt::StringLiterals;
+
 void QVAppDelegateBase::setPrefWindow(NSWindow *window, QVPrefToolbarDelegate *delegate)
 {
     m_prefWindow = window;
@@ -41,6 +43,18 @@ void QVAppDelegateBase::openPreferencesAtTab(qint32 panel)
     if (m_prefToolbarDelegate) {
         m_prefToolbarDelegate->SetPanelTab(panel);
     }
+}
+
+void QVAppDelegateBase::restoreDefaults()
+{
+    const NSAlert question {u"Restore all preferences to what they were at first?"_s,
+                            u"The document that is selected for startup stays selected."_s,
+                            {u"Restore"_s, u"Cancel"_s}};
+    m_surroundings.alerts.runModal(question, [self = QPointer(this)](AlertAnswer answer) {
+        if (self && answer == AlertAnswer::First) {
+            self->defaults().revertToInitialValues();
+        }
+    });
 }
 
 } // namespace quorvane

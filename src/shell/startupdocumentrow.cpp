@@ -43,6 +43,8 @@ StartupDocumentRow::StartupDocumentRow(QVAppDelegateBase &delegate, NSUserDefaul
     QFont bold = m_name->font();
     bold.setBold(true);
     m_name->setFont(bold);
+    // On one line with its label, which a form gives this height beside a high field.
+    m_name->setMinimumHeight(m_name->sizeHint().height() * 7 / 4);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->addWidget(m_name);
@@ -99,6 +101,7 @@ void StartupDocumentRow::show()
     m_name->setText(name.isEmpty() ? u"No document selected"_s : name);
     m_path->setText(m_path->fontMetrics().elidedText(folder, Qt::ElideMiddle, pathWidth));
     m_path->setToolTip(path);
+    m_path->setAccessibleName(path); // not cut to what there is room for
     m_status->setText(m_delegate.StartupDocPathMessageString());
     const bool isWanted = isTrue(u"valueIsOpSelDoc"_s, m_action.currentText());
     m_name->setEnabled(isWanted);

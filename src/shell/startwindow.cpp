@@ -1,16 +1,16 @@
 #include "shell/startwindow.h"
 
-#include "editor/glyphicon.h"
+#include "editor/glyphpicture.h"
+#include "editor/palelabel.h"
 #include "platform/nsdocumentcontroller.h"
 #include "product/release.h"
+#include "shell/productlabel.h"
 #include "shell/recentlist.h"
 #include "shell/recentmenu.h"
 
 #include <QBoxLayout>
 #include <QCloseEvent>
-#include <QGraphicsOpacityEffect>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 
@@ -21,31 +21,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int markExtent = 56;
-constexpr double nameScale = 1.9; // of the usual size of text
-constexpr double paleness = 0.65;
 constexpr QSize initialSize(540, 560);
 constexpr QSize smallestSize(400, 400);
 constexpr double largestShare = 0.9; // of the screen
-
-class Mark final : public QWidget
-{
-public:
-    explicit Mark(QWidget *parent)
-        : QWidget(parent)
-    {
-        setFixedSize(markExtent, markExtent);
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        m_icon.paint(&painter, rect());
-    }
-
-private:
-    QIcon m_icon = glyphIcon(Glyph::Padlock);
-};
 
 } // namespace
 
@@ -85,21 +63,13 @@ QWidget *StartWindow::newHeader()
     auto *row = new QHBoxLayout(header);
     row->setContentsMargins({});
     row->setSpacing(16);
-    row->addWidget(new Mark(header));
+    row->addWidget(new GlyphPicture(Glyph::Padlock, markExtent, header));
     auto *words = new QVBoxLayout;
     words->setSpacing(2);
-    auto *name = new QLabel(productName, header);
-    QFont font = name->font();
-    font.setPointSizeF(font.pointSizeF() * nameScale);
-    font.setWeight(QFont::DemiBold);
-    name->setFont(font);
-    auto *what = new QLabel(u"Documents that are kept encrypted, always."_s, header);
+    auto *what = new PaleLabel(u"Documents that are kept encrypted, always."_s, header);
     what->setWordWrap(true);
-    auto *pale = new QGraphicsOpacityEffect(what); // not every palette has a colour for it
-    pale->setOpacity(paleness);
-    what->setGraphicsEffect(pale);
     words->addStretch();
-    words->addWidget(name);
+    words->addWidget(newProductLabel(header));
     words->addWidget(what);
     words->addStretch();
     row->addLayout(words, 1);

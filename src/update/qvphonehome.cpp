@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int invitationDays = 90;
-constexpr qint64 invitationSeconds = 7'776'000;
+constexpr qint64 invitationSpan = 7'776'000'000; // milliseconds
 
 std::optional<UpdateRecord> firstRecordOf(URLLoader &loader, const QStringList &urls)
 {
@@ -108,6 +108,7 @@ std::optional<UpdateRecord> QVPhoneHome::getDictionaryFromTheNet() const
 void QVPhoneHome::checkForLastReleaseAvailable(bool notifyAvailable, bool notifyNotAvailable)
 {
     m_isChekingUpdateSystem = true;
+    tellWhetherItAsks(true);
     const auto record = std::make_shared<std::optional<UpdateRecord>>();
     m_surroundings.queue.addOperation(
         // On its own thread, so that it may see nothing of this object.
@@ -124,6 +125,7 @@ void QVPhoneHome::checkForLastReleaseAvailable(bool notifyAvailable, bool notify
 void QVPhoneHome::checked(const std::optional<UpdateRecord> &record, bool notifyAvailable,
                           bool notifyNotAvailable)
 {
+    tellWhetherItAsks(false);
     if (!record) {
         if (notifyNotAvailable) {
             notifyAboutFailedChechForUpdate();
@@ -203,7 +205,7 @@ void QVPhoneHome::inCaseInviteToCheckForLastReleaseAvailable(const std::function
 {
     const QDateTime last =
         m_surroundings.defaults.objectForKey(settings::lastCheckDateForUpdate).toDateTime();
-    if (last.isValid() && last.secsTo(m_surroundings.now()) <= invitationSeconds) {
+    if (last.isValid() && last.msecsTo(m_surroundings.now()) <= invitationSpan) {
         if (answered) {
             answered();
         }
@@ -241,6 +243,13 @@ void QVPhoneHome::inCaseInviteToCheckForLastReleaseAvailable(const std::function
         }
     };
     m_surroundings.alerts.runModal(alert, onAnswer);
+}
+
+void QVPhoneHome::tellWhetherItAsks(bool asks) const
+{
+    if (m_asks) {
+        m_asks(asks);
+    }
 }
 
 // What a record names is opened only where it is a web address.

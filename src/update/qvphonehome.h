@@ -8,7 +8,9 @@
 
 #include <QDateTime>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace quorvane {
 
@@ -33,6 +35,10 @@ public:
     QVPhoneHome &operator=(const QVPhoneHome &) = delete;
 
     bool isChekingUpdateSystem() const { return m_isChekingUpdateSystem; }
+
+    /// \a asks is told when the service begins to be asked (true), and when it has answered or
+    /// failed to.
+    void setAsks(std::function<void(bool)> asks) { m_asks = std::move(asks); }
 
     void SetValueAppRelease(qint64 release, const QString &appName, const QString &plistUrl1,
                             const QString &plistUrl2, const QString &plistUrl3,
@@ -64,6 +70,7 @@ private:
     void checkForLastReleaseAvailable(bool notifyAvailable, bool notifyNotAvailable);
     void checked(const std::optional<UpdateRecord> &record, bool notifyAvailable,
                  bool notifyNotAvailable);
+    void tellWhetherItAsks(bool asks) const;
     void open(const QString &url) const;
     void tell(const NSAlert &alert, const std::function<void(AlertAnswer)> &answered);
 
@@ -72,6 +79,7 @@ private:
     QString m_myAppName;
     QStringList m_myPlistUrls;
     bool m_isChekingUpdateSystem = false;
+    std::function<void(bool)> m_asks;
     std::shared_ptr<const int> m_life = std::make_shared<const int>(); // watched by completions
 };
 

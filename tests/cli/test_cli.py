@@ -268,7 +268,11 @@ class Refusals(Case):
         good, old = self.file("good.quorvane"), self.file("old.quorvane", version=1400)
         text, out = self.file("text", "x"), self.folder / "out"
         newer, gone = self.file("newer.quorvane", version=20401), self.folder / "gone"
+        fifo = self.folder / "fifo"
+        os.mkfifo(fifo)
         rows = (
+            (("create", "--force", fifo), UNWRITABLE, "no ordinary file"),
+            (("create", "--force", "/dev/stdout"), UNWRITABLE, "no ordinary file"),
             (("info", gone), UNREADABLE, "gone: No such file"), (("info", self.folder), UNREADABLE, str(self.folder)),
             (("info", text), UNREADABLE, "no document"), (("info", newer), NEWER, "newer.quorvane"),
             (("cat", text), UNREADABLE, "no document"), (("cat", newer), NEWER, "newer"),
@@ -296,6 +300,7 @@ class Refusals(Case):
         self.assert_ends(self.run_cli("passwd", good, new="short"), USAGE, "Password Too Short.")
         self.assert_ends(self.run_cli("create", out, password="short"), USAGE, "Password Too Short.")
         self.assertFalse(out.exists())
+        self.assertTrue(fifo.is_fifo())
         for arguments in ((), ("frobnicate",)):
             self.assert_ends(subprocess.run([PROGRAM, *arguments], capture_output=True, check=False), USAGE, "--help")
 

@@ -229,13 +229,14 @@ void TestDocumentState::commandsAreOfferedByState()
         for (const DocumentAction action :
              {DocumentAction::SaveDocument, DocumentAction::SaveDocumentAs,
               DocumentAction::DocumentPassword, DocumentAction::RevertDocumentToSaved,
-              DocumentAction::RunPageLayout, DocumentAction::PrintDocument,
-              DocumentAction::EditPublicNote, DocumentAction::ImportFromTEXT,
-              DocumentAction::ImportFromRTF, DocumentAction::ImportFromRTFD,
-              DocumentAction::ExportToTEXT, DocumentAction::ExportToRTF,
-              DocumentAction::ExportToRTFD, DocumentAction::SwitchReadAndWrite,
-              DocumentAction::MakePlainText, DocumentAction::LockDocument,
-              DocumentAction::SetReadOnly, DocumentAction::SetReadAndWrite}) {
+              DocumentAction::RunPageLayout, DocumentAction::PrintPreview,
+              DocumentAction::PrintDocument, DocumentAction::EditPublicNote,
+              DocumentAction::ImportFromTEXT, DocumentAction::ImportFromRTF,
+              DocumentAction::ImportFromRTFD, DocumentAction::ExportToTEXT,
+              DocumentAction::ExportToRTF, DocumentAction::ExportToRTFD,
+              DocumentAction::SwitchReadAndWrite, DocumentAction::MakePlainText,
+              DocumentAction::LockDocument, DocumentAction::SetReadOnly,
+              DocumentAction::SetReadAndWrite}) {
             marks += document.validateMenuItem(action).enabled ? u'+' : u'-';
         }
         return marks;

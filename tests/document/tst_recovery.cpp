@@ -21,6 +21,7 @@ private Q_SLOTS:
     void anUntitledDocumentIsKeptWhileItIsEdited();
     void aDocumentWithoutAPasswordIsNeverWritten();
     void theNextStartOpensWhatWasKept();
+    void aTitledDocumentComesBackUnderItsName();
     void aRecoveredDocumentGoesWhereItsEndSays_data();
     void aRecoveredDocumentGoesWhereItsEndSays();
     void anEndWithoutReviewKeepsWhatHasNoFile();
@@ -90,6 +91,32 @@ void TestRecovery::theNextStartOpensWhatWasKept()
     first->submitPasswordToDecrypt(password);
     QVERIFY(first->isDocumentEdited());
     QCOMPARE(first->myTextViewData(), std::optional(QByteArray("text")));
+}
+
+void TestRecovery::aTitledDocumentComesBackUnderItsName()
+{
+    World world;
+    for (int run = 0; run < 2; ++run) {
+        world.files.files.insert(path, knownFile("text", password));
+        ProgramRun crashed(world);
+        crashed.open(path);
+        crashed.document()->submitPasswordToDecrypt(password);
+        world.files.replaceError = FileError {EROFS, filestep::makingNewFile, path};
+        crashed.type("more");
+        world.timers.advance(5);
+        world.files.replaceError.reset();
+    }
+    ProgramRun program(world);
+    program.controller.restoreRecoveredDocuments();
+    QStringList names;
+    QList<double> places;
+    world.queue.runAll();
+    for (NSDocument *document : program.controller.documents()) {
+        names << document->displayName();
+        places << document->windowForSheet()->frame().x;
+    }
+    QCOMPARE(names, (QStringList {u"letter (Recovered)"_s, u"letter 2 (Recovered)"_s}));
+    QVERIFY2(places[1] > places[0], "no title hides another");
 }
 
 void TestRecovery::aRecoveredDocumentGoesWhereItsEndSays_data()

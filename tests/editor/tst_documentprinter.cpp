@@ -2,16 +2,19 @@
 #include "editor/documentprinter.h"
 #include "editor/editorview.h"
 #include "editor/printjob.h"
+#include "editor/printpreview.h"
 #include "editor/texteditor.h"
 #include "platform/posixfilestore.h"
 #include "platform_qt/dialogsheet.h"
 #include "richtext/body.h"
 #include "richtext/flatrtfd.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QBuffer>
 #include <QDialog>
 #include <QImage>
+#include <QLabel>
 #include <QPageRanges>
 #include <QPalette>
 #include <QPdfWriter>
@@ -22,6 +25,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextDocument>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -94,6 +99,7 @@ private slots:
     void thePaperIsWhiteUnderTheColoursOfTheText();
     void aPdfIsPutInPlaceForItsOwnerAlone_data();
     void aPdfIsPutInPlaceForItsOwnerAlone();
+    void thePreviewTurnsItsPagesAndSaysWhatIsNext();
 };
 
 void TestDocumentPrinter::everyPageHasItsText()
@@ -249,6 +255,32 @@ void TestDocumentPrinter::aPdfIsPutInPlaceForItsOwnerAlone()
         QCOMPARE(told(file.readAll(), u"pdftotext"_s, {}).simplified(), "printed words");
         QVERIFY(!(file.permissions() & (QFile::ReadGroup | QFile::ReadOther)));
     }
+}
+
+void TestDocumentPrinter::thePreviewTurnsItsPagesAndSaysWhatIsNext()
+{
+    QTextDocument document;
+    readBody("one\ftwo\fthree", document);
+    QPrinter printer(QPrinter::HighResolution);
+    PrintPreview preview(document, printer, nullptr);
+    preview.show();
+    const auto *place = preview.findChild<QLabel *>();
+    const auto choose = [&preview](const QString &title) {
+        const auto actions = preview.findChildren<QAction *>();
+        const auto named = std::find_if(actions.begin(), actions.end(), [&](const QAction *action) {
+            return action->text() == title;
+        });
+        (*named)->trigger();
+        return (*named)->isEnabled();
+    };
+    QTRY_COMPARE(place->text(), u"1 of 3"_s);
+    QVERIFY(!choose(u"Previous"_s));
+    choose(u"Next"_s);
+    QVERIFY(!choose(u"Next"_s));
+    QCOMPARE(place->text(), u"3 of 3"_s);
+    choose(u"Print…"_s);
+    QCOMPARE(preview.result(), PrintPreview::printCode);
+    QVERIFY(!preview.isVisible());
 }
 
 QTEST_MAIN(TestDocumentPrinter)

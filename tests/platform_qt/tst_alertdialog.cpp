@@ -112,6 +112,10 @@ void AlertDialogTest::aLongTextKeepsTheDialogNarrow()
     for (const QLabel *label : dialog.findChildren<QLabel *>()) {
         QVERIFY(label->height() >= label->heightForWidth(label->width()));
     }
+    QCOMPARE(dialog.findChild<QLabel *>(u"messageText"_s)->accessibleName(), path);
+    const QString folders = u"/folder-name"_s.repeated(20);
+    const AlertDialog copied({folders, {}, {u"OK"_s}});
+    QCOMPARE(copied.findChild<QLabel *>(u"messageText"_s)->text(), folders);
 }
 
 void AlertDialogTest::anEndedSheetTakesItsOwnQuestionsAlong()

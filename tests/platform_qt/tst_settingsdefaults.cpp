@@ -1,6 +1,9 @@
 #include "platform_qt/settingsdefaults.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -18,8 +21,12 @@ private Q_SLOTS:
     void aValueOutlivesTheProgram_data();
     void aValueOutlivesTheProgram();
     void theFileStandsInTheConfigurationFolder();
+    void aDamagedFileIsPutAside_data();
     void aDamagedFileIsPutAside();
-    void aFileThatCannotBeWrittenIsToldAndTheValueCounts();
+    void aSecondDamageKeepsTheFirst();
+    void aLinkToADamagedFileStays();
+    void whatCannotBeKeptIsToldOnceAndCounts_data();
+    void whatCannotBeKeptIsToldOnceAndCounts();
     void aRemovedValueStaysRemoved();
 
 private:
@@ -27,8 +34,16 @@ private:
 };
 
 namespace {
+
 constexpr auto key = "key"_L1;
+
+bool write(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
+
+} // namespace
 
 void SettingsDefaultsTest::aValueOutlivesTheProgram_data()
 {
@@ -49,7 +64,7 @@ void SettingsDefaultsTest::aValueOutlivesTheProgram()
     {
         SettingsDefaults defaults(path);
         defaults.setObject(key, value);
-        QCOMPARE(defaults.status(), SettingsDefaults::Status::Ok);
+        QCOMPARE(defaults.state(), SettingsDefaults::State::Whole);
     }
     const SettingsDefaults defaults(path);
     const QVariant back = defaults.objectForKey(key);
@@ -71,34 +86,83 @@ void SettingsDefaultsTest::theFileStandsInTheConfigurationFolder()
     QVERIFY(QFile::exists(folder + u"/quorvane/quorvane.ini"_s));
 }
 
-void SettingsDefaultsTest::aDamagedFileIsPutAside()
+void SettingsDefaultsTest::aDamagedFileIsPutAside_data()
 {
-    const QString path = m_folder.filePath(u"damaged.ini"_s);
-    const QByteArray content = "[General]\nkey=5\nthis is no line of settings\nother=6\n";
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-    file.close();
-
-    SettingsDefaults defaults(path);
-    QCOMPARE(defaults.status(), SettingsDefaults::Status::Damaged);
-    QCOMPARE(defaults.integerForKey(key), 5);
-    defaults.setObject(key, 7);
-    QFile aside(path + u".damaged"_s);
-    QVERIFY(aside.open(QIODevice::ReadOnly));
-    QCOMPARE(aside.readAll(), content);
-    QCOMPARE(SettingsDefaults(path).integerForKey(key), 7);
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("value");
+    QTest::newRow("a line that is none")
+        << QByteArray("[General]\nkey=5\nthis is no line of settings\nother=6\n") << 5;
+    QTest::newRow("an end in the middle of a line") << QByteArray("[General]\nkey=5\nothe") << 5;
+    QTest::newRow("zeros, as a crash of the machine leaves them") << QByteArray(4096, '\0') << 0;
+    QTest::newRow("another kind of file") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0", 11) << 0;
 }
 
-void SettingsDefaultsTest::aFileThatCannotBeWrittenIsToldAndTheValueCounts()
+void SettingsDefaultsTest::aDamagedFileIsPutAside()
 {
-    QFile notAFolder(m_folder.filePath(u"file"_s));
-    QVERIFY(notAFolder.open(QIODevice::WriteOnly));
-    notAFolder.close();
-    SettingsDefaults defaults(notAFolder.fileName() + u"/quorvane.ini"_s);
+    QFETCH(const QByteArray, content);
+    QFETCH(const int, value);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"damaged.ini"_s);
+    QVERIFY(write(path, content));
+    const SettingsDefaults defaults(path);
+    QCOMPARE(defaults.state(), SettingsDefaults::State::Damaged);
+    QCOMPARE(defaults.integerForKey(key), value);
+    QVERIFY(defaults.setAside() && defaults.setAside()->startsWith(path + u".damaged-"_s));
+    QFile aside(*defaults.setAside());
+    QVERIFY(aside.open(QIODevice::ReadOnly));
+    QCOMPARE(aside.readAll(), content);
+    // The next start finds all well, and what was readable.
+    const SettingsDefaults next(path);
+    QCOMPARE(next.state(), SettingsDefaults::State::Whole);
+    QCOMPARE(next.integerForKey(key), value);
+}
+
+void SettingsDefaultsTest::aSecondDamageKeepsTheFirst()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"damaged.ini"_s);
+    QStringList kept;
+    for (const QByteArray &content : {QByteArray("one"), QByteArray("two")}) {
+        QVERIFY(write(path, content));
+        kept << SettingsDefaults(path).setAside().value_or(QString());
+    }
+    kept.removeDuplicates();
+    QCOMPARE(kept.size(), 2);
+}
+
+void SettingsDefaultsTest::aLinkToADamagedFileStays()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"link.ini"_s);
+    const QString file = folder.filePath(u"file"_s);
+    QVERIFY(write(file, "key=5\ndamaged") && QFile::link(file, path));
+    const SettingsDefaults defaults(path);
+    QCOMPARE(defaults.state(), SettingsDefaults::State::Damaged);
+    QVERIFY(QFileInfo(path).isSymLink());
+    QCOMPARE(SettingsDefaults(file).integerForKey(key), 5);
+}
+
+void SettingsDefaultsTest::whatCannotBeKeptIsToldOnceAndCounts_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("isReadable");
+    QTest::newRow("a file where its folder should be") << u"file/quorvane.ini"_s << true;
+    QTest::newRow("a folder where the file should be") << u"folder"_s << false;
+}
+
+void SettingsDefaultsTest::whatCannotBeKeptIsToldOnceAndCounts()
+{
+    QFETCH(const QString, path);
+    QFETCH(const bool, isReadable);
+    const QTemporaryDir folder;
+    QVERIFY(write(folder.filePath(u"file"_s), {}) && QDir(folder.path()).mkdir(u"folder"_s));
+    SettingsDefaults defaults(folder.filePath(path));
+    QCOMPARE(defaults.state() == SettingsDefaults::State::Whole, isReadable);
+    const QSignalSpy told(&defaults, &SettingsDefaults::unwritable);
     defaults.setObject(key, 7);
-    QCOMPARE(defaults.status(), SettingsDefaults::Status::Unwritable);
-    QCOMPARE(defaults.integerForKey(key), 7);
+    defaults.setObject(key, 8);
+    QCOMPARE(told.size(), isReadable ? 1 : 0); // what was unreadable has been told of
+    QCOMPARE(defaults.integerForKey(key), 8);
 }
 
 void SettingsDefaultsTest::aRemovedValueStaysRemoved()

@@ -98,13 +98,18 @@ void TestRtfDocument::lookRows()
         "{height=16 heightkind=3 maximum=300}c\n{height=2 heightkind=4}d"_s);
     row("tab stops", "\\pard\\tx720\\tqr\\tldot\\tx1440\\tqc\\tx2160\\tqdec\\tx2880 a",
         u"{tabs=48l,96r,144c,192d leaders=0100}a"_s);
+    row("tab stops of an indented paragraph",
+        "\\pard\\li720\\fi-360\\tx180\\tx720 a\\par\\pard\\li360\\fi150\\tx1500 b",
+        u"{left=48 first=-24 tabs=-12l,24l}a\n{left=24 first=10 tabs=66l}b"_s);
     row("directions", "\\pard\\rtlpar a\\par\\pard\\ltrpar b\\par\\pardirnatural c",
         u"{direction=1}a\n{direction=0}b\nc"_s);
     row("headings and page breaks", "\\pard\\outlinelevel1\\pagebb a\\par\\pard\\cbpat1 b",
         u"{heading=2 break=1}a\n{bg=#ffff0000}b"_s);
     row("paragraph words that are only carried",
         "\\pard\\keepn\\keepn\\brdrb\\brdrs\\brdrw10\\brdrcf1 a",
-        u"{words=\\keepn\\brdrb\\brdrs\\brdrw10\\brdrcf#ffff0000}a"_s);
+        u"{rule=100% words=\\keepn\\brdrb\\brdrs\\brdrw10\\brdrcf#ffff0000}a"_s);
+    row("a border that is none", "\\pard\\brdrb\\brdrnil\\brdrt\\brdrs a",
+        u"{words=\\brdrb\\brdrnil\\brdrt\\brdrs}a"_s);
     row("styles are applied",
         "{\\stylesheet{\\ql\\fs24 Normal;}{\\s1\\qc\\b\\sbasedon0 Heading 3;}"
         "{\\*\\cs5\\i Emphasis;}{\\s2\\li15\\sbasedon1 x;}}"
@@ -153,24 +158,26 @@ void TestRtfDocument::listRows()
     row("the label before the paragraph's properties",
         "{\\listtext\\pard\\plain 1.\\tab}\\pard\\plain\\ls2\\ilvl0\\fi-360\\li720 a\\par"
         "\\pard between\\par{\\listtext 2.\\tab}\\pard\\ls2 b",
-        u"{listfirst=-360}item 1{style=-4 indent=1 start=3}a\nbetween\n"
-        "item 2{style=-4 indent=1 start=3}b"_s);
+        u"{listfirst=-360}item 1{style=0 indent=1 start=3 kind=-4}a\nbetween\n"
+        "item 2{style=0 indent=1 start=3 kind=-4}b"_s);
     row("levels begin anew, with all kinds of numbers",
         "\\pard\\ls2 a\\par\\ilvl1 b\\par\\ilvl2 c\\par\\ilvl0 d\\par\\ilvl1 e\\par",
-        u"item 1{style=-4 indent=1 start=3}a\nitem 1{style=-5 indent=2 prefix=( suffix=)}b\n"
-        "item 1{style=-4 indent=3 suffix= leveltext="_s
+        u"item 1{style=0 indent=1 start=3 kind=-4}a\nitem 1{style=-5 indent=2 prefix=( suffix=)}b\n"
+        "item 1{style=0 indent=3 suffix= leveltext="_s
             + QString(QChar(0)) + u"."_s + QChar(1) + u"-"_s + QChar(2)
-            + u"}c\nitem 2{style=-4 indent=1 start=3}d\n"
+            + u" kind=-4}c\nitem 2{style=0 indent=1 start=3 kind=-4}d\n"
               "item 1{style=-5 indent=2 prefix=( suffix=)}e\n"
               "item 2{style=-5 indent=2 prefix=( suffix=)}"_s);
     row("a list goes on behind deeper items of another one",
         "\\pard\\ls2 a\\par\\ls1\\ilvl1 b\\par\\ls2\\ilvl0 c\\par\\ls3\\ilvl1 d\\par"
         "\\pard\\ls1 e\\par\\ls2\\ilvl1 f\\par\\ls1\\ilvl0 g",
-        u"item 1{style=-4 indent=1 start=3}a\nitem 1{style=-3 indent=2}b\n"
-        "item 2{style=-4 indent=1 start=3}c\nitem 1{style=-1 indent=2 marker=\u2043}d\n"
+        u"item 1{style=0 indent=1 start=3 kind=-4}a\nitem 1{style=-3 indent=2}b\n"
+        "item 2{style=0 indent=1 start=3 kind=-4}c\nitem 1{style=0 indent=2 marker=\u2043 "
+        "kind=-1}d\n"
         "item 1{style=-1 indent=1}e\nitem 1{style=-5 indent=2 prefix=( suffix=)}f\n"
         "item 2{style=-1 indent=1}g"_s);
-    row("a bullet of its own", "\\pard\\ls3 a", u"item 1{style=-1 indent=1 marker=\u2043}a"_s);
+    row("a bullet of its own", "\\pard\\ls3 a",
+        u"item 1{style=0 indent=1 marker=\u2043 kind=-1}a"_s);
     row("an indent beyond the level's", "\\pard\\ls1\\li1080\\fi-1080 a",
         u"{left=24}item 1{style=-1 indent=1}a"_s);
     row("a list that is not there keeps its label", "\\pard\\ls9{\\listtext 9.\\tab}a", u"9.\ta"_s);
@@ -179,7 +186,7 @@ void TestRtfDocument::listRows()
         "\\pard{\\pntext\\'b7\\tab}{\\*\\pn\\pnlvlblt\\pnindent360{\\pntxtb\\'b7}}\\fi-360\\li720 a"
         "\\par{\\pntext\\'b7\\tab}b\\par\\pard{\\*\\pn\\pnlvlbody\\pndec\\pnstart2{\\pntxta )}}c",
         u"{listfirst=-360}item 1{style=-1 indent=1}a\n{listfirst=-360}item 2{style=-1 indent=1}b\n"
-        "item 1{style=-4 indent=1 suffix=) start=2}c"_s);
+        "item 1{style=0 indent=1 suffix=) start=2 kind=-4}c"_s);
 }
 
 void TestRtfDocument::listsAreRead_data()

@@ -1,5 +1,6 @@
 #include "richtext/attachmentstore.h"
 #include "richtext/body.h"
+#include "richtext/listmarks.h"
 #include "richtext/richtextexport.h"
 #include "richtext/textproperties.h"
 #include "support/describedtext.h"
@@ -120,26 +121,26 @@ private:
         QTextList *last = m_lists.isEmpty() ? nullptr : m_lists.last();
         // Bullets have no numbers that go on behind something else: there a list is a new one.
         const bool goesOn = last
-            && (last->format().style() <= QTextListFormat::ListDecimal
+            && (isNumbered(listKind(last->format()))
                 || cursor.block().previous().textList() == last);
         if (goesOn && !sometimes(3)) {
             last->add(cursor.block());
             return;
         }
         QTextListFormat format;
-        format.setStyle(QTextListFormat::Style(-1 - below(8)));
+        const auto kind = QTextListFormat::Style(-1 - below(8));
         format.setIndent(1 + below(4));
-        const bool isNumbered = format.style() <= QTextListFormat::ListDecimal;
-        if (isNumbered && sometimes(2)) {
+        if (isNumbered(kind) && sometimes(2)) {
             format.setNumberPrefix(u"(\u00a7"_s);
             format.setNumberSuffix(u")"_s);
         }
-        if (isNumbered && sometimes()) {
+        if (isNumbered(kind) && sometimes()) {
             format.setProperty(ListStart, 2 + below(20));
         }
-        if (format.style() == QTextListFormat::ListDisc && sometimes(2)) {
+        if (kind == QTextListFormat::ListDisc && sometimes(2)) {
             format.setProperty(ListMarker, u"\u2043"_s);
         }
+        setListKind(format, kind);
         m_lists.append(cursor.createList(format));
     }
 

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void aCheckBoxIsItsSetting();
     void aNumberIsItsSetting_data();
     void aNumberIsItsSetting();
+    void theDefaultsAreRestoredWhenTheQuestionIsAgreedTo();
     void theStartupActionIsChosenInAPopup();
     void fontsAreListedInPlainOrder();
     void aFontThatIsNotListedStaysAndIsShown();
@@ -181,6 +182,29 @@ void TestPreferences::aNumberIsItsSetting()
     program.defaults.setObject(key, 1); // less than can be shown
     QCOMPARE(program.defaults.doubleForKey(key), 1.0);
     QVERIFY(box->property("value").toDouble() > 1.0);
+}
+
+void TestPreferences::theDefaultsAreRestoredWhenTheQuestionIsAgreedTo()
+{
+    Preferences program;
+    const QVariantMap registered = settings::registeredDefaults();
+    const auto isRegistered = [&](const QString &key) {
+        return program.defaults.objectForKey(QLatin1StringView(key.toLatin1())) == registered[key];
+    };
+    const QStringList keys = registered.keys();
+    for (const QString &key : keys) {
+        program.defaults.setObject(QLatin1StringView(key.toLatin1()), u"other"_s);
+    }
+    program.defaults.setObject(settings::startupSelectedDocBookmark, QByteArray("kept"));
+    for (const QString &answer : {u"Cancel"_s, u"Restore"_s}) {
+        QTest::keyClick(program.control<QPushButton>(u"Restore Defaults…"_s), Qt::Key_Return);
+        QVERIFY(QTest::qWaitFor([&] { return RealProgram::press(answer); }));
+        QCOMPARE(std::count_if(keys.begin(), keys.end(), isRegistered),
+                 answer == "Restore"_L1 ? keys.size() : 0);
+    }
+    QCOMPARE(program.startupAction()->currentIndex(), 0);
+    QCOMPARE(program.defaults.objectForKey(settings::startupSelectedDocBookmark),
+             QVariant(QByteArray("kept")));
 }
 
 void TestPreferences::theStartupActionIsChosenInAPopup()

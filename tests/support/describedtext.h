@@ -108,6 +108,8 @@ private:
             {ListStart, "start="},
             {ListMarker, "marker="},
             {ListLevelText, "leveltext="},
+            {ListKind, "kind="},
+            {F::BlockTrailingHorizontalRulerWidth, "rule="},
             {CellWords, "words="},
             {RowWords, "rowwords="},
         };

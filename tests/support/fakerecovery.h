@@ -13,12 +13,13 @@ namespace quorvane {
 class FakeRecovery final : public RecoveryStore
 {
 public:
-    NewEntry newEntry() override
+    NewEntry newEntry(const QString &name) override
     {
         if (writeError) {
             return {nullptr, *writeError};
         }
-        return {std::make_unique<FakeEntry>(*this, ++m_last), {}};
+        names.insert(++m_last, name);
+        return {std::make_unique<FakeEntry>(*this, m_last), {}};
     }
 
     std::vector<std::unique_ptr<Entry>> takeAbandoned() override
@@ -33,6 +34,7 @@ public:
     }
 
     QMap<int, QByteArray> kept;
+    QMap<int, QString> names;
     std::optional<FileError> writeError; ///< What every write fails with while it is set.
     int writes = 0;
 
@@ -50,6 +52,8 @@ private:
         ~FakeEntry() override { m_store.m_living.remove(m_number); }
 
         QString path() const override { return QStringLiteral("/state/%1").arg(m_number); }
+
+        QString name() const override { return m_store.names.value(m_number); }
 
         FileStore::ReadResult read() override { return {m_store.kept.value(m_number), {}, {}}; }
 

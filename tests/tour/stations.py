@@ -34,6 +34,15 @@ class Names:
     password_changed = "Password changed successfuly"
     export_title, export = "Export as Unencripted RTF File", "Export"
     save, dont_save = "Save", "Don't Save"
+    quorvane_menu, preferences_item, about_item = "Quorvane", "Preferences…", "About Quorvane"
+    general, edit, advanced, update = "General", "Edit", "Advanced", "Update"
+    at_startup, select = "What a start shows", "Select…"
+    show_ruler, new_font_size = "Show the ruler", "Font size of new documents"
+    settings_damaged = "Your preferences could not be read in full"
+    check_now, about_title = "Check Now", "About Quorvane"
+    update_available = "There is an update available for Quorvane"
+    update_failed = "Quorvane was not able to connect to the Mirando server"
+    download, download_page, later = "Download Update", "Download Page", "Later"
 
 
 PASSWORD = "correct horse 7"
@@ -78,6 +87,7 @@ class Tour:
         self.text = TEXT
         self.password = PASSWORD
         self.old = []  # documents of old versions, once they were migrated
+        self.updates = None  # the update service, where the program was built to ask it
         self.station = None
         self.pictures = 0
         self.editor_size = None

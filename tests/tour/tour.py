@@ -17,9 +17,11 @@ import first
 import workflow  # noqa: F401  (each lists its stations)
 import richtext  # noqa: F401
 import olddocuments  # noqa: F401
+import preferences  # noqa: F401
 import last  # noqa: F401
 from desktop import Desktop
 from stations import STATIONS, Tour
+from updates import UpdateService
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 
@@ -58,6 +60,8 @@ def main():
     arguments = argparse.ArgumentParser(description="Drives the real program from outside.")
     arguments.add_argument("--program", default=ROOT / "build/release/bin/quorvane", type=Path)
     arguments.add_argument("--output", default=ROOT / "build/tour", type=Path)
+    arguments.add_argument("--update-host", help="the host that the program was built to ask for updates, "
+                           "where it is one of this machine")
     arguments = arguments.parse_args()
     program, output = arguments.program.resolve(), arguments.output.resolve()
     if not os.access(program, os.X_OK):
@@ -71,7 +75,10 @@ def main():
             old.unlink()
     with Desktop() as desktop:
         from screen import Screen  # Reads the environment when it is loaded.
-        return go(Tour(desktop, Screen(), program, output))
+        tour = Tour(desktop, Screen(), program, output)
+        if arguments.update_host:
+            tour.updates = UpdateService(arguments.update_host)
+        return go(tour)
 
 
 if __name__ == "__main__":

@@ -1,20 +1,21 @@
+#include "platform_qt/qtoperationqueue.h"
+#include "platform_qt/qturlloader.h"
 #include "product/settings.h"
 #include "support/inmemorydefaults.h"
 #include "support/recordingworkspace.h"
 #include "support/scriptedalerts.h"
 #include "update/qvphonehome.h"
 
-#include <QMap>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 
-#include <deque>
+#include <memory>
 
 using namespace quorvane;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QStringList endpoints {u"http://a/p"_s, u"http://b/p"_s, u"http://c/p"_s, u"http://d/p"_s};
 
 QByteArray recordOf(const QByteArray &lra)
 {
@@ -28,48 +29,91 @@ const QByteArray equal = recordOf("<key>LRA</key><integer>20601</integer>");
 const QByteArray older = recordOf("<key>LRA</key><integer>20600</integer>");
 const QByteArray withoutRelease = recordOf({});
 
-struct Net final : URLLoader
+/// The four endpoints, on the loopback: each has a path and an answer of its own.
+class Mirrors final : public QTcpServer
 {
-    std::optional<QByteArray> contentsOfURL(const QString &url) override
+public:
+    Mirrors()
     {
-        asked << url;
-        const auto found = answers.constFind(url);
-        return found == answers.constEnd() ? std::nullopt : std::optional(*found);
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            QTcpSocket *socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(*socket); });
+        });
     }
 
-    QMap<QString, QByteArray> answers;
-    QStringList asked;
+    QString url(int number) const
+    {
+        return u"http://127.0.0.1:%1/%2/mac/quorvane.plist"_s.arg(serverPort()).arg(number);
+    }
+
+    void answerAll(const QByteArray &body) { bodies = {body, body, body, body}; }
+
+    QByteArrayList bodies {{}, {}, {}, {}}; ///< Empty: the line is cut without an answer.
+    QByteArrayList requests;
+
+private:
+    void answer(QTcpSocket &socket)
+    {
+        const QByteArray request = socket.readAll();
+        requests << request;
+        const QByteArray body = bodies.value(request.mid(5, 1).toInt() - 1);
+        if (body.startsWith("HTTP")) {
+            socket.write(body);
+        } else if (!body.isEmpty()) {
+            socket.write("HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: "
+                         + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+        }
+        socket.disconnectFromHost();
+    }
 };
 
+/// The program's own queue, which also tells whether it is at work.
 struct Background final : BackgroundQueue
 {
     void addOperation(std::function<void()> work, std::function<void()> done) override
     {
-        waiting.push_back([work = std::move(work), done = std::move(done)] {
-            work();
+        ++begun;
+        queue.addOperation(std::move(work), [this, done = std::move(done)] {
+            ++ended;
             done();
         });
     }
 
-    void runAll()
+    void finish()
     {
-        while (!waiting.empty()) {
-            const auto next = waiting.front();
-            waiting.pop_front();
-            next();
-        }
+        QVERIFY(QTest::qWaitFor([this] { return ended == begun; }, 30'000));
     }
 
-    std::deque<std::function<void()>> waiting;
+    QtOperationQueue main;
+    QtBackgroundQueue queue {main};
+    int begun = 0;
+    int ended = 0;
 };
 
 struct World
 {
-    World()
+    World() { defaults.registerDefaults(settings::registeredDefaults()); }
+
+    ~World() { background.finish(); }
+
+    Q_DISABLE_COPY_MOVE(World)
+
+    void launch(const std::function<void()> &launched = {})
     {
-        defaults.registerDefaults(settings::registeredDefaults());
-        phone.SetValueAppRelease(20601, u"Quorvane"_s, endpoints[0], endpoints[1], endpoints[2],
-                                 endpoints[3]);
+        renew();
+        phone->startupProcedure(launched);
+    }
+
+    void renew()
+    {
+        phone = std::make_unique<QVPhoneHome>(
+            QVPhoneHome::Surroundings {defaults, alerts, workspace, loader, background, [this] {
+                                           return now;
+                                       }});
+        phone->setAsks([this](bool isAsking) { asks << isAsking; });
+        phone->SetValueAppRelease(20601, u"Quorvane"_s, net.url(1), net.url(2), net.url(3),
+                                  net.url(4));
     }
 
     QDateTime lastCheck() const
@@ -89,12 +133,12 @@ struct World
     InMemoryDefaults defaults;
     ScriptedAlerts alerts;
     RecordingWorkspace workspace;
-    Net net;
+    Mirrors net;
+    QtURLLoader loader;
     Background background;
+    QList<bool> asks;
     QDateTime now {QDate(2026, 3, 7), QTime(0, 1)};
-    QVPhoneHome phone {{defaults, alerts, workspace, net, background, [this] {
-                            return now;
-                        }}};
+    std::unique_ptr<QVPhoneHome> phone;
 };
 
 const QString available = u"There is an update available for Quorvane"_s;
@@ -105,6 +149,7 @@ const QString invitation =
 
 } // namespace
 
+/// Against a real server; the calendar and the clock are stepped.
 class TestQVPhoneHome : public QObject
 {
     Q_OBJECT
@@ -113,7 +158,6 @@ private Q_SLOTS:
     void aCheckTellsWhatItFinds_data();
     void aCheckTellsWhatItFinds();
     void theFirstEndpointThatAnswersIsTaken();
-    void theLaunchChecksOnceADay_data();
     void theLaunchChecksOnceADay();
     void theInvitationComesAfterNinetyDays_data();
     void theInvitationComesAfterNinetyDays();
@@ -134,8 +178,14 @@ void TestQVPhoneHome::aCheckTellsWhatItFinds_data()
     QTest::newRow("an older release") << older << upToDate << nothing << true;
     QTest::newRow("a record without a release") << withoutRelease << nothing << nothing << true;
     QTest::newRow("no answer at all") << QByteArray() << failed << nothing << false;
+    QTest::newRow("a bad status with a good record")
+        << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: "
+                      + QByteArray::number(newer.size()) + "\r\n\r\n" + newer)
+        << failed << nothing << false;
     QTest::newRow("no property list")
-        << QByteArray("<html>404</html>") << failed << nothing << false;
+        << QByteArray("<html>welcome</html>") << failed << nothing << false;
+    QTest::newRow("half a property list")
+        << newer.first(newer.size() / 2) << failed << nothing << false;
     QTest::newRow("a root that is no dictionary")
         << QByteArray("<plist version=\"1.0\"><array/></plist>") << failed << nothing << false;
 }
@@ -148,24 +198,22 @@ void TestQVPhoneHome::aCheckTellsWhatItFinds()
     QFETCH(const bool, dateIsWritten);
     for (const bool isByHand : {true, false}) {
         World world;
-        for (const QString &endpoint : endpoints) {
-            if (!answer.isEmpty()) {
-                world.net.answers[endpoint] = answer;
-            }
-        }
+        world.net.answerAll(answer);
         if (isByHand) {
-            world.phone.checkForLastReleaseAvailableWithNotify();
+            world.renew();
+            world.phone->checkForLastReleaseAvailableWithNotify();
         } else {
-            world.phone.startupProcedure();
+            world.launch();
         }
-        QVERIFY(world.phone.isChekingUpdateSystem());
-        world.background.runAll();
+        QVERIFY(world.phone->isChekingUpdateSystem());
+        world.background.finish();
         const QString told = isByHand ? byHand : byItself;
         QCOMPARE(world.told(), told.isEmpty() ? QStringList() : QStringList {told});
-        QCOMPARE(world.lastCheck().isValid(), dateIsWritten);
-        QCOMPARE(world.phone.isChekingUpdateSystem(), !told.isEmpty());
+        QCOMPARE(world.asks, (QList<bool> {true, false}));
+        QCOMPARE(world.lastCheck(), dateIsWritten ? world.now : QDateTime());
+        QCOMPARE(world.phone->isChekingUpdateSystem(), !told.isEmpty());
         world.alerts.answer(AlertAnswer::Third);
-        QVERIFY(!world.phone.isChekingUpdateSystem());
+        QVERIFY(!world.phone->isChekingUpdateSystem());
         QVERIFY(world.workspace.opened.isEmpty());
     }
 }
@@ -173,10 +221,15 @@ void TestQVPhoneHome::aCheckTellsWhatItFinds()
 void TestQVPhoneHome::theFirstEndpointThatAnswersIsTaken()
 {
     World world;
-    world.net.answers = {{endpoints[0], "rubbish"}, {endpoints[2], newer}, {endpoints[3], older}};
-    world.phone.checkForLastReleaseAvailableWithNotify();
-    world.background.runAll();
-    QCOMPARE(world.net.asked, endpoints.first(3));
+    world.net.bodies = {"rubbish", "HTTP/1.1 500 Oops\r\nContent-Length: 0\r\n\r\n", newer, older};
+    world.renew();
+    world.phone->checkForLastReleaseAvailableWithNotify();
+    world.background.finish();
+    QCOMPARE(world.net.requests.size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(world.net.requests[i].startsWith("GET /" + QByteArray::number(i + 1) + "/mac/"));
+        QVERIFY(!world.net.requests[i].contains("Cookie"));
+    }
     const NSAlert expected {
         available,
         u"You are using release: 2.6.1\nLatest available release is: 2.7\n"
@@ -188,63 +241,81 @@ void TestQVPhoneHome::theFirstEndpointThatAnswersIsTaken()
     QCOMPARE(world.workspace.opened, QList<QUrl> {QUrl(u"https://host.example/get"_s)});
 }
 
-void TestQVPhoneHome::theLaunchChecksOnceADay_data()
-{
-    QTest::addColumn<QDateTime>("last");
-    QTest::addColumn<bool>("checks");
-    QTest::newRow("never checked") << QDateTime() << true;
-    QTest::newRow("a minute ago, the day before")
-        << QDateTime(QDate(2026, 3, 6), QTime(23, 59)) << true;
-    QTest::newRow("today") << QDateTime(QDate(2026, 3, 7), QTime(0, 0)) << false;
-    QTest::newRow("the clock was set back") << QDateTime(QDate(2026, 3, 8), QTime(0, 1)) << true;
-}
-
 void TestQVPhoneHome::theLaunchChecksOnceADay()
 {
-    QFETCH(const QDateTime, last);
-    QFETCH(const bool, checks);
+    const QDate day(2026, 3, 7);
+
+    struct Launch
+    {
+        const char *when;
+        QDateTime now;
+        bool isUp;
+        bool checks;
+    };
+
+    const Launch launches[] = {
+        {"nothing answers", {day, QTime(9, 0)}, false, true},
+        {"tried again on the same day", {day, QTime(10, 0)}, true, true},
+        {"checked today", {day, QTime(23, 59)}, true, false},
+        {"two minutes later, on the next day", {day.addDays(1), QTime(0, 1)}, true, true},
+        {"the clock was set back a day", {day, QTime(12, 0)}, true, true},
+    };
     for (const bool notifies : {true, false}) {
         World world;
         world.defaults.setObject(settings::notifyUpdate.name, notifies);
-        if (last.isValid()) {
-            world.defaults.setObject("lastCheckDateForUpdate"_L1, last);
+        for (const auto &[when, now, isUp, checks] : launches) {
+            world.net.answerAll(isUp ? newer : QByteArray());
+            world.now = now;
+            world.alerts.shown.clear();
+            const int before = world.background.begun;
+            const QDateTime last = world.lastCheck();
+            world.launch();
+            QVERIFY2((world.background.begun > before) == checks, when);
+            world.background.finish();
+            QVERIFY2(world.told().contains(available) == (notifies && isUp && checks), when);
+            QCOMPARE(world.lastCheck(), isUp && checks ? now : last);
         }
-        world.phone.startupProcedure();
-        QCOMPARE(!world.background.waiting.empty(), checks);
     }
 }
 
 void TestQVPhoneHome::theInvitationComesAfterNinetyDays_data()
 {
-    QTest::addColumn<qint64>("secondsAgo");
+    QTest::addColumn<qint64>("msecsAgo");
     QTest::addColumn<QString>("message");
     const QString afterDays =
         u"It is more then 90 days this app doesn't report to you for updates.\n"_s + invitation;
     QTest::newRow("never checked") << qint64(-1) << invitation;
-    QTest::newRow("90 days to the second") << qint64(7'776'000) << QString();
-    QTest::newRow("a second longer") << qint64(7'776'001) << afterDays;
+    QTest::newRow("90 days exactly") << qint64(7'776'000'000) << QString();
+    QTest::newRow("a moment longer") << qint64(7'776'000'001) << afterDays;
 }
 
 void TestQVPhoneHome::theInvitationComesAfterNinetyDays()
 {
-    QFETCH(const qint64, secondsAgo);
+    QFETCH(const qint64, msecsAgo);
     QFETCH(const QString, message);
-    World world;
-    world.defaults.setObject(settings::notifyUpdate.name, false);
-    if (secondsAgo >= 0) {
-        world.defaults.setObject("lastCheckDateForUpdate"_L1, world.now.addSecs(-secondsAgo));
-    }
-    bool launched = false;
-    world.phone.startupProcedure([&launched] { launched = true; });
-    QCOMPARE(world.told(), message.isEmpty() ? QStringList() : QStringList {message});
-    QCOMPARE(launched, message.isEmpty()); // the launch waits for the answer
-    if (!message.isEmpty()) {
-        QCOMPARE(world.alerts.shown[0].buttons,
-                 (QStringList {u"OK"_s, u"Mirando Site"_s, u"Cancel"_s}));
+    for (const AlertAnswer answer : {AlertAnswer::First, AlertAnswer::Second, AlertAnswer::Third}) {
+        World world;
+        world.defaults.setObject(settings::notifyUpdate.name, false);
+        if (msecsAgo >= 0) {
+            world.defaults.setObject("lastCheckDateForUpdate"_L1, world.now.addMSecs(-msecsAgo));
+        }
+        bool launched = false;
+        world.launch([&launched] { launched = true; });
+        QCOMPARE(launched, message.isEmpty()); // the launch waits for the answer
+        if (message.isEmpty()) {
+            QVERIFY(world.alerts.shown.isEmpty());
+            continue;
+        }
+        const NSAlert expected {message,
+                                u"Suggested option is to have the update report enabled.\n"
+                                "Use the Preference Dialog to enable this feature."_s,
+                                {u"OK"_s, u"Mirando Site"_s, u"Cancel"_s}};
+        QCOMPARE(world.alerts.shown, QList<NSAlert> {expected});
         // The silent check of this launch is still running: it holds the one asked for back.
-        world.alerts.answer(AlertAnswer::First);
-        QCOMPARE(world.background.waiting.size(), std::size_t(1));
-        QVERIFY(launched && !world.phone.isChekingUpdateSystem());
+        world.alerts.answer(answer);
+        QCOMPARE(world.background.begun, 1);
+        QVERIFY(launched && !world.phone->isChekingUpdateSystem());
+        QCOMPARE(world.workspace.opened.size(), answer == AlertAnswer::Second ? 1 : 0);
     }
 }
 
@@ -264,7 +335,8 @@ void TestQVPhoneHome::whatIsOpenedIsAWebAddress()
     QFETCH(const QString, url);
     QFETCH(const bool, opens);
     World world;
-    world.phone.notifyAboutUpdateAvailable({20700, {}, url});
+    world.renew();
+    world.phone->notifyAboutUpdateAvailable({20700, {}, url});
     world.alerts.answer(AlertAnswer::Second);
     QCOMPARE(world.workspace.opened.size(), opens ? 1 : 0);
 }
@@ -272,12 +344,15 @@ void TestQVPhoneHome::whatIsOpenedIsAWebAddress()
 void TestQVPhoneHome::aSecondRequestIsDroppedWhileOneRuns()
 {
     World world;
-    world.phone.silentCheckForLastReleaseAvailable();
-    world.phone.checkForLastReleaseAvailableWithNotify();
-    QCOMPARE(world.background.waiting.size(), std::size_t(1));
-    world.background.runAll();
-    world.phone.checkForLastReleaseAvailableWithNotify();
-    QCOMPARE(world.background.waiting.size(), std::size_t(1));
+    world.net.answerAll(newer);
+    world.renew();
+    world.phone->silentCheckForLastReleaseAvailable();
+    world.phone->checkForLastReleaseAvailableWithNotify();
+    QCOMPARE(world.background.begun, 1);
+    world.background.finish();
+    QVERIFY(world.alerts.shown.isEmpty());
+    world.phone->checkForLastReleaseAvailableWithNotify();
+    QCOMPARE(world.background.begun, 2);
 }
 
 QTEST_GUILESS_MAIN(TestQVPhoneHome)

@@ -5,6 +5,7 @@
 #include "editor/documentwindow.h"
 #include "editor/documentwindowcontroller.h"
 #include "editor/lockedpage.h"
+#include "editor/stylememory.h"
 #include "editor/texteditor.h"
 #include "platform/posixpackagestore.h"
 #include "platform_qt/dialogsheet.h"
@@ -223,6 +224,7 @@ private:
             {{m_queue, files, panels, m_timers}, m_packages, isOpen},
             {m_queue, files, sheetOf, isOpen},
             workspace,
+            m_styles,
         };
         auto controller =
             std::make_unique<DocumentWindowController>(made, defaults, adapt, surroundings);
@@ -234,6 +236,7 @@ private:
 
     QtOperationQueue m_queue;
     QtTimers m_timers;
+    StyleMemory m_styles;
     QtFontManager m_fontManager;
     QtModalAlerts m_alerts {m_queue};
     PosixPackageStore m_packages;

@@ -1,0 +1,199 @@
+#include "editor/fontfields.h"
+
+#include "editor/fontsizes.h"
+#include "editor/texteditor.h"
+
+#include <QDoubleValidator>
+#include <QFocusEvent>
+#include <QFontComboBox>
+#include <QFontDatabase>
+#include <QLineEdit>
+#include <QLocale>
+#include <QToolTip>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+
+constexpr int fractionDigits = 2;
+constexpr int familyWidth = 140;
+constexpr int sizeWidth = 62;
+
+QString sizeText(double size)
+{
+    return QLocale().toString(size, 'g', QLocale::FloatingPointShortest);
+}
+
+QString missingText(const QString &family)
+{
+    return u"The font “%1” is not installed. “%2” is shown in its place."_s.arg(
+        family, QFontInfo(QFont(family)).family());
+}
+
+} // namespace
+
+FontFields::FontFields(TextEditor &editor, QWidget *parent)
+    : m_editor(editor)
+{
+    makeFamilies(parent);
+    makeSizes(parent);
+    connect(&m_editor, &QTextEdit::currentCharFormatChanged, this, &FontFields::showLater);
+    connect(&m_editor, &QTextEdit::cursorPositionChanged, this, &FontFields::showLater);
+    connect(&m_editor, &QTextEdit::selectionChanged, this, &FontFields::showLater);
+    connect(&m_editor, &QTextEdit::textChanged, this, &FontFields::showLater);
+    connect(&m_editor, &TextEditor::contentReplaced, this, &FontFields::showLater);
+    show();
+}
+
+void FontFields::makeFamilies(QWidget *parent)
+{
+    m_family = new QFontComboBox(parent);
+    m_family->setAccessibleName(u"Font"_s);
+    m_family->setToolTip(u"Font"_s);
+    m_family->setFixedWidth(familyWidth);
+    m_family->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_family->lineEdit()->installEventFilter(this);
+    connect(m_family, &QComboBox::textActivated, this, &FontFields::applyFamily);
+    connect(m_family->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+        const QString typed = m_family->lineEdit()->text().trimmed();
+        const bool isOffered = m_family->findText(typed, Qt::MatchFixedString) >= 0;
+        if (!isOffered && m_family->lineEdit()->hasFocus()) { // else it was activated already
+            applyFamily(typed);
+        }
+    });
+}
+
+void FontFields::makeSizes(QWidget *parent)
+{
+    m_size = new QComboBox(parent);
+    m_size->setAccessibleName(u"Font Size"_s);
+    m_size->setToolTip(u"Font Size"_s);
+    m_size->setEditable(true);
+    m_size->setInsertPolicy(QComboBox::NoInsert);
+    m_size->setCompleter(nullptr);
+    for (const int size : offeredFontSizes) {
+        m_size->addItem(sizeText(size));
+    }
+    m_size->setMaxVisibleItems(int(offeredFontSizes.size()));
+    m_size->setValidator(
+        new QDoubleValidator(smallestFontSize, largestFontSize, fractionDigits, m_size));
+    m_size->setFixedWidth(sizeWidth);
+    m_size->lineEdit()->installEventFilter(this);
+    connect(m_size, &QComboBox::activated, this,
+            [this](int index) { applySize(m_size->itemText(index)); });
+    connect(m_size->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+        if (m_size->findText(m_size->currentText()) < 0) { // else it was activated already
+            applySize(m_size->currentText());
+        }
+    });
+}
+
+void FontFields::setEnabled(bool enabled)
+{
+    m_family->setEnabled(enabled);
+    m_size->setEnabled(enabled);
+}
+
+// What was typed and not confirmed was not meant.
+bool FontFields::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::FocusOut
+        && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason) {
+        showLater();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void FontFields::applyFamily(const QString &family)
+{
+    if (family.isEmpty()) {
+        show();
+        return;
+    }
+    QTextCharFormat look;
+    look.setFontFamilies({family});
+    apply(look);
+    if (!QFontDatabase::hasFamily(family)) {
+        tellOfMissing(family);
+    }
+}
+
+void FontFields::tellOfMissing(const QString &family)
+{
+    QToolTip::showText(m_family->mapToGlobal(m_family->rect().bottomLeft()), missingText(family),
+                       m_family);
+}
+
+void FontFields::applySize(const QString &text)
+{
+    bool isNumber = false;
+    const double size = QLocale().toDouble(text, &isNumber);
+    if (!isNumber || size < smallestFontSize || size > largestFontSize) {
+        show();
+        return;
+    }
+    QTextCharFormat look;
+    look.setFontPointSize(size);
+    apply(look);
+}
+
+void FontFields::apply(const QTextCharFormat &look)
+{
+    m_editor.applyCharFormat(look, u"Font"_s);
+    show();
+    m_editor.setFocus();
+}
+
+void FontFields::showLater()
+{
+    if (std::exchange(m_shows, true)) {
+        return;
+    }
+    const auto now = [this] {
+        m_shows = false;
+        show();
+    };
+    QMetaObject::invokeMethod(this, now, Qt::QueuedConnection);
+}
+
+void FontFields::show()
+{
+    const QFont normal = m_editor.document()->defaultFont();
+    const auto familyOf = [&normal](const QTextCharFormat &look) {
+        return look.font().resolve(normal).family();
+    };
+    const auto sizeOf = [this](const QTextCharFormat &look) {
+        return sizeText(fontSizeOf(look, *m_editor.document()));
+    };
+    const QList<QTextCharFormat> &looks = m_editor.looks();
+    const auto common = [&looks](const auto &of) {
+        const QString first = of(looks.first());
+        const bool isCommon =
+            std::all_of(looks.begin(), looks.end(),
+                        [&](const QTextCharFormat &look) { return of(look) == first; });
+        return isCommon ? first : QString();
+    };
+    showFamily(common(familyOf));
+    if (const QString size = common(sizeOf); m_size->currentText() != size) {
+        m_size->setEditText(size);
+    }
+}
+
+void FontFields::showFamily(const QString &family)
+{
+    if (m_family->lineEdit()->text() == family) {
+        return;
+    }
+    const QSignalBlocker quiet(m_family);
+    m_family->setCurrentIndex(m_family->findText(family, Qt::MatchFixedString));
+    m_family->setEditText(family);
+    const bool isThere = family.isEmpty() || QFontDatabase::hasFamily(family);
+    m_family->setToolTip(isThere ? u"Font"_s : missingText(family));
+}
+
+} // namespace quorvane

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QObject>
+
+class QComboBox;
+class QFontComboBox;
+class QTextCharFormat;
+class QWidget;
+
+namespace quorvane {
+
+class TextEditor;
+
+/// The fields that show and set the font of a text. They are empty where a selection has several.
+class FontFields final : public QObject
+{
+public:
+    /// The fields belong to \a parent.
+    FontFields(TextEditor &editor, QWidget *parent);
+
+    QComboBox *size() const { return m_size; }
+
+    QFontComboBox *family() const { return m_family; }
+
+    void setEnabled(bool enabled);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void makeFamilies(QWidget *parent);
+    void makeSizes(QWidget *parent);
+    void applyFamily(const QString &family);
+    void applySize(const QString &text);
+    void apply(const QTextCharFormat &look);
+    void show();
+    void showLater();
+    void showFamily(const QString &family);
+    void tellOfMissing(const QString &family);
+
+    TextEditor &m_editor;
+    QFontComboBox *m_family = nullptr;
+    QComboBox *m_size = nullptr;
+    bool m_shows = false; // in this turn
+};
+
+} // namespace quorvane

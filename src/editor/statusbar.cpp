@@ -1,0 +1,118 @@
+#include "editor/statusbar.h"
+
+#include "editor/textcommands.h"
+#include "editor/texteditor.h"
+
+#include <QAction>
+#include <QElapsedTimer>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QToolButton>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+
+constexpr int pauseMilliseconds = 300; // of somebody who types
+constexpr int sliceMilliseconds = 4;
+constexpr int blocksAtOnce = 64; // between two looks at the clock
+
+QString counted(qint64 count, const QString &one, const QString &many)
+{
+    return u"%1 %2"_s.arg(QLocale().toString(count), count == 1 ? one : many);
+}
+
+} // namespace
+
+StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
+    : m_editor(editor)
+    , m_label(new QLabel(this))
+    , m_zoom(new QToolButton(this))
+{
+    setFrameShape(QFrame::NoFrame);
+    setAccessibleName(u"Status"_s);
+    m_label->setTextFormat(Qt::PlainText);
+    m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // never widens the window
+    m_zoom->setAutoRaise(true);
+    m_zoom->setFocusPolicy(Qt::NoFocus);
+    m_zoom->setToolTip(u"Show the text at its actual size"_s);
+    m_zoom->setAccessibleName(u"Zoom"_s);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(14, 1, 6, 1);
+    row->addWidget(m_label, 1);
+    row->addWidget(m_zoom);
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &StatusBar::countOn);
+    connect(m_zoom, &QToolButton::clicked, &editor, [&editor] { editor.setZoom(1); });
+    connect(&editor, &QTextEdit::textChanged, this, &StatusBar::begin);
+    connect(&editor, &QTextEdit::selectionChanged, this, &StatusBar::begin);
+    connect(&editor, &TextEditor::contentReplaced, this, &StatusBar::begin);
+    connect(&editor, &TextEditor::contentHiddenChanged, this, [this] {
+        m_label->clear();
+        begin();
+    });
+    connect(&editor, &TextEditor::zoomChanged, this, &StatusBar::showZoom);
+    commands.define(
+        TextCommand::ShowStatusBar, [this] { setVisible(isHidden()); },
+        [this] {
+            return MenuItemState {true, {}, !isHidden()};
+        });
+    showZoom();
+    begin();
+}
+
+void StatusBar::begin()
+{
+    m_next = -1;
+    m_timer.start(pauseMilliseconds);
+}
+
+void StatusBar::countOn()
+{
+    if (m_editor.isContentHidden() || isHidden()) {
+        return;
+    }
+    const QTextDocument &text = *m_editor.content();
+    if (m_next < 0) {
+        const QTextCursor caret = m_editor.textCursor();
+        m_ofSelection = caret.hasSelection();
+        m_next = m_ofSelection ? caret.selectionStart() : 0;
+        m_end = m_ofSelection ? caret.selectionEnd() : text.characterCount();
+        m_counts = {};
+    }
+    QElapsedTimer clock;
+    clock.start();
+    QTextBlock block = text.findBlock(m_next);
+    for (int done = 0; block.isValid() && m_next < m_end; block = block.next()) {
+        const int from = m_next - block.position();
+        const int length = std::min(block.length() - 1, m_end - block.position()) - from;
+        m_counts += countsOf(QStringView(block.text()).mid(from, length));
+        m_next = block.position() + block.length();
+        if (++done % blocksAtOnce == 0 && clock.hasExpired(sliceMilliseconds)) {
+            m_timer.start(0);
+            return;
+        }
+    }
+    showCounts();
+}
+
+void StatusBar::showCounts()
+{
+    const QStringList parts {counted(m_counts.words, u"word"_s, u"words"_s),
+                             counted(m_counts.characters, u"character"_s, u"characters"_s),
+                             counted(m_counts.paragraphs, u"paragraph"_s, u"paragraphs"_s)};
+    const QString what = parts.join(u"  ·  "_s);
+    m_label->setText(m_ofSelection ? u"Selected:  "_s + what : what);
+}
+
+void StatusBar::showZoom()
+{
+    m_zoom->setText(u"%1 %"_s.arg(qRound(100 * m_editor.zoom())));
+}
+
+} // namespace quorvane

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "editor/textcounts.h"
+
+#include <QFrame>
+#include <QTextBlock>
+#include <QTimer>
+
+class QLabel;
+class QToolButton;
+
+namespace quorvane {
+
+class TextCommands;
+class TextEditor;
+
+/// A line below the text that tells how much there is of it, or of what is selected, and how large
+/// it is shown. It counts when nobody types, a bit at a time.
+class StatusBar final : public QFrame
+{
+    Q_OBJECT
+
+public:
+    StatusBar(TextEditor &editor, TextCommands &commands);
+
+private:
+    void begin();
+    void countOn();
+    void showCounts();
+    void showZoom();
+
+    TextEditor &m_editor;
+    QLabel *m_label = nullptr;
+    QToolButton *m_zoom = nullptr;
+    QTimer m_timer;
+    int m_next = 0; // where counting goes on
+    int m_end = 0;
+    bool m_ofSelection = false;
+    TextCounts m_counts; // so far
+};
+
+} // namespace quorvane
