@@ -69,8 +69,9 @@ LinkEditing::LinkEditing(TextEditor &editor, TextCommands &commands, NSWindow &s
     commands.define(
         TextCommand::InsertLink, [this] { ask(); },
         [this, isOnLink] {
+            const bool isText = !m_editor.textCursor().hasComplexSelection();
             return MenuItemState {
-                !m_editor.isReadOnly(), isOnLink() ? u"Edit &Link…"_s : u"&Link…"_s, {}};
+                !m_editor.isReadOnly() && isText, isOnLink() ? u"Edit &Link…"_s : u"&Link…"_s, {}};
         });
     commands.define(
         TextCommand::RemoveLink, [this] { remove(); },

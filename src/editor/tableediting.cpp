@@ -25,11 +25,15 @@ using Command = TextCommand;
 
 /// What stands in a table alone is no part of what is typed into it.
 constexpr int cellProperties[] = {
-    QTextFormat::BackgroundBrush,      QTextFormat::TextVerticalAlignment,
-    QTextFormat::TableCellTopPadding,  QTextFormat::TableCellBottomPadding,
-    QTextFormat::TableCellLeftPadding, QTextFormat::TableCellRightPadding,
-    QTextFormat::TableCellTopBorder,   QTextFormat::TableCellBottomBorder,
-    QTextFormat::TableCellLeftBorder,  QTextFormat::TableCellRightBorder,
+    QTextFormat::BackgroundBrush,          QTextFormat::TextVerticalAlignment,
+    QTextFormat::TableCellTopPadding,      QTextFormat::TableCellBottomPadding,
+    QTextFormat::TableCellLeftPadding,     QTextFormat::TableCellRightPadding,
+    QTextFormat::TableCellTopBorder,       QTextFormat::TableCellBottomBorder,
+    QTextFormat::TableCellLeftBorder,      QTextFormat::TableCellRightBorder,
+    QTextFormat::TableCellTopBorderStyle,  QTextFormat::TableCellBottomBorderStyle,
+    QTextFormat::TableCellLeftBorderStyle, QTextFormat::TableCellRightBorderStyle,
+    QTextFormat::TableCellTopBorderBrush,  QTextFormat::TableCellBottomBorderBrush,
+    QTextFormat::TableCellLeftBorderBrush, QTextFormat::TableCellRightBorderBrush,
 };
 
 /// A row of the header has a look of its own, that others are not to have.

@@ -14,8 +14,8 @@ namespace {
 
 constexpr int usualRows = 3;
 constexpr int usualColumns = 3;
-constexpr int mostNewRows = 200;
-constexpr int mostNewColumns = 30;
+constexpr int mostNewRows = 100; // thousands of cells are slow to edit
+constexpr int mostNewColumns = 20;
 static_assert(mostNewRows <= mostTableRows && mostNewColumns <= mostTableColumns);
 
 QSpinBox *newCounter(int most, int usual, QWidget *parent)

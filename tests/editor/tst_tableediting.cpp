@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
+#include <QTextLayout>
 #include <QTextTable>
 
 using namespace Qt::StringLiterals;
@@ -260,6 +261,36 @@ private slots:
         QVERIFY(DescribedText::of(content()).startsWith(u"{"_s));
         QCOMPARE(content().firstBlock().text(), u"up"_s);
         QCOMPARE(content().lastBlock().text(), u"down"_s);
+    }
+
+    void aTableInACellIsReadBack()
+    {
+        showTable(1, 2);
+        for (const int column : {0, 1}) {
+            select({0, column});
+            editor().moveCursor(QTextCursor::EndOfBlock);
+            key(Qt::Key_Return);
+            insertTable(1, 2);
+            QCOMPARE(tableDepthAt(editor().textCursor()), 2);
+            QTest::keyClicks(&editor(), u"in"_s);
+        }
+        select({0, 0});
+        run(TextCommand::InsertColumnLeft);
+        insertTable(1, 1);
+        QCOMPARE(savedAndReadAgain(content()).split(u'('),
+                 DescribedText::of(content()).split(u'('));
+    }
+
+    void everyLineOfALongTextIsSeenBehindATable()
+    {
+        show(QString(u"line\n"_s).repeated(20000));
+        QVERIFY(content().lastBlock().layout()->lineCount() == 0); // nobody looked yet
+        insertTable(3, 3);
+        run(TextCommand::InsertRowBelow);
+        QVERIFY(content().lastBlock().layout()->lineCount() > 0);
+        editor().undo();
+        editor().undo();
+        QVERIFY(content().lastBlock().layout()->lineCount() > 0);
     }
 
     void whatIsTypedIntoACellHasNoLookOfACell()
