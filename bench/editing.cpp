@@ -6,6 +6,7 @@
 #include "styledtext.h"
 #include "workflow/realprogram.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QTextDocument>
 #include <QTextEdit>

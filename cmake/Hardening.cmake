@@ -1,10 +1,10 @@
 # What makes a fault in memory an end of the program rather than a way into it. Builds that optimise,
 # and that no sanitizer watches.
 option(QUORVANE_HARDENED "Harden the program against faults in memory" ON)
-include(CheckPIESupported)
-check_pie_supported(LANGUAGES C CXX)
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(QUORVANE_HARDENED AND CMAKE_BUILD_TYPE MATCHES "Rel" AND NOT QUORVANE_SANITIZE)
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES C CXX)
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
     include(CheckCXXCompilerFlag)
     foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
         string(MAKE_C_IDENTIFIER "QUORVANE_HAS${flag}" has)
@@ -15,6 +15,6 @@ if(QUORVANE_HARDENED AND CMAKE_BUILD_TYPE MATCHES "Rel" AND NOT QUORVANE_SANITIZ
     endforeach()
     add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack LINKER:--as-needed)
+    # The program is the same wherever it was built.
+    add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 endif()
-# The program is the same wherever it was built.
-add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)

@@ -26,6 +26,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Fonts that are there; a bus for the one running program; what opens pages and the guide.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "default-dbus-session-bus | dbus-session-bus, desktop-file-utils, fonts-dejavu-core, qt6-wayland, xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS python3) # for the reader among the examples
 set(QUORVANE_DEBIAN_FOLDER "${CMAKE_CURRENT_LIST_DIR}")
 set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_BINARY_DIR}/finish.cmake")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/finish.cmake.in finish.cmake @ONLY)

@@ -87,9 +87,8 @@ void CharacterStyles::addSwitch(TextCommand command, const QString &name, const 
     m_commands.define(
         command,
         [this, name, isOn, set] {
-            QTextCharFormat look;
-            set(look, !this->isOn(isOn));
-            m_editor.applyCharFormat(look, name);
+            m_editor.changeLooks(
+                name, [&set, on = !this->isOn(isOn)](QTextCharFormat &look) { set(look, on); });
             m_editor.setFocus();
         },
         [this, isOn] {

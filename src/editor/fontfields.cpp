@@ -21,8 +21,9 @@ namespace quorvane {
 namespace {
 
 constexpr int fractionDigits = 2;
-constexpr int familyWidth = 140;
-constexpr int sizeWidth = 62;
+constexpr int narrowWidth = 108;
+constexpr int wideWidth = 180;
+constexpr int sizeWidth = 52;
 
 QString sizeText(double size)
 {
@@ -55,7 +56,7 @@ void FontFields::makeFamilies(QWidget *parent)
     m_family = new QFontComboBox(parent);
     m_family->setAccessibleName(u"Font"_s);
     m_family->setToolTip(u"Font"_s);
-    m_family->setFixedWidth(familyWidth);
+    m_family->setFixedWidth(narrowWidth);
     m_family->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_family->lineEdit()->installEventFilter(this);
     connect(m_family, &QComboBox::textActivated, this, &FontFields::applyFamily);
@@ -97,6 +98,11 @@ void FontFields::setEnabled(bool enabled)
 {
     m_family->setEnabled(enabled);
     m_size->setEnabled(enabled);
+}
+
+void FontFields::setRoomy(bool roomy)
+{
+    m_family->setFixedWidth(roomy ? wideWidth : narrowWidth);
 }
 
 // What was typed and not confirmed was not meant.
@@ -144,8 +150,17 @@ void FontFields::applySize(const QString &text)
 
 void FontFields::apply(const QTextCharFormat &look)
 {
-    m_editor.applyCharFormat(look, u"Font"_s);
+    const QList<QTextCharFormat> &looks = m_editor.looks();
+    const bool changes = std::any_of(looks.begin(), looks.end(), [&look](QTextCharFormat merged) {
+        const QTextCharFormat former = merged;
+        merged.merge(look);
+        return merged != former;
+    });
+    if (changes) { // the toolkit tells of some keys twice
+        m_editor.applyCharFormat(look, u"Font"_s);
+    }
     show();
+    emit applied();
     m_editor.setFocus();
 }
 
@@ -186,9 +201,10 @@ void FontFields::show()
 
 void FontFields::showFamily(const QString &family)
 {
-    if (m_family->lineEdit()->text() == family) {
+    if (m_shownFamily == family && m_family->lineEdit()->text() == family) {
         return;
     }
+    m_shownFamily = family;
     const QSignalBlocker quiet(m_family);
     m_family->setCurrentIndex(m_family->findText(family, Qt::MatchFixedString));
     m_family->setEditText(family);

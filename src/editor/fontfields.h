@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 class QComboBox;
 class QFontComboBox;
@@ -14,6 +15,8 @@ class TextEditor;
 /// The fields that show and set the font of a text. They are empty where a selection has several.
 class FontFields final : public QObject
 {
+    Q_OBJECT
+
 public:
     /// The fields belong to \a parent.
     FontFields(TextEditor &editor, QWidget *parent);
@@ -23,8 +26,13 @@ public:
     QFontComboBox *family() const { return m_family; }
 
     void setEnabled(bool enabled);
+    /// Whether long names of families have room.
+    void setRoomy(bool roomy);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
+
+signals:
+    void applied();
 
 private:
     void makeFamilies(QWidget *parent);
@@ -40,6 +48,7 @@ private:
     TextEditor &m_editor;
     QFontComboBox *m_family = nullptr;
     QComboBox *m_size = nullptr;
+    QString m_shownFamily;
     bool m_shows = false; // in this turn
 };
 

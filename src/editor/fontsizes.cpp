@@ -17,23 +17,21 @@ double biggerFontSize(double size)
 {
     const auto *next = std::find_if(offeredFontSizes.begin(), offeredFontSizes.end(),
                                     [size](int offered) { return offered > size; });
-    if (size < offeredFontSizes.front()) {
-        return std::min<double>(offeredFontSizes.front(), std::floor(size * step) + 1);
-    }
-    return next != offeredFontSizes.end() ? *next
-                                          : std::min(largestFontSize, std::ceil(size * step));
+    const bool isOffered = size >= offeredFontSizes.front() && next != offeredFontSizes.end();
+    const double bigger = std::max(std::floor(size) + 1, std::round(size * step));
+    return isOffered ? *next : std::min(largestFontSize, bigger);
 }
 
 double smallerFontSize(double size)
 {
-    if (size <= offeredFontSizes.front()) {
-        return std::max(smallestFontSize, std::ceil(size / step) - 1);
+    const auto *next = std::find_if(offeredFontSizes.begin(), offeredFontSizes.end(),
+                                    [size](int offered) { return offered >= size; });
+    const double smaller = std::min(std::ceil(size) - 1, std::round(size / step));
+    if (next == offeredFontSizes.begin()) {
+        return std::max(smallestFontSize, smaller);
     }
-    if (size / step > offeredFontSizes.back()) {
-        return std::floor(size / step);
-    }
-    return *std::prev(std::find_if(offeredFontSizes.begin(), offeredFontSizes.end(),
-                                   [size](int offered) { return offered >= size; }));
+    return next == offeredFontSizes.end() ? std::max<double>(offeredFontSizes.back(), smaller)
+                                          : *std::prev(next);
 }
 
 double fontSizeOf(const QTextCharFormat &format, const QTextDocument &document)

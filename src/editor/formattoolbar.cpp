@@ -98,9 +98,12 @@ void FormatToolbar::giveIcons()
 void FormatToolbar::addGroups()
 {
     auto *style = new ParagraphStyleBox(m_commands, this);
-    addTool(style);
-    addTool(m_fonts->family());
-    addTool(m_fonts->size());
+    const int height = m_fonts->family()->sizeHint().height();
+    for (QComboBox *field :
+         std::initializer_list<QComboBox *> {style, m_fonts->family(), m_fonts->size()}) {
+        field->setFixedHeight(height);
+        addTool(field);
+    }
     using Command = TextCommand;
     m_strip->addGroup({style}, 2);
     m_strip->addGroup({m_fonts->family(), m_fonts->size()}, 3);
@@ -124,6 +127,7 @@ void FormatToolbar::addGroups()
         {button(Command::InsertLink), button(Command::InsertPicture), button(Command::InsertTable)},
         6);
     addTool(m_strip->moreButton());
+    connect(m_fonts, &FontFields::applied, m_strip, &ToolStrip::closePanel);
 }
 
 void FormatToolbar::addTool(QWidget *tool)
@@ -165,6 +169,7 @@ QToolButton *FormatToolbar::chooser(TextCommand command)
     m_commands.action(command).setIconVisibleInMenu(false);
     QToolButton *made = button(command);
     made->setIconSize(size);
+    made->setFixedWidth(size.width() + 4);
     return made;
 }
 
@@ -222,6 +227,13 @@ void FormatToolbar::addLockAction(QAction *action)
 void FormatToolbar::setFormattingEnabled(bool enabled)
 {
     m_fonts->setEnabled(enabled);
+}
+
+void FormatToolbar::resizeEvent(QResizeEvent *event)
+{
+    constexpr int roomy = 920;
+    m_fonts->setRoomy(width() >= roomy);
+    QToolBar::resizeEvent(event);
 }
 
 QWidget *FormatToolbar::shownWidget(TextCommand command) const

@@ -36,6 +36,9 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void giveIcons();
     void addGroups();

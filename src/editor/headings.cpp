@@ -143,6 +143,13 @@ void setHeading(const QTextBlock &block, int level)
     });
 }
 
+void typeAsBlock(QTextCursor &cursor)
+{
+    if (!cursor.hasSelection() && cursor.block().length() == 1) {
+        cursor.setCharFormat(cursor.blockCharFormat());
+    }
+}
+
 Headings::Headings(TextEditor &editor, TextCommands &commands)
     : m_editor(editor)
 {
@@ -157,6 +164,7 @@ Headings::Headings(TextEditor &editor, TextCommands &commands)
                 for (const QTextBlock &block : blocks) {
                     setHeading(block, level);
                 }
+                typeAsBlock(cursor);
             });
             m_editor.setFocus();
         };

@@ -3,6 +3,7 @@
 #include <QObject>
 
 class QTextBlock;
+class QTextCursor;
 
 namespace quorvane {
 
@@ -12,6 +13,10 @@ class TextEditor;
 /// Makes a paragraph a heading of that level, or one of the body (0): the level and the look that
 /// goes with it. Sizes are relative to the body's.
 void setHeading(const QTextBlock &block, int level);
+
+/// In an empty paragraph, what is typed next looks as the paragraph does, whatever was chosen
+/// before.
+void typeAsBlock(QTextCursor &cursor);
 
 /// The commands on headings.
 class Headings final : public QObject

@@ -9,16 +9,16 @@ namespace {
 // shows.
 void drawBold(GlyphCanvas &canvas)
 {
-    QPainterPath letter(QPointF(5.5, 3.7));
-    letter.lineTo(9.4, 3.7);
-    letter.arcTo(QRectF(6.9, 3.7, 5, 5), 90, -180);
-    letter.lineTo(5.5, 8.7);
-    letter.moveTo(9.4, 8.7);
-    letter.arcTo(QRectF(6.8, 8.7, 5.8, 5.6), 90, -180);
-    letter.lineTo(5.5, 14.3);
-    letter.closeSubpath();
-    canvas.stroke(letter, 2.4);
-    canvas.stroke({{5.5, 3.7}, {5.5, 14.3}}, 2.4);
+    QPainterPath letter(QPointF(5.6, 3.6));
+    letter.lineTo(9.2, 3.6);
+    letter.arcTo(QRectF(6.7, 3.6, 5.2, 5.2), 90, -180);
+    letter.lineTo(5.6, 8.8);
+    letter.moveTo(9.4, 8.8);
+    letter.arcTo(QRectF(6.8, 8.8, 6, 5.6), 90, -180);
+    letter.lineTo(5.6, 14.4);
+    letter.moveTo(5.6, 3.6);
+    letter.lineTo(5.6, 14.4);
+    canvas.stroke(letter, 2);
 }
 
 void drawItalic(GlyphCanvas &canvas)

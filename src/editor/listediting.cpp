@@ -225,7 +225,7 @@ void ListEditing::addStyle(QMenu &menu, const QString &title, const QTextListFor
         && (!isNumbered(listKind(style))
             || numberSuffixOf(list->format()) == numberSuffixOf(style));
     QAction *action = menu.addAction(title);
-    action->setCheckable(true);
+    action->setCheckable(isOn); // else each would have an empty box
     action->setChecked(isOn);
     action->setEnabled(!m_editor.isReadOnly());
     connect(action, &QAction::triggered, this, [this, style] { applyStyle(style); });
@@ -387,13 +387,13 @@ bool ListEditing::mouse(const QMouseEvent &event)
 
 void ListEditing::paint(QPainter &painter) const
 {
-    const QPointF scrolled(m_editor.horizontalScrollBar()->value(),
-                           m_editor.verticalScrollBar()->value());
-    const QTextBlock first = m_editor.cursorForPosition(QPoint(0, 0)).block();
+    const QPoint scrolled(m_editor.horizontalScrollBar()->value(),
+                          m_editor.verticalScrollBar()->value());
+    const QRect exposed = painter.clipBoundingRect().toAlignedRect();
+    const QTextBlock first = m_editor.cursorForPosition({0, exposed.top()}).block();
     painter.save();
     painter.translate(-scrolled);
-    drawListMarks(painter, first, QRectF(m_editor.viewport()->rect()).translated(scrolled),
-                  m_editor.palette());
+    drawListMarks(painter, first, exposed.translated(scrolled), m_editor.palette());
     painter.restore();
 }
 

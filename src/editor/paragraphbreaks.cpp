@@ -5,6 +5,7 @@
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -21,18 +22,23 @@ namespace quorvane {
 namespace {
 
 constexpr QChar pageBreak(u'\f');
-constexpr int breakLabelGap = 6;
+constexpr int breakGap = 6;
 
 QTextLength wholeWidth()
 {
     return QTextLength(QTextLength::PercentageLength, 100);
 }
 
-void drawBreak(QPainter &painter, int left, int right, int y, const QPalette &palette)
+QColor faint(const QPalette &palette)
 {
     QColor colour = palette.color(QPalette::Text);
     colour.setAlphaF(0.45F);
-    painter.setPen(QPen(colour, 1, Qt::DashLine));
+    return colour;
+}
+
+void drawBreak(QPainter &painter, int left, int right, int y, const QPalette &palette)
+{
+    painter.setPen(QPen(faint(palette), 1, Qt::DashLine));
     painter.drawLine(left, y, right, y);
 }
 
@@ -164,47 +170,59 @@ bool ParagraphBreaks::pressBackspace()
 
 void ParagraphBreaks::paint(QPainter &painter) const
 {
-    paintLeaders(painter);
-    const int bottom = m_editor.viewport()->height();
-    const int right = m_editor.viewport()->width() - int(m_editor.document()->documentMargin());
-    QTextBlock block = firstInView();
+    const QRect exposed = painter.clipBoundingRect().toAlignedRect();
+    QTextBlock block = m_editor.cursorForPosition({0, exposed.top()}).block();
+    paintLeaders(painter, block, exposed);
+    const int margin = int(m_editor.document()->documentMargin());
+    const int left = margin - m_editor.horizontalScrollBar()->value();
+    const int right = m_editor.viewport()->width() - margin;
     for (; block.isValid(); block = block.next()) {
         QTextCursor cursor(block);
         const QRect rect = m_editor.cursorRect(cursor);
-        if (rect.top() > bottom) {
+        const int above = int(block.blockFormat().topMargin() / 2);
+        if (rect.top() - above > exposed.bottom()) {
             return;
         }
         if (hasPageBreakBefore(block.blockFormat())) {
-            const int left = int(m_editor.document()->documentMargin())
-                - m_editor.horizontalScrollBar()->value();
-            const double above = block.blockFormat().topMargin() / 2;
-            drawBreak(painter, left, right, rect.top() - int(above), m_editor.palette());
+            drawBreak(painter, left, right, rect.top() - above, m_editor.palette());
+        }
+        if (hasRule(block.blockFormat())) {
+            drawRule(painter, block);
         }
         const QString text = block.text();
         for (qsizetype at = text.indexOf(pageBreak); at >= 0;
              at = text.indexOf(pageBreak, at + 1)) {
             cursor.setPosition(block.position() + int(at));
             const QRect place = m_editor.cursorRect(cursor);
-            drawBreak(painter, place.left() + breakLabelGap, right, place.center().y(),
+            drawBreak(painter, place.left() + breakGap, right, place.center().y(),
                       m_editor.palette());
         }
     }
 }
 
-void ParagraphBreaks::paintLeaders(QPainter &painter) const
+// The toolkit's own is not seen on dark paper.
+void ParagraphBreaks::drawRule(QPainter &painter, const QTextBlock &block) const
 {
-    const QPointF scrolled(m_editor.horizontalScrollBar()->value(),
-                           m_editor.verticalScrollBar()->value());
-    painter.save();
-    painter.translate(-scrolled);
-    drawTabLeaders(painter, firstInView(), QRectF(m_editor.viewport()->rect()).translated(scrolled),
-                   m_editor.palette());
-    painter.restore();
+    const QRectF rect = m_editor.document()->documentLayout()->blockBoundingRect(block).translated(
+        -m_editor.horizontalScrollBar()->value(), -m_editor.verticalScrollBar()->value());
+    const double width = block.blockFormat()
+                             .lengthProperty(QTextFormat::BlockTrailingHorizontalRulerWidth)
+                             .value(rect.width());
+    const double y = block.length() == 1 ? rect.center().y() : rect.bottom();
+    painter.setPen(QPen(faint(m_editor.palette()), 1));
+    painter.drawLine(QPointF(rect.center().x() - width / 2, y),
+                     QPointF(rect.center().x() + width / 2, y));
 }
 
-QTextBlock ParagraphBreaks::firstInView() const
+void ParagraphBreaks::paintLeaders(QPainter &painter, const QTextBlock &first,
+                                   const QRect &exposed) const
 {
-    return m_editor.cursorForPosition(QPoint(0, 0)).block();
+    const QPoint scrolled(m_editor.horizontalScrollBar()->value(),
+                          m_editor.verticalScrollBar()->value());
+    painter.save();
+    painter.translate(-scrolled);
+    drawTabLeaders(painter, first, exposed.translated(scrolled), m_editor.palette());
+    painter.restore();
 }
 
 } // namespace quorvane

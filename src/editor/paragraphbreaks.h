@@ -4,6 +4,7 @@
 
 class QKeyEvent;
 class QPainter;
+class QRect;
 class QTextBlock;
 
 namespace quorvane {
@@ -26,8 +27,8 @@ private:
     bool pressReturn();
     bool pressBackspace();
     void paint(QPainter &painter) const;
-    void paintLeaders(QPainter &painter) const;
-    QTextBlock firstInView() const;
+    void drawRule(QPainter &painter, const QTextBlock &block) const;
+    void paintLeaders(QPainter &painter, const QTextBlock &first, const QRect &exposed) const;
 
     TextEditor &m_editor;
 };

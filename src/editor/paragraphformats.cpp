@@ -127,6 +127,7 @@ void splitParagraph(QTextCursor &cursor)
     cursor.insertBlock();
     if (endsHeading) {
         setHeading(cursor.block(), 0);
+        typeAsBlock(cursor);
     }
     changeBlock(cursor.block(), [](QTextBlockFormat &format) {
         setPageBreakBefore(format, false);

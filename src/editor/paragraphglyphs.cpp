@@ -26,28 +26,32 @@ void drawItems(GlyphCanvas &canvas)
 void drawLineSpacing(GlyphCanvas &canvas)
 {
     for (const double item : items) {
-        canvas.level(8, item, 8);
+        canvas.level(9, item, 7);
     }
-    canvas.stroke({{4, 3.2}, {4, 15.2}});
-    canvas.stroke({{2, 5.2}, {4, 3.2}, {6, 5.2}});
-    canvas.stroke({{2, 13.2}, {4, 15.2}, {6, 13.2}});
+    constexpr double width = 1.3;
+    canvas.stroke({{4.5, 3}, {4.5, 15.5}}, width);
+    canvas.stroke({{2.3, 5.2}, {4.5, 3}, {6.7, 5.2}}, width);
+    canvas.stroke({{2.3, 13.3}, {4.5, 15.5}, {6.7, 13.3}}, width);
 }
 
 void drawNumberedList(GlyphCanvas &canvas)
 {
-    drawItems(canvas);
-    constexpr double width = 1.1;
-    canvas.stroke({{2.2, 2.6}, {3.3, 1.9}, {3.3, 6}}, width);
-    canvas.stroke({{2, 7.6}, {2.9, 7}, {3.9, 7.3}, {4, 8.2}, {2, 10.9}, {4.3, 10.9}}, width);
-    canvas.stroke({{2, 12.2}, {4, 12.2}, {2.9, 13.7}, {4, 14.2}, {4, 15.4}, {3, 16}, {2, 15.5}},
-                  width);
+    canvas.level(9, 5, 7);
+    canvas.level(9, 12, 7);
+    constexpr double width = 1.2;
+    canvas.stroke({{2.6, 3.6}, {4.5, 2.5}, {4.5, 7.5}}, width);
+    QPainterPath two(QPointF(2.5, 11.2));
+    two.cubicTo(3, 9.2, 6.1, 9.4, 6, 11.3);
+    two.cubicTo(5.9, 12.6, 3.4, 13.6, 2.5, 15.5);
+    two.lineTo(6.3, 15.5);
+    canvas.stroke(two, width);
 }
 
 void drawChecklist(GlyphCanvas &canvas)
 {
-    canvas.stroke({{2, 4.6}, {3.6, 6.2}, {6.4, 2.6}});
+    canvas.stroke({{2, 5.2}, {3.7, 6.9}, {6.8, 3}});
     canvas.frame(2, 10, 5, 5);
-    canvas.level(9, 4, 7);
+    canvas.level(9, 5, 7);
     canvas.level(9, 12, 7);
 }
 
@@ -72,7 +76,7 @@ void drawParagraphGlyph(GlyphCanvas &canvas, Glyph glyph)
     } else {
         drawItems(canvas);
         for (const double item : items) {
-            canvas.disc(3.5, item + 0.6, 1.5);
+            canvas.disc(3.5, item + 0.5, 1.7);
         }
     }
 }

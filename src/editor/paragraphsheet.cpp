@@ -23,6 +23,7 @@ constexpr double mostIndent = 96 * 20;
 constexpr double mostLines = 10;
 constexpr double mostPoints = 500;
 constexpr double usualPoints = 14;
+constexpr int smallestWidth = 380;
 
 Qt::AlignmentFlag alignmentOf(const QTextBlockFormat &format)
 {
@@ -70,6 +71,7 @@ ParagraphSheet::ParagraphSheet(const QTextBlockFormat &format, bool isListItem, 
     column().addLayout(form);
     column().addStretch(1);
     addButtons();
+    setMinimumWidth(smallestWidth);
 }
 
 void ParagraphSheet::addAlignment(QFormLayout &form)

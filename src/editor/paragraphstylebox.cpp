@@ -25,7 +25,7 @@ constexpr Style styles[] = {
     {TextCommand::Heading6, 0.9},
 };
 
-constexpr int boxWidth = 104;
+constexpr int boxWidth = 92;
 
 } // namespace
 

@@ -10,7 +10,6 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
@@ -64,6 +63,11 @@ Ruler::Ruler(TextEditor &editor, TextCommands &commands, EditorView &view, NSWin
         [this] {
             return MenuItemState {true, {}, !isHidden()};
         });
+    commands.define(
+        TextCommand::GoToRuler, [this] { m_indents.front()->setFocus(Qt::ShortcutFocusReason); },
+        [this] {
+            return MenuItemState {isVisible() && mayChange(), {}, {}};
+        });
     connect(&editor, &QTextEdit::cursorPositionChanged, this, &Ruler::refreshLater);
     connect(&editor, &QTextEdit::textChanged, this, &Ruler::refreshLater);
     connect(&editor, &TextEditor::contentReplaced, this, &Ruler::watchLayout);
@@ -103,10 +107,6 @@ bool Ruler::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Resize || event->type() == QEvent::ReadOnlyChange) {
         refreshLater();
-    } else if (event->type() == QEvent::KeyPress && watched == &m_editor && isVisible()
-               && static_cast<QKeyEvent *>(event)->key() == Qt::Key_F6 && mayChange()) {
-        m_indents.front()->setFocus(Qt::ShortcutFocusReason);
-        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

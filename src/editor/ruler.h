@@ -21,7 +21,7 @@ class TextEditor;
 
 /// The ruler above the text, with the indents and tab stops of the paragraph at the caret, for all
 /// that are selected. Marks are dragged, and tab stops made by a click and dragged off; each is a
-/// step of undo. F6 leads from the text to the marks and back.
+/// step of undo. A command leads to the marks, and Escape back.
 class Ruler final : public QWidget
 {
     Q_OBJECT

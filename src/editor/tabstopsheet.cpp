@@ -17,7 +17,8 @@ namespace quorvane {
 
 namespace {
 constexpr double farthest = 96 * 20;
-}
+constexpr int smallestWidth = 340;
+} // namespace
 
 TabStopSheet::TabStopSheet(const TabStop &stop, QWidget *host)
     : SheetDialog(u"Tab Stop"_s, u"The position is counted from the margin."_s, host)
@@ -53,6 +54,7 @@ TabStopSheet::TabStopSheet(const TabStop &stop, QWidget *host)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column().addStretch(1);
     column().addWidget(buttons);
+    setMinimumWidth(smallestWidth);
 }
 
 TabStop TabStopSheet::stop() const

@@ -106,13 +106,12 @@ void TextColours::openDialog(ColourUse use)
 
 void TextColours::apply(ColourUse use, const QColor &colour)
 {
-    if (m_editor.isReadOnly() || m_editor.isContentHidden()) {
-        return;
+    const auto paint = [use, &colour](QTextCharFormat &look) {
+        look.setProperty(useOf(use).property, QBrush(colour));
+    };
+    if (m_editor.changeLooks(useOf(use).name, paint)) {
+        m_with.memory.note(use, colour);
     }
-    QTextCharFormat look;
-    look.setProperty(useOf(use).property, QBrush(colour));
-    m_editor.applyCharFormat(look, useOf(use).name);
-    m_with.memory.note(use, colour);
     m_editor.setFocus();
 }
 

@@ -97,6 +97,7 @@ QList<Row> rows()
         {Command::MergeCells, u"&Merge Cells"_s, {}},
         {Command::SplitCell, u"&Split Cell"_s, {}},
         {Command::TableProperties, u"Table &Properties…"_s, {}},
+        {Command::GoToRuler, u"Go to Ru&ler"_s, {Qt::SHIFT | Qt::Key_F6}},
         {Command::ShowRuler, u"&Ruler"_s, {Qt::CTRL | Qt::Key_R}},
         {Command::ShowStatusBar, u"&Status Bar"_s, {}},
         {Command::ZoomIn, u"Zoom &In"_s, {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal}},

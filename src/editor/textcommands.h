@@ -83,6 +83,7 @@ enum class TextCommand {
     SplitCell,
     TableProperties,
     ShowRuler,
+    GoToRuler, // with the keyboard
     ShowStatusBar,
     ZoomIn,
     ZoomOut,

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace quorvane {
 
 namespace {
-constexpr int groupDistance = 11; // with a line in its middle
+constexpr int groupDistance = 9; // with a line in its middle
 constexpr int toolDistance = 1;
 } // namespace
 
@@ -80,8 +80,16 @@ void ToolStrip::openPanel()
     m_panel->move(std::max(room.left(), corner.x() - m_panel->width()),
                   std::min(corner.y(), room.bottom() - m_panel->height()));
     m_panel->show();
-    if (QWidget *first = m_panel->nextInFocusChain()) {
-        first->setFocus(Qt::PopupFocusReason);
+    for (const Group &group : m_groups) {
+        const QList<QWidget *> tools =
+            group.box->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+        const auto first = std::find_if(tools.begin(), tools.end(), [&group](const QWidget *tool) {
+            return !group.fits && tool->isEnabled();
+        });
+        if (first != tools.end()) {
+            (*first)->setFocus(Qt::PopupFocusReason);
+            return;
+        }
     }
 }
 

@@ -309,7 +309,8 @@ void MainMenu::buildViewMenu()
                 isUnlocked(), shows || !isUnlocked() ? u"Hide &Toolbar"_s : u"Show &Toolbar"_s, {}};
         });
     addTextCommands(*menu,
-                    {TextCommand::GoToToolbar, TextCommand::ShowRuler, TextCommand::ShowStatusBar});
+                    {TextCommand::GoToToolbar, TextCommand::GoToRuler, TextCommand::ShowRuler,
+                     TextCommand::ShowStatusBar});
     menu->addSeparator();
     addTextCommands(*menu, {TextCommand::ZoomIn, TextCommand::ZoomOut, TextCommand::ActualSize});
     menu->addSeparator();

@@ -93,6 +93,7 @@ class TestDocumentPrinter : public QObject
 private slots:
     void everyPageHasItsText();
     void aPageBreakOfTheTextIsOneOfThePaper();
+    void whatTheToolkitLeavesOutIsPrinted();
     void pagesComeInTheOrderThatIsAskedFor_data();
     void pagesComeInTheOrderThatIsAskedFor();
     void aLongTextIsPrintedAtAResolutionThatHoldsIt();
@@ -123,6 +124,20 @@ void TestDocumentPrinter::aPageBreakOfTheTextIsOneOfThePaper()
     QCOMPARE(pages.at(0).trimmed(), "one");
     QCOMPARE(pages.at(1).simplified(), "two three");
     QCOMPARE(pages.at(2).trimmed(), "four");
+}
+
+void TestDocumentPrinter::whatTheToolkitLeavesOutIsPrinted()
+{
+    const QByteArray body =
+        "{\\rtf1{\\*\\listtable{\\list{\\listlevel\\levelnfc0\\levelstartat3{\\leveltext\\'02\\'00)"
+        ";}}"
+        "\\listid1}}{\\*\\listoverridetable{\\listoverride\\listid1\\ls1}}\\pard\\ls1 item\\par "
+        "\\pard\\tqr\\tldot\\tx3000 left\\tab right\\par\\pard\\pagebb next}";
+    const QList<QByteArray> pages = told(printed(body), u"pdftotext"_s, {}).split('\f');
+    QCOMPARE(pages.size(), 3);
+    QVERIFY(pages.at(0).contains("3)"));
+    QVERIFY(pages.at(0).contains("....."));
+    QCOMPARE(pages.at(1).trimmed(), "next");
 }
 
 void TestDocumentPrinter::pagesComeInTheOrderThatIsAskedFor_data()

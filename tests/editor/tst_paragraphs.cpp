@@ -86,6 +86,7 @@ private slots:
     void keysKnowWhatEndsWithAParagraph();
     void tabStopsStayWhereTheyAreWhenTheTextMoves();
     void theBodyTakesTheLookOfAHeadingAway();
+    void whatIsTypedInAnEmptyHeadingLooksLikeIt();
     void theSheetChangesWhatWasTouched();
     void aRuleAndAPageBreakCanBeSeen();
 };
@@ -223,6 +224,15 @@ void TestParagraphs::theBodyTakesTheLookOfAHeadingAway()
     QVERIFY(DescribedText::of(*page.editor.content()).contains(u"24 weight=700 italic=true"_s));
     page.run(TextCommand::BodyText);
     QCOMPARE(DescribedText::of(*page.editor.content()), before);
+}
+
+void TestParagraphs::whatIsTypedInAnEmptyHeadingLooksLikeIt()
+{
+    Page page(u""_s);
+    page.editor.setTypingFont(NSFont {u"DejaVu Sans"_s, 12}); // as in a new document
+    page.run(TextCommand::Heading2);
+    typeKeys(page.editor, u"a\nb"_s);
+    QCOMPARE(page.looks(), (QStringList {u"top=21 bottom=8 heading=2 bold 18 pt"_s, QString()}));
 }
 
 void TestParagraphs::theSheetChangesWhatWasTouched()

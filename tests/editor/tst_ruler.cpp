@@ -189,7 +189,8 @@ void TestRuler::keysDoWhatTheMouseDoes()
     QTest::mouseClick(page.ruler, Qt::LeftButton, {}, page.at(4 * centimetre));
     page.window.activateWindow();
     page.editor.setFocus();
-    QTest::keyClick(&page.editor, Qt::Key_F6);
+    page.commands.validate();
+    page.commands.action(TextCommand::GoToRuler).trigger();
     QCOMPARE(page.window.focusWidget(), page.mark(u"First line indent"_s));
     RulerMark *stop = page.mark(u"Left tab stop"_s);
     QVERIFY(stop && stop->focusPolicy() & Qt::TabFocus);

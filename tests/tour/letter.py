@@ -40,7 +40,8 @@ ForegroundNormal=252,252,252
 
 def line(tour, text, *chords):
     """A paragraph of its own, with the keys that make it what it is."""
-    tour.screen.keys(*chords)
+    if chords:
+        tour.screen.keys(*chords)
     tour.screen.type(text)
     tour.screen.keys("Return")
 

@@ -117,11 +117,12 @@ class Screen:
         return None
 
     def all(self, role=None, name=None, showing=True):
-        """Every widget of this role (or one of these) and name."""
+        """Every widget of this role (or one of these) and name. A frame is a window: what Qt calls so
+        within one is a part of it."""
         roles = (role,) if isinstance(role, str) else role
         root = self.root()
         return [] if root is None else [
-            widget for widget in root.tree()
+            widget for widget in (root.children() if role == "frame" else root.tree())
             if (name is None or widget.name == name) and (roles is None or widget.role in roles)
             and (not showing or widget.has("showing"))]
 

@@ -16,6 +16,7 @@ from pathlib import Path
 import first
 import workflow  # noqa: F401  (each lists its stations)
 import richtext  # noqa: F401
+import letter  # noqa: F401
 import olddocuments  # noqa: F401
 import preferences  # noqa: F401
 import last  # noqa: F401

@@ -1,0 +1,266 @@
+#include "editor/characterstyles.h"
+#include "editor/documentwindow.h"
+#include "editor/formattoolbar.h"
+#include "editor/textcommands.h"
+#include "editor/texteditor.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QFontComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTest>
+#include <QTextDocument>
+#include <QToolButton>
+#include <QWheelEvent>
+
+using namespace Qt::StringLiterals;
+using namespace quorvane;
+
+class TestFormatToolbar : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<DocumentWindow> m_window;
+    std::unique_ptr<CharacterStyles> m_styles;
+    std::unique_ptr<QAction> m_lock;
+    QList<TextCommand> m_run;
+    TextCommand m_style = TextCommand::BodyText;
+
+    TextEditor &editor() { return m_window->editor(); }
+
+    template <typename Widget> Widget *tool(const QString &name)
+    {
+        for (auto *widget : m_window->formatToolbar().findChildren<Widget *>()) {
+            if (widget->accessibleName() == name) {
+                return widget;
+            }
+        }
+        return nullptr;
+    }
+
+    /// Commands of other tools, which this bar only shows.
+    void define(std::initializer_list<TextCommand> commands)
+    {
+        for (const TextCommand command : commands) {
+            m_window->commands().define(
+                command,
+                [this, command] {
+                    m_run << command;
+                    m_style = command;
+                },
+                [this, command] {
+                    return MenuItemState {!editor().isReadOnly(), {}, m_style == command};
+                });
+        }
+    }
+
+    void select(int from, int to)
+    {
+        QTextCursor cursor = editor().textCursor();
+        cursor.setPosition(from);
+        cursor.setPosition(to, QTextCursor::KeepAnchor);
+        editor().setTextCursor(cursor);
+    }
+
+    bool isInBar(const QWidget *widget)
+    {
+        return widget->isVisible() && widget->window() == m_window.get();
+    }
+
+    void resizeTo(int width)
+    {
+        m_window->resize(width, 400);
+        QTRY_COMPARE(m_window->formatToolbar().width(), width);
+    }
+
+private slots:
+
+    void init()
+    {
+        m_run.clear();
+        m_style = TextCommand::BodyText;
+        m_styles.reset();
+        m_lock = std::make_unique<QAction>(u"Lock"_s);
+        m_window = std::make_unique<DocumentWindow>();
+        m_styles = std::make_unique<CharacterStyles>(editor(), m_window->commands());
+        m_window->formatToolbar().addLockAction(m_lock.get());
+        using Command = TextCommand;
+        define({Command::BodyText, Command::Heading1, Command::Heading2, Command::AlignLeft,
+                Command::AlignRight, Command::BulletedList, Command::InsertTable, Command::Find,
+                Command::TextColour, Command::LastTextColour});
+        for (const Command command : {Command::Bold, Command::GoToToolbar}) {
+            m_window->addAction(&m_window->commands().action(command)); // as a menu would
+        }
+        m_window->commands().setGate([this] { return !m_window->showsLockedAppearance(); });
+        m_window->commands().validate();
+        auto document = std::make_unique<QTextDocument>();
+        document->setPlainText(u"some text to style"_s);
+        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+        m_window->show();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void eachToolSaysWhatItIs()
+    {
+        QStringList names;
+        for (const auto *widget : m_window->formatToolbar().findChildren<QWidget *>()) {
+            const bool isTool = (qobject_cast<const QToolButton *>(widget)
+                                 || qobject_cast<const QComboBox *>(widget))
+                && widget->objectName() != u"qt_toolbar_ext_button"_s;
+            if (!isTool) {
+                continue;
+            }
+            const auto *button = qobject_cast<const QToolButton *>(widget);
+            const bool isNamed =
+                !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
+            QVERIFY2(isNamed && !widget->toolTip().isEmpty(), qPrintable(names.join(u' ')));
+            QVERIFY2(!button || !button->icon().isNull() || button->defaultAction() == m_lock.get(),
+                     qPrintable(widget->accessibleName()));
+            names << widget->accessibleName();
+        }
+        QVERIFY(names.contains(u"Insert Table"_s) && names.contains(u"Find"_s));
+        const QString keys = QKeySequence(QKeySequence::Bold).toString(QKeySequence::NativeText);
+        QCOMPARE(tool<QToolButton>(u"Bold"_s)->toolTip(), u"Bold (%1)"_s.arg(keys));
+    }
+
+    void whatHasNoRoomIsInThePanelAndComesBack()
+    {
+        auto *more = tool<QToolButton>(u"More Tools"_s);
+        auto *size = tool<QComboBox>(u"Font Size"_s);
+        auto *table = tool<QToolButton>(u"Insert Table"_s);
+        resizeTo(1100);
+        QVERIFY(!more->isVisible());
+        QVERIFY(isInBar(size) && isInBar(table));
+        resizeTo(480);
+        QVERIFY(isInBar(more) && isInBar(tool<QToolButton>(u"Bold"_s)));
+        QVERIFY(isInBar(m_window->formatToolbar().widgetForAction(m_lock.get())));
+        QVERIFY(!isInBar(size) && !isInBar(table));
+
+        editor().selectAll();
+        QTest::mouseClick(more, Qt::LeftButton);
+        QTRY_VERIFY(size->isVisible() && table->isVisible());
+        size->lineEdit()->selectAll();
+        QTest::keyClicks(size->lineEdit(), u"13.5"_s);
+        QTest::keyClick(size->lineEdit(), Qt::Key_Return);
+        QTRY_VERIFY2(!size->isVisible(), "who has chosen is done with the panel");
+        QCOMPARE(editor().textCursor().charFormat().fontPointSize(), 13.5);
+        QTest::mouseClick(more, Qt::LeftButton);
+        QTest::mouseClick(table, Qt::LeftButton);
+        QCOMPARE(m_run, QList {TextCommand::InsertTable});
+        QTRY_VERIFY(!table->isVisible());
+        QTest::mouseClick(more, Qt::LeftButton);
+        QTRY_VERIFY(table->isVisible());
+        m_window->showLockedAppearance();
+        QVERIFY2(!table->isVisible(), "nothing stays open over a locked window");
+        m_window->showEditorAppearance();
+        resizeTo(1100);
+        QVERIFY(isInBar(size) && isInBar(table) && !more->isVisible());
+    }
+
+    void theBarIsLedByKeys()
+    {
+        editor().selectAll();
+        QTest::keyClick(&editor(), Qt::Key_F6);
+        QCOMPARE(QApplication::focusWidget(), tool<QComboBox>(u"Paragraph Style"_s));
+        auto *bold = tool<QToolButton>(u"Bold"_s);
+        bold->setFocus();
+        QTest::keyClick(bold, Qt::Key_Right);
+        auto *italic = tool<QToolButton>(u"Italic"_s);
+        QCOMPARE(QApplication::focusWidget(), italic);
+        QTest::keyClick(italic, Qt::Key_Return);
+        QVERIFY(editor().textCursor().charFormat().fontItalic());
+        italic->setFocus();
+        QTest::keyClick(italic, Qt::Key_Left);
+        QCOMPARE(QApplication::focusWidget(), bold);
+        QTest::keyClick(bold, Qt::Key_Escape);
+        QVERIFY(editor().hasFocus());
+        QTest::keyClick(&editor(), Qt::Key_F6);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
+        QVERIFY(editor().hasFocus());
+    }
+
+    void aSelectionOfSeveralFontsLeavesTheFieldsEmpty()
+    {
+        auto *size = tool<QComboBox>(u"Font Size"_s);
+        auto *family = tool<QFontComboBox>(u"Font"_s);
+        QTextCharFormat look;
+        look.setFontPointSize(30);
+        look.setFontFamilies({u"DejaVu Serif"_s});
+        select(0, 4);
+        editor().applyCharFormat(look);
+        QTRY_COMPARE(size->currentText(), u"30"_s);
+        QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
+        select(2, 8);
+        QTRY_COMPARE(size->currentText(), QString());
+        QCOMPARE(family->currentText(), QString());
+    }
+
+    void aFamilyThatIsMissingIsKeptAndToldOf()
+    {
+        auto *family = tool<QFontComboBox>(u"Font"_s);
+        const QString before = family->currentText();
+        editor().selectAll();
+        family->setFocus();
+        family->lineEdit()->selectAll();
+        QTest::keyClicks(family->lineEdit(), u"Nowhere Sans"_s);
+        QTest::keyClick(family->lineEdit(), Qt::Key_Escape);
+        QVERIFY(editor().hasFocus());
+        QTRY_COMPARE(family->currentText(), before);
+        family->setFocus();
+        family->lineEdit()->selectAll();
+        QTest::keyClicks(family->lineEdit(), u"Nowhere Sans"_s);
+        QTest::keyClick(family->lineEdit(), Qt::Key_Return);
+        QTRY_VERIFY(editor().hasFocus());
+        QCOMPARE(editor().textCursor().charFormat().fontFamilies().toStringList(),
+                 QStringList {u"Nowhere Sans"_s});
+        QVERIFY(family->toolTip().contains(u"“Nowhere Sans” is not installed"_s));
+        editor().undo();
+        QVERIFY2(!editor().content()->isUndoAvailable(), "it was one step");
+    }
+
+    void theStyleBoxShowsAndSetsWhatTheCommandsSay()
+    {
+        auto *box = tool<QComboBox>(u"Paragraph Style"_s);
+        QCOMPARE(box->currentText(), u"Body"_s);
+        m_style = TextCommand::Heading2;
+        m_window->commands().validate();
+        QCOMPARE(box->currentText(), u"Heading 2"_s);
+        emit box->activated(1);
+        QCOMPARE(m_run, QList {TextCommand::Heading1});
+        m_window->setReadOnly(true);
+        QVERIFY(!box->isEnabled());
+    }
+
+    void aMenuButtonShowsWhatHolds()
+    {
+        auto *alignment = tool<QToolButton>(u"Alignment"_s);
+        const auto shown = [&] {
+            return alignment->icon().pixmap(18).toImage();
+        };
+        const QImage before = shown();
+        m_style = TextCommand::AlignRight;
+        m_window->commands().validate();
+        QVERIFY(shown() != before);
+        QCOMPARE(alignment->menu()->actions().size(), 4);
+        m_window->setReadOnly(true);
+        QVERIFY(!alignment->isEnabled());
+    }
+
+    void theWheelChangesNothingInPassing()
+    {
+        auto *size = tool<QComboBox>(u"Font Size"_s);
+        editor().selectAll();
+        const QString before = size->currentText();
+        QWheelEvent turn(QPointF(5, 5), size->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, -120),
+                         Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(size, &turn);
+        QCOMPARE(size->currentText(), before);
+        QVERIFY(!editor().content()->isUndoAvailable());
+    }
+};
+
+QTEST_MAIN(TestFormatToolbar)
+#include "tst_formattoolbar.moc"
