@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace quorvane {
 
 namespace {
-constexpr int groupDistance = 9; // with a line in its middle
+constexpr int groupDistance = 7; // with a line in its middle
 constexpr int toolDistance = 1;
 } // namespace
 
