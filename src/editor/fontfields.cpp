@@ -55,6 +55,7 @@ void FontFields::makeFamilies(QWidget *parent)
 {
     m_family = new QFontComboBox(parent);
     m_family->setAccessibleName(u"Font"_s);
+    m_family->setAccessibleDescription(u"Font"_s); // the tool tip may say more
     m_family->setToolTip(u"Font"_s);
     m_family->setFixedWidth(narrowWidth);
     m_family->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
