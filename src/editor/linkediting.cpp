@@ -18,7 +18,7 @@ namespace {
 
 constexpr int shortestAddress = 5;
 constexpr int longestAddress = 500; // that is looked for in a text
-constexpr int longestText = 1000; // that one writes in a field
+constexpr int longestText = 1000; // that is shown in a field
 
 /// Whether the character at the position is one of a link, without a look at its paragraph.
 QString addressAt(const QTextDocument &document, int position)
@@ -52,7 +52,7 @@ QTextCursor wordBefore(const QTextCursor &caret)
     return word;
 }
 
-/// A field takes it as it is: it cuts off what is too long for it.
+/// One line that can be read and laid out in a field.
 bool fitsField(const QString &text)
 {
     return text.size() <= longestText && !text.contains(QChar::ParagraphSeparator)

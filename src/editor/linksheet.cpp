@@ -6,8 +6,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include <limits>
-
 using namespace Qt::StringLiterals;
 
 namespace quorvane {
@@ -18,11 +16,9 @@ LinkSheet::LinkSheet(const std::optional<QString> &text, const QString &address,
                 u"A web or mail address, or file: and the path of a file. Where no kind is told, "
                 "the address becomes one of https or mailto."_s,
                 isNew ? u"Insert"_s : u"Change"_s, host)
-    , m_address(new QLineEdit(this))
+    , m_address(new QLineEdit(address, this))
 {
     form().setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    m_address->setMaxLength(std::numeric_limits<int>::max()); // one that is there is not cut off
-    m_address->setText(address);
     m_address->setPlaceholderText(u"https://"_s);
     addField(u"&Address:"_s, m_address);
     if (text) {

@@ -188,17 +188,6 @@ private slots:
         QVERIFY(!content().isUndoAvailable());
     }
 
-    void wordsThatNoFieldHoldsStayAsTheyAre()
-    {
-        const QString words(40'000, u'x'); // fields cut off what is longer than 32767
-        show(words);
-        select(0, int(words.size()));
-        LinkSheet *sheet = askForLink();
-        sheet->findChildren<QLineEdit *>().at(0)->setText(u"http://a.b"_s);
-        confirm(*sheet);
-        QCOMPARE(marked(content()), u"[%1>http://a.b]"_s.arg(words));
-    }
-
     void withoutAnAddressNothingIsConfirmed()
     {
         show(u"one"_s);
