@@ -232,8 +232,10 @@ bool AttachmentEditing::showToolTip(const QPoint &place, const QPoint &screenPla
     const QString size = entry->kind == FlatRtfdEntry::Kind::File
         ? QLocale().formattedDataSize(entry->bytes.size(), decimals, QLocale::DataSizeSIFormat)
         : u"folder"_s;
-    QToolTip::showText(screenPlace, u"%1 (%2)"_s.arg(found->shownName().toHtmlEscaped(), size),
-                       m_editor.viewport(), placeOf(m_editor, *found).toAlignedRect());
+    QToolTip::showText(
+        screenPlace,
+        u"<p style='white-space:pre'>%1 (%2)</p>"_s.arg(found->shownName().toHtmlEscaped(), size),
+        m_editor.viewport(), placeOf(m_editor, *found).toAlignedRect());
     return true;
 }
 

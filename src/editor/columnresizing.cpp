@@ -77,6 +77,9 @@ bool ColumnResizing::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_editor.viewport() && isMouse) {
         return mouseEvent(*static_cast<QMouseEvent *>(event));
     }
+    if (watched == &m_editor && event->type() == QEvent::FocusOut && m_dragged) {
+        stop(); // who has the focus now has the mouse, too
+    }
     const bool isEscape = watched == &m_editor && event->type() == QEvent::KeyPress
         && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape;
     if (isEscape && m_dragged) {
@@ -117,9 +120,15 @@ bool ColumnResizing::press(const QMouseEvent &event)
     return m_dragged.has_value();
 }
 
+// An undo by the keyboard changes the table while the mouse is down.
+bool ColumnResizing::isAsItWas(const Edge &edge)
+{
+    return edge.table && std::size_t(edge.table->columns()) + 1 == edge.edges.size();
+}
+
 void ColumnResizing::drag(const QPoint &place)
 {
-    if (!m_dragged->table) {
+    if (!isAsItWas(*m_dragged)) {
         stop();
         return;
     }
@@ -142,7 +151,7 @@ void ColumnResizing::release()
     const Edge edge = *m_dragged;
     stop();
     const bool isMoved = std::abs(m_edge - edge.edges[std::size_t(edge.column) + 1]) >= 1;
-    if (edge.table && isMoved) {
+    if (isAsItWas(edge) && isMoved) {
         m_editor.edit(u"Resize Column"_s, [&](QTextCursor &) {
             setWidths(*edge.table, movedWidths(*edge.table, edge.edges, edge.column, m_edge));
         });

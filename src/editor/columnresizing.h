@@ -32,6 +32,7 @@ private:
         std::vector<double> edges; ///< Of all columns.
     };
 
+    static bool isAsItWas(const Edge &edge);
     bool mouseEvent(const QMouseEvent &event);
     bool press(const QMouseEvent &event);
     void drag(const QPoint &place);

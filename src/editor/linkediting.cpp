@@ -18,6 +18,7 @@ namespace {
 
 constexpr int shortestAddress = 5;
 constexpr int longestAddress = 500; // that is looked for in a text
+constexpr int longestText = 1000; // that is shown in a field
 
 /// Whether the character at the position is one of a link, without a look at its paragraph.
 QString addressAt(const QTextDocument &document, int position)
@@ -51,9 +52,11 @@ QTextCursor wordBefore(const QTextCursor &caret)
     return word;
 }
 
-bool isOneLine(const QString &text)
+/// One line that can be read and laid out in a field.
+bool fitsField(const QString &text)
 {
-    return !text.contains(QChar::ParagraphSeparator) && !text.contains(QChar::LineSeparator)
+    return text.size() <= longestText && !text.contains(QChar::ParagraphSeparator)
+        && !text.contains(QChar::LineSeparator)
         && !text.contains(QChar::ObjectReplacementCharacter);
 }
 
@@ -98,7 +101,7 @@ void LinkEditing::ask()
     const QString selected = cursor.selectedText();
     const auto found = addressIn(selected.trimmed());
     const QString address = isEdited ? link->address : found ? found->address : QString();
-    const bool isSimple = isOneLine(selected) && !cursor.hasComplexSelection();
+    const bool isSimple = fitsField(selected) && !cursor.hasComplexSelection();
     auto *sheet = new LinkSheet(isSimple ? std::optional(selected) : std::nullopt, address,
                                 !isEdited, m_editor.window());
     sheet->begin(m_sheets, this, [this, sheet] { apply(sheet->text(), sheet->address()); });

@@ -201,6 +201,10 @@ void PictureEditing::draw(QPainter &painter) const
 
 bool PictureEditing::eventFilter(QObject *watched, QEvent *event)
 {
+    if (m_drag && event->type() == QEvent::FocusOut && watched == &m_editor) {
+        cancel(); // who has the focus now has the mouse, too
+        return false;
+    }
     if (m_drag && event->type() == QEvent::KeyPress && watched == &m_editor) {
         if (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
             cancel();

@@ -144,7 +144,10 @@ QString SearchPattern::replacement(const QString &subject, const TextSpan &found
         const QChar next = i + 1 < with.size() ? with.at(i + 1) : QChar();
         const bool isGroup = next >= u'0' && next <= u'9';
         if ((mark == u'\\' || mark == u'$') && isGroup) {
-            text += groups.captured(next.digitValue());
+            // All of it also where \K has hidden what leads to it.
+            QString group = next == u'0' ? subject.sliced(found.from, found.length)
+                                         : groups.captured(next.digitValue());
+            text += group.replace(u'\n', QChar::LineSeparator);
         } else if (mark == u'\\' && next == u'n') {
             text += u'\n';
         } else if (mark == u'\\' && next == u't') {

@@ -213,12 +213,15 @@ void SpellChecking::offerCorrections(QMenu &menu, const QTextCursor &place)
     if (!word) {
         return;
     }
-    connect(&m_editor, &TextEditor::contentHiddenChanged, &menu, &QMenu::close);
     const QString wrong = word->selectedText();
     const QStringList suggestions = m_judge.suggestions(wrong).mid(0, mostSuggestions);
     for (const QString &suggestion : suggestions) {
         connect(menu.addAction(plainTitle(suggestion)), &QAction::triggered, this,
-                [this, word, suggestion] { correct(*word, suggestion); });
+                [this, word, wrong, suggestion] {
+                    if (word->selectedText() == wrong) { // else the text is another one by now
+                        correct(*word, suggestion);
+                    }
+                });
     }
     if (suggestions.isEmpty()) {
         menu.addAction(u"No Suggestions"_s)->setEnabled(false);

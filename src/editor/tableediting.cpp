@@ -335,13 +335,15 @@ bool TableEditing::typeTab()
 // The toolkit would only empty the cells.
 bool TableEditing::removeSelectedTable()
 {
-    const auto found = target();
-    const TableArea whole {0, 0, found->table->rows(), found->table->columns()};
-    if (!m_editor.textCursor().hasComplexSelection() || found->area != whole) {
+    const QTextCursor selection = m_editor.textCursor();
+    QTextTable &table = *selection.currentTable();
+    const TableArea whole {0, 0, table.rows(), table.columns()};
+    TableArea area {}; // without the cells that lie beside merged ones: they would be lost
+    selection.selectedTableCells(&area.row, &area.rows, &area.column, &area.columns);
+    if (!selection.hasComplexSelection() || area != whole) {
         return false;
     }
-    m_editor.edit(u"Delete Table"_s,
-                  [&found](QTextCursor &cursor) { removeTable(cursor, *found->table); });
+    m_editor.edit(u"Delete Table"_s, [&table](QTextCursor &cursor) { removeTable(cursor, table); });
     return true;
 }
 

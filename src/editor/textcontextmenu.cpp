@@ -31,6 +31,9 @@ void TextContextMenu::open(const QPoint &place, const QPoint &screenPlace)
 {
     auto *menu = new QMenu(&m_editor);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    // What it offers is about the text as it is now.
+    connect(&m_editor, &TextEditor::contentHiddenChanged, menu, &QMenu::close);
+    connect(&m_editor, &TextEditor::contentReplaced, menu, &QMenu::close);
     const QTextCursor at = m_editor.cursorForPosition(place);
     const QTextCursor caret = m_editor.textCursor();
     if (at.position() < caret.selectionStart() || at.position() > caret.selectionEnd()) {

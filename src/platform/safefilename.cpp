@@ -30,6 +30,10 @@ void shorten(QString &name)
     const bool hasEnding = dot > 0 && name.size() - dot <= 16;
     const QString ending = hasEnding ? name.sliced(dot) : QString();
     QString stem = hasEnding ? name.first(dot) : name;
+    stem.truncate(longestName); // each character has a byte at least
+    if (stem.size() == longestName && stem.back().isHighSurrogate()) {
+        stem.chop(1);
+    }
     while ((stem + ending).toUtf8().size() > longestName) {
         stem.chop(stem.size() > 1 && stem.back().isLowSurrogate() ? 2 : 1);
     }

@@ -282,6 +282,9 @@ private slots:
         QTest::newRow("what lies before decides")
             << u"ab aab"_s << u"(?<=a)b"_s << u"<\\0>"_s << true << u"a<b> aa<b>"_s
             << u"Replaced 2 matches."_s;
+        QTest::newRow("what only leads to a match stays")
+            << u"foobar"_s << u"foo\\Kbar"_s << u"<\\0>"_s << true << u"foo<bar>"_s
+            << u"Replaced 1 match."_s;
         QTest::newRow("nothing") << u"ab"_s << u"c"_s << u"d"_s << false << u"ab"_s
                                  << u"No matches."_s;
     }

@@ -241,6 +241,15 @@ private slots:
         }
     }
 
+    void deletingAColumnNextToMergedCellsKeepsTheOtherOne()
+    {
+        showTable(3, 2, {{1, 0, 1, 2}});
+        select({0, 0, 3, 1});
+        key(Qt::Key_Delete);
+        const QString left = content().toPlainText();
+        QVERIFY(left.contains(u"a1"_s) && left.contains(u"c1"_s));
+    }
+
     void aTextWithNothingButATableIsEmptyWhenItGoes()
     {
         show(u""_s);
