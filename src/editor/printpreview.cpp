@@ -59,7 +59,6 @@ void PrintPreview::addPages(QToolBar &bar)
 {
     m_previous = bar.addAction(u"Previous"_s, this, [this] { turnTo(m_pages->currentPage() - 1); });
     m_previous->setShortcut(Qt::Key_PageUp);
-    m_place->setAccessibleName(u"Page"_s);
     m_place->setMargin(4);
     bar.addWidget(m_place);
     m_next = bar.addAction(u"Next"_s, this, [this] { turnTo(m_pages->currentPage() + 1); });

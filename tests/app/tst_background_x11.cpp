@@ -38,7 +38,9 @@ void TestBackground::anotherWindowSavesAndArmsTheLock()
     Desktop desktop(sessionBus);
     const auto nothing = [] {
     };
-    desktop.serve({documents, delegate, world.defaults, world.queue, nothing, nothing});
+    const auto begin = [](const std::function<void()> &) {
+    };
+    desktop.serve({documents, delegate, world.defaults, world.queue, begin, nothing, nothing});
 
     QWidget window;
     window.setGeometry(100, 100, 300, 200);

@@ -242,15 +242,15 @@ void TestDocumentState::commandsAreOfferedByState()
         return marks;
     };
     // Who may write and who may only read stays on offer: it says nothing of the content.
-    QCOMPARE(offered(), u"----------------++"_s);
+    QCOMPARE(offered(), u"-----------------++"_s);
     document.submitPasswordToDecrypt(password);
-    QCOMPARE(offered(), u"+++++++++++++++-++"_s); // no file yet: there is nothing to lock back to
+    QCOMPARE(offered(), u"++++++++++++++++-++"_s); // no file yet: there is nothing to lock back to
     document.setFileURL(u"/documents/a.quorvane"_s);
-    QCOMPARE(offered(), u"++++++++++++++++++"_s);
+    QCOMPARE(offered(), u"+++++++++++++++++++"_s);
     document.setMyIsEditable(false);
-    QCOMPARE(offered(), u"++++++++++++++-+++"_s);
+    QCOMPARE(offered(), u"+++++++++++++++-+++"_s);
     document.doLockDocument();
-    QCOMPARE(offered(), u"----------------++"_s);
+    QCOMPARE(offered(), u"-----------------++"_s);
     WindowedDocument fresh(world);
     fresh.document->setFileURL(u"/documents/b.quorvane"_s);
     QVERIFY(!fresh.document->validateMenuItem(DocumentAction::LockDocument).enabled);

@@ -24,6 +24,7 @@ private slots:
         const DateInsertion dates(editor, window.commands(), [now] { return now; });
         QMenu menu;
         window.commands().attach(TextMenu::DateAndTime, menu);
+        emit menu.aboutToShow();
         QStringList titles;
         for (const QAction *item : menu.actions()) {
             titles.append(item->text());

@@ -59,6 +59,7 @@ struct Page
 QMenu *filledStyles(Page &page, QMenu &menu)
 {
     page.commands.attach(TextMenu::ListStyle, menu);
+    emit menu.aboutToShow();
     return &menu;
 }
 
