@@ -142,9 +142,7 @@ void ListEditing::changeSelected(const QString &name, const Change &change)
 {
     m_editor.edit(name, [&change](QTextCursor &cursor) {
         const QList<QTextBlock> blocks = selectedBlocks(cursor);
-        for (const QTextBlock &block : blocks) {
-            change(block);
-        }
+        std::for_each(blocks.begin(), blocks.end(), change);
     });
     m_editor.setFocus();
 }
@@ -157,14 +155,29 @@ void ListEditing::toggle(ListLook look)
     const QList<QTextBlock> blocks = selectedBlocks(m_editor.textCursor());
     const bool leaves = std::all_of(blocks.begin(), blocks.end(), looksSo);
     constexpr const char16_t *names[] = {u"Bulleted List", u"Numbered List", u"Checklist"};
-    changeSelected(QString::fromUtf16(names[int(look)]), [&](const QTextBlock &block) {
-        if (leaves) {
-            leaveList(block, LeftPlace::Margin);
-        } else if (!looksSo(block)) {
+    const QString name = QString::fromUtf16(names[int(look)]);
+    if (leaves) {
+        leaveLists(name);
+        return;
+    }
+    changeSelected(name, [&](const QTextBlock &block) {
+        if (!looksSo(block)) {
             const QTextList *list = block.textList();
             addToList(block, newListFormat(look, list ? list->format().indent() : 1));
         }
     });
+}
+
+// From the end: what follows an item that leaves is looked at, and is no item any more.
+void ListEditing::leaveLists(const QString &name)
+{
+    m_editor.edit(name, [](QTextCursor &cursor) {
+        const QList<QTextBlock> blocks = selectedBlocks(cursor);
+        for (auto block = blocks.rbegin(); block != blocks.rend(); ++block) {
+            leaveList(*block, LeftPlace::Margin);
+        }
+    });
+    m_editor.setFocus();
 }
 
 void ListEditing::toggleDone()

@@ -32,6 +32,7 @@ private:
 
     void changeSelected(const QString &name, const Change &change);
     void toggle(ListLook look);
+    void leaveLists(const QString &name);
     void toggleDone();
     void fillStyles(QMenu &menu);
     void addStyle(QMenu &menu, const QString &title, const QTextListFormat &style);

@@ -19,6 +19,11 @@ namespace {
 
 constexpr int mostSearched = 2000; // paragraphs above, for a list to go on with
 
+// The toolkit looks at all items of a list for each that comes or goes. Longer ones are parted:
+// bullets do not mind, and numbers go on.
+constexpr int mostBullets = 200;
+constexpr int mostNumbers = 1000;
+
 QTextListFormat::Style usualKind(ListLook look, int level)
 {
     constexpr QTextListFormat::Style bullets[] = {
@@ -75,6 +80,23 @@ void moveTo(QTextList &list, const QList<QTextBlock> &items)
     for (const QTextBlock &item : items) {
         list.add(item);
     }
+}
+
+bool hasRoomFor(const QTextList *list, int items)
+{
+    const bool counts = list && isNumbered(listKind(list->format()));
+    return list && list->count() + items <= (counts ? mostNumbers : mostBullets);
+}
+
+/// A list that goes on behind another one.
+void createBehind(const QTextBlock &block, const QTextListFormat &format, const QTextList *full)
+{
+    QTextListFormat fresh = format;
+    if (full && isNumbered(listKind(format))) {
+        fresh.setProperty(ListStart, listStartOf(full->format()) + full->count());
+        setListKind(fresh, listKind(format));
+    }
+    QTextCursor(block).createList(fresh);
 }
 
 /// A list of its own for items that have another one.
@@ -162,15 +184,15 @@ void addToList(const QTextBlock &block, const QTextListFormat &format)
     }
     QTextList *above = neighbour(block, format, true).textList();
     QTextList *below = neighbour(block, format, false).textList();
-    if (!above && !below) {
-        QTextCursor(block).createList(format);
-    } else if (!above) {
-        below->add(block);
-    } else {
+    if (above && (above == below || hasRoomFor(above, 1))) {
         above->add(block);
-        if (below && below != above) {
+        if (below && below != above && hasRoomFor(above, below->count())) {
             moveTo(*above, itemsFrom(*below, 0));
         }
+    } else if (hasRoomFor(below, 1)) {
+        below->add(block);
+    } else {
+        createBehind(block, format, above);
     }
     partDeeper(block);
 }

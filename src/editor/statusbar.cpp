@@ -58,7 +58,11 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     });
     connect(&editor, &TextEditor::zoomChanged, this, &StatusBar::showZoom);
     commands.define(
-        TextCommand::ShowStatusBar, [this] { setVisible(isHidden()); },
+        TextCommand::ShowStatusBar,
+        [this] {
+            setVisible(isHidden());
+            begin(); // nothing was counted for a bar that nobody saw
+        },
         [this] {
             return MenuItemState {true, {}, !isHidden()};
         });

@@ -151,6 +151,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     }
     connect(m_content.get(), &QTextDocument::contentsChange, this, &TextEditor::followHeight);
     m_undoNames.watch(m_content.get());
+    m_firstLook.watch(m_content.get());
     emit contentReplaced();
     return ShowResult::Shown;
 }
@@ -247,16 +248,21 @@ bool TextEditor::edit(const QString &name, const std::function<void(QTextCursor 
         return false;
     }
     const UndoNames::Scope scope(m_undoNames, name);
-    QTextCursor cursor = textCursor();
-    cursor.beginEditBlock();
-    change(cursor);
-    cursor.endEditBlock();
-    setTextCursor(cursor);
+    m_firstLook.follow([&] {
+        QTextCursor cursor = textCursor();
+        cursor.beginEditBlock();
+        change(cursor);
+        cursor.endEditBlock();
+        setTextCursor(cursor);
+    });
     return true;
 }
 
 bool TextEditor::applyCharFormat(const QTextCharFormat &format, const QString &name)
 {
+    if (isReadOnly() || isContentHidden()) {
+        return false;
+    }
     const UndoNames::Scope scope(m_undoNames, name);
     const QTextCursor cursor = textCursor();
     if (!cursor.hasSelection()) {

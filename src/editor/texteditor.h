@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/firstlook.h"
 #include "editor/layoutguard.h"
 #include "editor/undonames.h"
 #include "editor/zoomeddevice.h"
@@ -74,7 +75,8 @@ public:
     /// tooTall() sent. \return false where the text cannot be edited.
     bool edit(const QString &name, const std::function<void(QTextCursor &)> &change);
     /// Merges \a format into the selection, in one step of undo, or into what is typed next.
-    /// \return false, with tooTall() sent and nothing changed, where the text would not fit.
+    /// \return false, with nothing changed, where the text cannot be edited or, with tooTall()
+    /// sent, would not fit.
     bool applyCharFormat(const QTextCharFormat &format,
                          const QString &name = QStringLiteral("Formatting"));
     /// Inserts a text in the place of the selection, in one step of undo. \return as above.
@@ -215,6 +217,7 @@ private:
     Place m_place; // of the hidden content
     std::optional<Place> m_unsettled; // to be found again when the window has its size
     QTimer m_settling;
+    FirstLook m_firstLook;
 };
 
 } // namespace quorvane
