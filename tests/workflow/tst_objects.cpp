@@ -332,7 +332,7 @@ void TestObjects::aLargeFileIsAskedAboutFirst()
     QVERIFY(opened.answer(u"Cancel"_s));
     QCOMPARE(opened.editor().toPlainText(), u"text"_s);
     opened.insert(TextCommand::InsertFile, u"large.bin"_s, large);
-    QVERIFY(opened.answer(u"Insert"_s));
+    QVERIFY2(opened.answer(u"Insert"_s), qPrintable(RealProgram::dialogText()));
     QCOMPARE(opened.editor().toPlainText(), u"text"_s + object);
 }
 
@@ -627,11 +627,18 @@ void TestObjects::aDragMakesItsFileOnlyWhenAsked()
 void TestObjects::aPictureIsNeverWiderThanItsColumn()
 {
     Opened opened;
-    const auto resize = [&](int width) { // again, where the window still grows after the unlock
-        return QTest::qWaitFor([&] {
-            opened.program.window().resize(width, 700);
-            return qAbs(opened.editor().viewport()->width() - width) < 40;
+    const auto resize = [&](int width) {
+        QSize last;
+        int resting = 0; // looks at a window that has the same size: it grows after an unlock
+        const bool rests = QTest::qWaitFor([&] {
+            const QSize now = opened.program.window().size();
+            resting = now == std::exchange(last, now) ? resting + 1 : 0;
+            return resting > 40;
         });
+        opened.program.window().resize(width, 700);
+        return rests && QTest::qWaitFor([&] {
+                   return qAbs(opened.editor().viewport()->width() - width) < 40;
+               });
     };
     QVERIFY(resize(900));
     QVERIFY(opened.insert(TextCommand::InsertPicture, u"a.png"_s, png({2000, 1000})));
