@@ -40,7 +40,6 @@ def a_folder_of_old_documents_is_migrated(tour):
 def each_migrated_document_opens_in_its_window(tour):
     for path in tour.old:
         if tour.screen.program:
-            tour.close()
             tour.quit()
         tour.start(path)
         tour.unlock(OLD_PASSWORD)
