@@ -132,8 +132,19 @@ struct HeightEstimate::Measure
     double em = 0;
     double height = 0;
     double extra = 0; // letter spacing
+    double widest = 0; // of the letters of ASCII, once it was asked for
     std::optional<QFontMetricsF> metrics;
     std::vector<float> widths; // 0 while not measured
+
+    double widestLetter()
+    {
+        if (widest <= 0) {
+            for (char16_t unit = u' '; unit <= u'~'; ++unit) {
+                widest = std::max(widest, width(unit));
+            }
+        }
+        return widest;
+    }
 
     double width(char16_t unit)
     {
@@ -208,6 +219,14 @@ void HeightEstimate::restyle(int from, int to, const QTextCharFormat &format)
     m_restyledFrom = from;
     m_restyledTo = to;
     m_restyling = format;
+}
+
+double HeightEstimate::atMost(const QTextDocument &document)
+{
+    m_isRough = true;
+    const double height = of(document);
+    m_isRough = false;
+    return height;
 }
 
 double HeightEstimate::of(const QTextDocument &document)
@@ -297,16 +316,47 @@ double HeightEstimate::ofBlock(const QTextBlock &block, double width)
     lines.width = std::max(1.0, lines.width);
     lines.tab = widestTab(format, m_document->defaultTextOption().tabStopDistance());
     lines.height = lookOf(block, block.position(), block.length()).measure->height;
-    for (auto part = block.begin(); !part.atEnd(); ++part) {
-        const QTextFragment fragment = part.fragment();
-        addText(lines, fragment.text(), lookOf(fragment, fragment.position(), fragment.length()));
+    if (!m_isRough || !addRoughly(lines, block)) {
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+            const QTextFragment fragment = part.fragment();
+            addText(lines, fragment.text(),
+                    lookOf(fragment, fragment.position(), fragment.length()));
+        }
+        lines.endWord();
     }
-    lines.endWord();
     const QTextFormat::PageBreakFlags breaks = format.pageBreakPolicy();
     m_onPages += breaks.testFlag(QTextFormat::PageBreak_AlwaysBefore) ? pageHeight : 0;
     m_onPages += breaks.testFlag(QTextFormat::PageBreak_AlwaysAfter) ? pageHeight : 0;
     const double margins = std::max(0.0, format.topMargin()) + std::max(0.0, format.bottomMargin());
     return lines.count * std::ceil(spacedLine(format, lines.height)) + margins;
+}
+
+/// As if each letter were the widest one of its font. Two lines in a row hold more than fits onto
+/// one, or the second one's first word would stand on the first. \return false, with nothing done,
+/// for a block that has more than plain letters in it.
+bool HeightEstimate::addRoughly(Lines &lines, const QTextBlock &block)
+{
+    double advance = 0;
+    double height = lines.height;
+    for (auto part = block.begin(); !part.atEnd(); ++part) {
+        const QTextFragment fragment = part.fragment();
+        const QString text = fragment.text();
+        char16_t outside = 0; // of the printable letters of ASCII
+        for (const QChar character : text) {
+            outside |= static_cast<char16_t>(static_cast<unsigned>(character.unicode()) - u' '
+                                             > unsigned(u'~' - u' '));
+        }
+        const Look &look = lookOf(fragment, fragment.position(), fragment.length());
+        if (outside != 0 || look.format.verticalAlignment() != QTextCharFormat::AlignNormal
+            || look.format.baselineOffset() != 0) {
+            return false;
+        }
+        advance += static_cast<double>(text.size()) * look.measure->widestLetter();
+        height = std::max(height, look.measure->height);
+    }
+    lines.height = height;
+    lines.count += std::ceil(2 * advance / lines.width);
+    return true;
 }
 
 void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look)

@@ -40,6 +40,8 @@ public:
 
     /// Height of the whole in pixels. It stops counting well above tallestDocument.
     double of(const QTextDocument &document);
+    /// A height that is not below it, in half the time.
+    double atMost(const QTextDocument &document);
     /// Height of the blocks that the characters from \a from to \a to touch.
     double ofBlocks(const QTextDocument &document, int from, int to);
 
@@ -56,6 +58,7 @@ private:
     double ofFrame(const QTextFrame &frame, double width, int depth);
     double ofTable(const QTextTable &table, double width, int depth);
     double ofBlock(const QTextBlock &block, double width);
+    bool addRoughly(Lines &lines, const QTextBlock &block);
     void addText(Lines &lines, const QString &text, const Look &look);
     void addObjects(Lines &lines, qsizetype count, const QTextCharFormat &format) const;
     template <typename Part> const Look &lookOf(const Part &part, int position, int length);
@@ -66,6 +69,7 @@ private:
     const QPaintDevice *m_device;
     double m_dotsPerInch;
     const QTextDocument *m_document = nullptr;
+    bool m_isRough = false;
     double m_onPages = 0; // what page breaks and repeated rows add to a text on pages
     int m_restyledFrom = 0;
     int m_restyledTo = 0;

@@ -128,7 +128,10 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
         document->setDefaultFont(fontOf(*m_typingFont));
     }
     document->setDocumentMargin(margin);
-    const double height = estimate.of(*document);
+    double height = estimate.atMost(*document);
+    if (height > tallestInOnePiece()) {
+        height = estimate.of(*document);
+    }
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
