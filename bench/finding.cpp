@@ -5,6 +5,7 @@
 #include "editor/textfinder.h"
 #include "paired.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QTextDocument>
 
