@@ -57,7 +57,7 @@ void TableMarks::draw(QPainter &painter) const
     }
     const QRect clip = painter.clipBoundingRect().toAlignedRect();
     const QTextBlock first = m_editor.cursorForPosition(clip.topLeft()).block();
-    const QTextBlock last = m_editor.cursorForPosition(clip.bottomRight()).block();
+    const QTextBlock last = m_editor.document()->findBlock(m_editor.lastIn(clip));
     drawGrid(painter, first, last);
     drawSelection(painter, first, last);
 }

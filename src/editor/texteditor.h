@@ -106,6 +106,10 @@ public:
 
     const UndoNames &undoNames() const { return m_undoNames; }
 
+    /// The last character that is in view in a rectangle of the viewport, as far as the text is
+    /// laid out: asking never lays out more.
+    int lastIn(const QRect &view) const;
+
     /// Draws over the text, in the viewport's coordinates, whenever it is painted.
     void addOverlay(std::function<void(QPainter &painter)> draw);
 

@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -11,6 +12,25 @@ namespace quorvane {
 
 namespace {
 constexpr double halfLine = 8; // pixels
+}
+
+// Behind what is laid out the toolkit finds the end of the text, and a cursor there has all of it
+// laid out.
+int TextEditor::lastIn(const QRect &view) const
+{
+    const QPointF origin(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    const auto at = [&](const QPoint &place) {
+        return document()->documentLayout()->hitTest(place + origin, Qt::FuzzyHit);
+    };
+    const int last = at(view.bottomRight());
+    if (document()->findBlock(last).layout()->lineCount() > 0) {
+        return last;
+    }
+    QTextBlock block = document()->findBlock(at(view.topLeft()));
+    while (block.next().isValid() && block.next().layout()->lineCount() > 0) {
+        block = block.next();
+    }
+    return block.position() + block.length() - 1;
 }
 
 TextEditor::Place TextEditor::place() const

@@ -38,7 +38,7 @@ TextSpan VisibleMarks::inView() const
 {
     const QRect view = m_editor.viewport()->rect();
     const int first = m_editor.cursorForPosition(view.topLeft()).position();
-    const int last = m_editor.cursorForPosition(view.bottomRight()).position();
+    const int last = m_editor.lastIn(view);
     const int from = std::max(0, first - charactersAround);
     const int to = std::min(m_editor.document()->characterCount() - 1, last + charactersAround);
     return {from, to - from};
@@ -60,7 +60,7 @@ void VisibleMarks::collect()
     if (!m_editor.isContentHidden()) {
         const QRect view = m_editor.viewport()->rect();
         const QTextBlock first = m_editor.cursorForPosition(view.topLeft()).block();
-        const QTextBlock last = m_editor.cursorForPosition(view.bottomRight()).block();
+        const QTextBlock last = m_editor.document()->findBlock(m_editor.lastIn(view));
         for (const auto &[layer, source] : m_sources) {
             source(first, last, marks);
         }
