@@ -2,11 +2,9 @@
 
 #include <QAction>
 #include <QKeyEvent>
-#include <QKeySequence>
 #include <QMenu>
 #include <QWidget>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -117,6 +115,7 @@ TextCommands::TextCommands(QObject *parent)
         auto *action = new QAction(row.title, this);
         action->setShortcuts(row.shortcuts);
         action->setEnabled(false);
+        m_keys += QSet(row.shortcuts.begin(), row.shortcuts.end());
         m_commands[row.command].action = action;
     }
 }
@@ -178,9 +177,7 @@ bool TextCommands::eventFilter(QObject *watched, QEvent *event)
         return QObject::eventFilter(watched, event);
     }
     const QKeySequence pressed(static_cast<QKeyEvent *>(event)->keyCombination());
-    const bool isOurs = std::any_of(m_commands.begin(), m_commands.end(), [&](const auto &entry) {
-        return entry.second.action->shortcuts().contains(pressed);
-    });
+    const bool isOurs = m_keys.contains(pressed);
     if (isOurs) {
         validate();
         event->ignore();

@@ -2,7 +2,9 @@
 
 #include "document/documentaction.h"
 
+#include <QKeySequence>
 #include <QObject>
+#include <QSet>
 
 #include <functional>
 #include <map>
@@ -140,6 +142,7 @@ private:
     bool mayRun() const { return !m_mayRun || m_mayRun(); }
 
     std::map<TextCommand, Command> m_commands;
+    QSet<QKeySequence> m_keys; // of them all
     std::map<TextMenu, std::function<void(QMenu &)>> m_menus;
     std::function<bool()> m_mayRun;
     bool m_validates = false; // in this turn
