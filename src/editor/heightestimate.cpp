@@ -132,19 +132,8 @@ struct HeightEstimate::Measure
     double em = 0;
     double height = 0;
     double extra = 0; // letter spacing
-    double widest = 0; // of the letters of ASCII, once it was asked for
     std::optional<QFontMetricsF> metrics;
     std::vector<float> widths; // 0 while not measured
-
-    double widestLetter()
-    {
-        if (widest <= 0) {
-            for (char16_t unit = u' '; unit <= u'~'; ++unit) {
-                widest = std::max(widest, width(unit));
-            }
-        }
-        return widest;
-    }
 
     double width(char16_t unit)
     {
@@ -221,18 +210,11 @@ void HeightEstimate::restyle(int from, int to, const QTextCharFormat &format)
     m_restyling = format;
 }
 
-double HeightEstimate::atMost(const QTextDocument &document)
-{
-    m_isRough = true;
-    const double height = of(document);
-    m_isRough = false;
-    return height;
-}
-
 double HeightEstimate::of(const QTextDocument &document)
 {
     m_document = &document;
     m_looks.clear();
+    m_paragraphs.clear();
     m_onPages = 0;
     const double margins = 2 * document.documentMargin();
     const double height = margins + ofFrame(*document.rootFrame(), m_width - margins, 0);
@@ -243,6 +225,7 @@ double HeightEstimate::ofBlocks(const QTextDocument &document, int from, int to)
 {
     m_document = &document;
     m_looks.clear();
+    m_paragraphs.clear();
     const double width = m_width - 2 * document.documentMargin();
     double height = 0;
     for (QTextBlock block = document.findBlock(from);
@@ -305,58 +288,43 @@ double HeightEstimate::ofTable(const QTextTable &table, double width, int depth)
 
 double HeightEstimate::ofBlock(const QTextBlock &block, double width)
 {
-    const QTextBlockFormat format = block.blockFormat();
-    const double indent = format.indent() * m_document->indentWidth();
+    const Paragraph &paragraph = paragraphOf(block);
     Lines lines;
-    lines.width =
-        width - format.leftMargin() - format.rightMargin() - indent - std::abs(format.textIndent());
-    if (block.textList()) {
-        lines.width -= m_document->indentWidth() * block.textList()->format().indent();
-    }
-    lines.width = std::max(1.0, lines.width);
-    lines.tab = widestTab(format, m_document->defaultTextOption().tabStopDistance());
+    lines.width = std::max(1.0, width - paragraph.aside);
+    lines.tab = paragraph.tab;
     lines.height = lookOf(block, block.position(), block.length()).measure->height;
-    if (!m_isRough || !addRoughly(lines, block)) {
-        for (auto part = block.begin(); !part.atEnd(); ++part) {
-            const QTextFragment fragment = part.fragment();
-            addText(lines, fragment.text(),
-                    lookOf(fragment, fragment.position(), fragment.length()));
-        }
-        lines.endWord();
-    }
-    const QTextFormat::PageBreakFlags breaks = format.pageBreakPolicy();
-    m_onPages += breaks.testFlag(QTextFormat::PageBreak_AlwaysBefore) ? pageHeight : 0;
-    m_onPages += breaks.testFlag(QTextFormat::PageBreak_AlwaysAfter) ? pageHeight : 0;
-    const double margins = std::max(0.0, format.topMargin()) + std::max(0.0, format.bottomMargin());
-    return lines.count * std::ceil(spacedLine(format, lines.height)) + margins;
-}
-
-/// As if each letter were the widest one of its font. Two lines in a row hold more than fits onto
-/// one, or the second one's first word would stand on the first. \return false, with nothing done,
-/// for a block that has more than plain letters in it.
-bool HeightEstimate::addRoughly(Lines &lines, const QTextBlock &block)
-{
-    double advance = 0;
-    double height = lines.height;
     for (auto part = block.begin(); !part.atEnd(); ++part) {
         const QTextFragment fragment = part.fragment();
-        const QString text = fragment.text();
-        char16_t outside = 0; // of the printable letters of ASCII
-        for (const QChar character : text) {
-            outside |= static_cast<char16_t>(static_cast<unsigned>(character.unicode()) - u' '
-                                             > unsigned(u'~' - u' '));
-        }
-        const Look &look = lookOf(fragment, fragment.position(), fragment.length());
-        if (outside != 0 || look.format.verticalAlignment() != QTextCharFormat::AlignNormal
-            || look.format.baselineOffset() != 0) {
-            return false;
-        }
-        advance += static_cast<double>(text.size()) * look.measure->widestLetter();
-        height = std::max(height, look.measure->height);
+        addText(lines, fragment.text(), lookOf(fragment, fragment.position(), fragment.length()));
     }
-    lines.height = height;
-    lines.count += std::ceil(2 * advance / lines.width);
-    return true;
+    lines.endWord();
+    m_onPages += paragraph.onPages;
+    return lines.count * std::ceil(spacedLine(paragraph.format, lines.height)) + paragraph.margins;
+}
+
+const HeightEstimate::Paragraph &HeightEstimate::paragraphOf(const QTextBlock &block)
+{
+    const auto index = static_cast<size_t>(block.blockFormatIndex());
+    if (index >= m_paragraphs.size()) {
+        m_paragraphs.resize(index + 1);
+    }
+    std::optional<Paragraph> &paragraph = m_paragraphs[index];
+    if (paragraph) {
+        return *paragraph;
+    }
+    const QTextBlockFormat format = block.blockFormat();
+    const QTextList *list = block.textList();
+    const int indent = format.indent() + (list ? list->format().indent() : 0);
+    const QTextFormat::PageBreakFlags breaks = format.pageBreakPolicy();
+    const int pages = breaks.testFlag(QTextFormat::PageBreak_AlwaysBefore)
+        + breaks.testFlag(QTextFormat::PageBreak_AlwaysAfter);
+    paragraph = {format,
+                 format.leftMargin() + format.rightMargin() + std::abs(format.textIndent())
+                     + indent * m_document->indentWidth(),
+                 widestTab(format, m_document->defaultTextOption().tabStopDistance()),
+                 std::max(0.0, format.topMargin()) + std::max(0.0, format.bottomMargin()),
+                 pages * pageHeight};
+    return *paragraph;
 }
 
 void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look)

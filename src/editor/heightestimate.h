@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QTextBlockFormat>
 #include <QTextCharFormat>
 
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -40,8 +42,6 @@ public:
 
     /// Height of the whole in pixels. It stops counting well above tallestDocument.
     double of(const QTextDocument &document);
-    /// A height that is not below it, in half the time.
-    double atMost(const QTextDocument &document);
     /// Height of the blocks that the characters from \a from to \a to touch.
     double ofBlocks(const QTextDocument &document, int from, int to);
 
@@ -55,10 +55,20 @@ private:
         Measure *measure = nullptr;
     };
 
+    /// What a paragraph has around its text, by its format alone.
+    struct Paragraph
+    {
+        QTextBlockFormat format;
+        double aside;
+        double tab;
+        double margins;
+        double onPages;
+    };
+
+    const Paragraph &paragraphOf(const QTextBlock &block);
     double ofFrame(const QTextFrame &frame, double width, int depth);
     double ofTable(const QTextTable &table, double width, int depth);
     double ofBlock(const QTextBlock &block, double width);
-    bool addRoughly(Lines &lines, const QTextBlock &block);
     void addText(Lines &lines, const QString &text, const Look &look);
     void addObjects(Lines &lines, qsizetype count, const QTextCharFormat &format) const;
     template <typename Part> const Look &lookOf(const Part &part, int position, int length);
@@ -69,13 +79,13 @@ private:
     const QPaintDevice *m_device;
     double m_dotsPerInch;
     const QTextDocument *m_document = nullptr;
-    bool m_isRough = false;
     double m_onPages = 0; // what page breaks and repeated rows add to a text on pages
     int m_restyledFrom = 0;
     int m_restyledTo = 0;
     QTextCharFormat m_restyling;
     std::unordered_map<size_t, std::unique_ptr<Measure>> m_measures;
     std::vector<Look> m_looks; // by the format's number in the document
+    std::vector<std::optional<Paragraph>> m_paragraphs; // the same
     Look m_restyled;
 };
 

@@ -128,10 +128,7 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
         document->setDefaultFont(fontOf(*m_typingFont));
     }
     document->setDocumentMargin(margin);
-    double height = estimate.atMost(*document);
-    if (height > tallestInOnePiece()) {
-        height = estimate.of(*document);
-    }
+    const double height = estimate.of(*document);
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }

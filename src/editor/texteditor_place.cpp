@@ -14,23 +14,22 @@ namespace {
 constexpr double halfLine = 8; // pixels
 }
 
-// Behind what is laid out the toolkit finds the end of the text, and a cursor there has all of it
+// Behind what is laid out a hit test runs to the end of the text, and a cursor there has all of it
 // laid out.
 int TextEditor::lastIn(const QRect &view) const
 {
+    const QAbstractTextDocumentLayout &layout = *document()->documentLayout();
     const QPointF origin(horizontalScrollBar()->value(), verticalScrollBar()->value());
-    const auto at = [&](const QPoint &place) {
-        return document()->documentLayout()->hitTest(place + origin, Qt::FuzzyHit);
-    };
-    const int last = at(view.bottomRight());
-    if (document()->findBlock(last).layout()->lineCount() > 0) {
-        return last;
+    const QPointF bottom = view.bottomRight() + origin;
+    QTextBlock last = document()->findBlock(layout.hitTest(view.topLeft() + origin, Qt::FuzzyHit));
+    for (QTextBlock block = last.next(); block.isValid() && block.layout()->lineCount() > 0
+         && layout.blockBoundingRect(block).top() <= bottom.y();
+         block = block.next()) {
+        last = block;
     }
-    QTextBlock block = document()->findBlock(at(view.topLeft()));
-    while (block.next().isValid() && block.next().layout()->lineCount() > 0) {
-        block = block.next();
-    }
-    return block.position() + block.length() - 1;
+    return layout.blockBoundingRect(last).bottom() > bottom.y()
+        ? layout.hitTest(bottom, Qt::FuzzyHit)
+        : last.position() + last.length() - 1;
 }
 
 TextEditor::Place TextEditor::place() const

@@ -101,25 +101,6 @@ private:
 
 private slots:
 
-    void aRoughEstimateIsNeverTooLow()
-    {
-        const QStringList texts {
-            u"w"_s.repeated(3000), u"some words of all lengths, unquestionably "_s.repeated(60),
-            u"W "_s.repeated(900), u"with\ttabs and\u2028lines, ä and 漢字 "_s.repeated(40), u""_s};
-        for (const QString &text : texts) {
-            const auto document = documentOf(text, 3);
-            QTextCharFormat large;
-            large.setFontPointSize(40);
-            QTextCursor(document.get()).insertText(u"Larger words"_s, large);
-            for (const double width : {40.0, 300.0, 760.0}) {
-                HeightEstimate estimate(width);
-                const double exact = estimate.of(*document);
-                QVERIFY(estimate.atMost(*document) >= exact);
-                QCOMPARE(estimate.of(*document), exact);
-            }
-        }
-    }
-
     void init()
     {
         m_editor = std::make_unique<TextEditor>();
