@@ -197,6 +197,7 @@ void TextEditor::attach(QTextDocument *document)
 void TextEditor::detach()
 {
     m_layoutGuard.watch(nullptr);
+    setExtraSelections({}); // their cursors are the document's
     if (document()->parent() == this) {
         document()->setParent(nullptr);
     }

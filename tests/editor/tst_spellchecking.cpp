@@ -266,6 +266,15 @@ private slots:
         QVERIFY(!window.command(TextCommand::NextMisspelling).isEnabled());
     }
 
+    void marksEndWithTheTextTheyStandIn()
+    {
+        Window window(*m_spelling);
+        window.show(u"rosaa amo"_s);
+        QVERIFY(window.shows({u"rosaa"_s}));
+        window.show(u"amo rosax"_s);
+        QVERIFY(window.shows({u"rosax"_s}));
+    }
+
     void aSuggestionCorrectsInOneStep()
     {
         Window window(*m_spelling);
