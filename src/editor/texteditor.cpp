@@ -123,16 +123,19 @@ TextEditor::~TextEditor()
 
 TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> document)
 {
-    HeightEstimate estimate(referenceWidth, viewport());
+    const double besideBar = viewWidth() - verticalScrollBar()->sizeHint().width() / zoom();
+    const double narrow = std::min<double>(referenceWidth, besideBar);
+    HeightEstimate estimate(referenceWidth, narrow, viewport());
     if (m_typingFont) { // also for text without a font of its own: it has none in a file either
         document->setDefaultFont(fontOf(*m_typingFont));
     }
     document->setDocumentMargin(margin);
-    const double height = estimate.of(*document);
+    const auto [height, narrowHeight] = estimate.of(*document);
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
-    if (height * zoom() > tallestPaginated) {
+    const bool isUnzoomed = height * zoom() > tallestPaginated;
+    if (isUnzoomed) {
         m_device.setZoom(1);
     }
     document->setUndoRedoEnabled(false); // drops what filling has recorded
@@ -141,8 +144,8 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     detach();
     const auto former = std::exchange(m_content, std::move(document));
     m_bound = {referenceWidth, height};
-    m_narrow = m_bound;
     m_paginated = height > tallestInOnePiece();
+    m_narrow = narrowHeight > tallestInOnePiece() ? m_bound : Bound {narrow, narrowHeight};
     m_place = {};
     m_unsettled.reset();
     if (!isContentHidden()) {
@@ -153,6 +156,9 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     m_undoNames.watch(m_content.get());
     m_firstLook.watch(m_content.get());
     emit contentReplaced();
+    if (isUnzoomed) {
+        emit zoomChanged();
+    }
     return ShowResult::Shown;
 }
 
@@ -272,7 +278,7 @@ bool TextEditor::applyCharFormat(const QTextCharFormat &format, const QString &n
     }
     HeightEstimate estimate(referenceWidth, viewport());
     estimate.restyle(cursor.selectionStart(), cursor.selectionEnd(), format);
-    if (estimate.of(*m_content) > tallestPaginated) {
+    if (estimate.of(*m_content).wide > tallestPaginated) {
         refuse();
         return false;
     }
@@ -283,7 +289,7 @@ bool TextEditor::applyCharFormat(const QTextCharFormat &format, const QString &n
 bool TextEditor::insertDocument(const QTextDocument &inserted, const QString &name)
 {
     const UndoNames::Scope scope(m_undoNames, name);
-    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(inserted))) {
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(inserted).wide)) {
         refuse();
         return false;
     }
@@ -308,7 +314,7 @@ bool TextEditor::insertText(const QString &text, const QString &name)
     probe.setUndoRedoEnabled(false);
     probe.setDefaultFont(m_content->defaultFont());
     QTextCursor(&probe).insertText(text, currentCharFormat());
-    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe))) {
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe).wide)) {
         refuse();
         return false;
     }

@@ -183,7 +183,6 @@ private:
     void detach();
     void leaveForeignLook();
     void handleTyped(const std::function<void()> &insert);
-    double heightAt(double width) const;
 
     double viewWidth() const { return viewport()->width() / zoom(); }
 
