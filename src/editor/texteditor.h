@@ -165,9 +165,6 @@ private:
         int width = 0;
     };
 
-    bool beginsStep(const QKeyEvent &event);
-    void typeAsNewStep(const QString &text);
-
     /// What the looks were last asked for.
     struct LooksKey
     {
@@ -180,6 +177,8 @@ private:
 
     void attach(QTextDocument *document);
     void detach();
+    bool beginsStep(const QString &text);
+    void type(const QString &text, bool asNewStep);
     void leaveForeignLook();
     void handleTyped(const std::function<void()> &insert);
     double heightAt(double width) const;
