@@ -2,6 +2,7 @@
 
 #include "editor/insertion.h"
 #include "editor/linksheet.h"
+#include "editor/selectedtext.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 #include "editor/textlinks.h"
@@ -148,13 +149,9 @@ void LinkEditing::keepLinksFromGrowing()
     if (!format.isAnchor() || cursor.hasSelection() || m_editor.isReadOnly()) {
         return;
     }
-    const QTextDocument &document = *m_editor.document();
-    const bool isInside =
-        !cursor.atBlockStart() && addressAt(document, cursor.position()) == format.anchorHref();
-    if (!isInside) {
-        QTextCharFormat outside = format;
-        clearLink(outside);
-        m_editor.setCurrentCharFormat(outside);
+    const QTextCharFormat typed = lookOfTyped(cursor);
+    if (typed != format) {
+        m_editor.setCurrentCharFormat(typed);
     }
 }
 
