@@ -1,9 +1,8 @@
 #include "editor/characterstyles.h"
-#include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/passwordsheet.h"
-#include "editor/texteditor.h"
+#include "support/writtentext.h"
 
 #include <QComboBox>
 #include <QContextMenuEvent>
@@ -13,8 +12,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
-#include <QTextDocument>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -41,13 +38,6 @@ QPushButton *button(const QWidget &parent, const QString &text)
     return nullptr;
 }
 
-void showText(TextEditor &editor, const QString &text)
-{
-    auto document = std::make_unique<QTextDocument>();
-    document->setPlainText(text);
-    QCOMPARE(editor.showDocument(std::move(document)), TextEditor::ShowResult::Shown);
-}
-
 } // namespace
 
 class TestDocumentWindow : public QObject
@@ -58,13 +48,7 @@ private:
     std::unique_ptr<DocumentWindow> m_window;
     std::unique_ptr<CharacterStyles> m_styles;
 
-    void select(int from, int to)
-    {
-        QTextCursor cursor = m_window->editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        m_window->editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(m_window->editor(), from, to); }
 
 private slots:
 
