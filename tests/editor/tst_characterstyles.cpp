@@ -5,6 +5,7 @@
 #include "editor/stylememory.h"
 #include "editor/styletransfer.h"
 #include "editor/textcolours.h"
+#include "editor/textlinks.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtoperationqueue.h"
 #include "platform_qt/qtwindow.h"
@@ -40,11 +41,7 @@ QAbstractButton *named(const QWidget &parent, const QString &name)
 QTextCharFormat linkLook(const QString &address)
 {
     QTextCharFormat look;
-    look.setAnchor(true);
-    look.setAnchorHref(address);
-    look.setForeground(QColor(linkColour));
-    look.setUnderlineStyle(QTextCharFormat::SingleUnderline);
-    look.setProperty(LinkLook, true);
+    addLink(look, address);
     return look;
 }
 

@@ -6,7 +6,6 @@
 
 #include <QComboBox>
 #include <QContextMenuEvent>
-#include <QFontComboBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
@@ -128,36 +127,6 @@ private slots:
             cursor.setPosition(position);
             QVERIFY(!cursor.charFormat().hasProperty(property));
         }
-    }
-
-    void theToolbarFollowsTheCaretAndApplies()
-    {
-        TextEditor &editor = m_window->editor();
-        FormatToolbar &toolbar = m_window->formatToolbar();
-        showText(editor, u"plain strong"_s);
-        m_window->show();
-        auto *size = named<QComboBox>(toolbar, u"Font Size"_s);
-        auto *family = named<QFontComboBox>(toolbar, u"Font"_s);
-        select(6, 12);
-        m_window->commands().action(TextCommand::Bold).trigger();
-        size->setFocus();
-        size->lineEdit()->selectAll();
-        QTest::keyClicks(size, u"13.5"_s);
-        QTest::keyClick(size, Qt::Key_Return);
-        QTRY_VERIFY(editor.hasFocus());
-        family->setEditText(u"DejaVu Serif"_s);
-        emit family->textActivated(u"DejaVu Serif"_s);
-        select(2, 2);
-        QTRY_VERIFY(!m_window->commands().action(TextCommand::Bold).isChecked());
-        QVERIFY(size->currentText() != u"13.5"_s);
-        select(9, 9);
-        QTRY_VERIFY(m_window->commands().action(TextCommand::Bold).isChecked());
-        QCOMPARE(size->currentText(), u"13.5"_s);
-        QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
-        const QTextCharFormat format = editor.textCursor().charFormat();
-        QCOMPARE(format.fontPointSize(), 13.5);
-        QCOMPARE(format.fontFamilies().toStringList(), QStringList {u"DejaVu Serif"_s});
-        QVERIFY(!format.hasProperty(QTextFormat::ForegroundBrush));
     }
 
     void aSizeThatIsNoneIsNotApplied()

@@ -169,7 +169,7 @@ private slots:
         QVERIFY(editor().hasFocus());
     }
 
-    void aSelectionOfSeveralFontsLeavesTheFieldsEmpty()
+    void theFieldsFollowTheSelectionAndAreEmptyForSeveralFonts()
     {
         auto *size = tool<QComboBox>(u"Font Size"_s);
         auto *family = tool<QFontComboBox>(u"Font"_s);
@@ -180,9 +180,14 @@ private slots:
         editor().applyCharFormat(look);
         QTRY_COMPARE(size->currentText(), u"30"_s);
         QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
+        QVERIFY(!editor().textCursor().charFormat().hasProperty(QTextFormat::ForegroundBrush));
+        const QAction &bold = m_window->commands().action(TextCommand::Bold);
+        m_window->commands().action(TextCommand::Bold).trigger();
+        QVERIFY(bold.isChecked());
         select(2, 8);
         QTRY_COMPARE(size->currentText(), QString());
         QCOMPARE(family->currentText(), QString());
+        QVERIFY(!bold.isChecked());
     }
 
     void aFamilyThatIsMissingIsKeptAndToldOf()

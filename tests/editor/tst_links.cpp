@@ -11,8 +11,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <QMimeData>
-#include <QPushButton>
 #include <QToolTip>
 
 using namespace Qt::StringLiterals;
@@ -211,18 +209,6 @@ private slots:
         action(TextCommand::RemoveLink).trigger();
         QCOMPARE(DescribedText::of(content()), u"a l[weight=700]in[]k c"_s);
         QCOMPARE(editor().undoNames().undoName(), u"Remove Link"_s);
-    }
-
-    void whatIsWrittenAtTheEdgesOfALinkIsNoPartOfIt()
-    {
-        show(u"[link>http://a.b]"_s);
-        select(4, 4);
-        QTest::keyClicks(&editor(), u"!"_s);
-        select(2, 2);
-        QTest::keyClicks(&editor(), u"x"_s);
-        QTest::keyClick(&editor(), Qt::Key_Home);
-        QTest::keyClicks(&editor(), u"-"_s);
-        QCOMPARE(marked(content()), u"-[lixnk>http://a.b]!"_s);
     }
 
     void addressesBecomeLinksAsTheyAreWritten_data()

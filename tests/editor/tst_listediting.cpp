@@ -8,8 +8,6 @@
 #include <QMenu>
 #include <QScrollBar>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 using namespace quorvane;
 

@@ -2,7 +2,6 @@
 #include "editor/tabletest.h"
 
 #include <QCheckBox>
-#include <QPushButton>
 #include <QSpinBox>
 #include <QTextLayout>
 #include <QTextTable>
