@@ -1,4 +1,3 @@
-#include "editor/draggedattachment.h"
 #include "richtext/body.h"
 #include "workflow/openeddocument.h"
 
@@ -17,7 +16,6 @@ private Q_SLOTS:
     void whatMustNotBeOpenedIsRefused();
     void aLockIsFasterThanAnAnswer();
     void commandsAreThereWhereTheyCanRun();
-    void aDragMakesItsFileOnlyWhenAsked();
 };
 
 void TestAttachments::aDeletedAttachmentIsNotSavedAndComesBackWhole()
@@ -170,23 +168,6 @@ void TestAttachments::commandsAreThereWhereTheyCanRun()
     opened.paste(imageData({20, 10}));
     QCOMPARE(opened.editor().toPlainText(), u"text"_s + object);
     QCOMPARE(opened.sizeAt(4), QSize(20, 10));
-}
-
-void TestAttachments::aDragMakesItsFileOnlyWhenAsked()
-{
-    int made = 0;
-    auto text = std::make_unique<QMimeData>();
-    text->setData(u"text/rtf"_s, "{\\rtf1}");
-    const DraggedAttachment dragged(std::move(text), [&made] {
-        ++made;
-        return std::optional(u"/run/user/1/quorvane-a/1/a b.pdf"_s);
-    });
-    QVERIFY(dragged.hasUrls());
-    QCOMPARE(dragged.data(u"text/rtf"_s), "{\\rtf1}");
-    QCOMPARE(made, 0);
-    QCOMPARE(dragged.data(u"text/uri-list"_s), "file:///run/user/1/quorvane-a/1/a%20b.pdf\r\n");
-    QCOMPARE(dragged.urls().value(0).toLocalFile(), u"/run/user/1/quorvane-a/1/a b.pdf"_s);
-    QCOMPARE(made, 1);
 }
 
 QTEST_MAIN(TestAttachments)

@@ -1,3 +1,4 @@
+#include "editor/draggedattachment.h"
 #include "richtext/attachmentstore.h"
 #include "support/writtentext.h"
 #include "workflow/openeddocument.h"
@@ -22,6 +23,7 @@ private Q_SLOTS:
     void aHandleResizesInOneStep_data();
     void aHandleResizesInOneStep();
     void theSizeIsSetByKeysAlone();
+    void aDragMakesItsFileOnlyWhenAsked();
     void aPictureIsNeverWiderThanItsColumn();
 };
 
@@ -276,6 +278,23 @@ void TestObjects::theSizeIsSetByKeysAlone()
     QTest::keyClick(RealProgram::dialog(), Qt::Key_Escape);
     QTRY_VERIFY(!RealProgram::dialog());
     QCOMPARE(opened.sizeAt(4), QSize(200, 100));
+}
+
+void TestObjects::aDragMakesItsFileOnlyWhenAsked()
+{
+    int made = 0;
+    auto text = std::make_unique<QMimeData>();
+    text->setData(u"text/rtf"_s, "{\\rtf1}");
+    const DraggedAttachment dragged(std::move(text), [&made] {
+        ++made;
+        return std::optional(u"/run/user/1/quorvane-a/1/a b.pdf"_s);
+    });
+    QVERIFY(dragged.hasUrls());
+    QCOMPARE(dragged.data(u"text/rtf"_s), "{\\rtf1}");
+    QCOMPARE(made, 0);
+    QCOMPARE(dragged.data(u"text/uri-list"_s), "file:///run/user/1/quorvane-a/1/a%20b.pdf\r\n");
+    QCOMPARE(dragged.urls().value(0).toLocalFile(), u"/run/user/1/quorvane-a/1/a b.pdf"_s);
+    QCOMPARE(made, 1);
 }
 
 void TestObjects::aPictureIsNeverWiderThanItsColumn()
