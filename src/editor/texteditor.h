@@ -181,18 +181,17 @@ private:
     void suspendLayout();
     void refuse();
 
+    std::unique_ptr<QTextDocument> documentOf(const QMimeData &source);
+    bool takesObjects(const QMimeData &source) const;
     bool beginsStep(const QString &text);
     void type(const QString &text, bool asNewStep);
     void leaveForeignLook();
     void handleTyped(const std::function<void()> &insert);
-    std::unique_ptr<QTextDocument> documentOf(const QMimeData &source);
-    bool takesObjects(const QMimeData &source) const;
-
     double heightAt(double width) const;
-    double tallestInOnePiece() const;
 
     double viewWidth() const { return viewport()->width() / zoom(); }
 
+    double tallestInOnePiece() const;
     bool isAtMost(double height);
     void followHeight(int position, int removed, int added);
     bool fitsAt(double width);
