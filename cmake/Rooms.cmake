@@ -5,6 +5,7 @@ function(quorvane_room name)
     add_library(quorvane_${name} STATIC ${sources})
     target_include_directories(quorvane_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(quorvane_${name} PUBLIC ${ROOM_LINK} PRIVATE quorvane_options)
+    quorvane_precompile_for(quorvane_${name} ${ROOM_LINK})
 endfunction()
 
 # One Qt Test executable a class or concern. LABEL is unit, gui, x11 or slow; an x11 test runs on an
@@ -23,6 +24,7 @@ function(quorvane_test name)
         QUORVANE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
         QUORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE ${TEST_LINK} Qt6::Test quorvane_options)
+    quorvane_precompile_for(${name} ${TEST_LINK})
     if(TEST_LABEL STREQUAL "x11")
         add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-x11 $<TARGET_FILE:${name}>)
     else()
