@@ -73,7 +73,7 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
 
 void StatusBar::begin()
 {
-    m_next = -1;
+    m_left.clear();
     m_timer.start(pauseMilliseconds);
 }
 
@@ -83,22 +83,26 @@ void StatusBar::countOn()
         return;
     }
     const QTextDocument &text = *m_editor.content();
-    if (m_next < 0) {
+    if (m_left.isEmpty()) {
         const QTextCursor caret = m_editor.textCursor();
         m_ofSelection = caret.hasSelection();
-        m_next = m_ofSelection ? caret.selectionStart() : 0;
-        m_end = m_ofSelection ? caret.selectionEnd() : text.characterCount();
+        m_left = m_ofSelection ? selectedRanges(caret)
+                               : QList<SelectedRange> {{0, text.characterCount()}};
         m_counts = {};
     }
     QElapsedTimer clock;
     clock.start();
-    QTextBlock block = text.findBlock(m_next);
-    for (int done = 0; block.isValid() && m_next < m_end; block = block.next()) {
-        const int from = m_next - block.position();
-        const int length = std::min(block.length() - 1, m_end - block.position()) - from;
+    for (int done = 1; !m_left.isEmpty(); ++done) {
+        SelectedRange &range = m_left.last();
+        const QTextBlock block = text.findBlock(range.from);
+        const int from = range.from - block.position();
+        const int length = std::min(block.length() - 1, range.to - block.position()) - from;
         m_counts += countsOf(QStringView(block.text()).mid(from, length));
-        m_next = block.position() + block.length();
-        if (++done % blocksAtOnce == 0 && clock.hasExpired(sliceMilliseconds)) {
+        range.from = block.position() + block.length();
+        if (range.from >= range.to) {
+            m_left.removeLast();
+        }
+        if (done % blocksAtOnce == 0 && clock.hasExpired(sliceMilliseconds)) {
             m_timer.start(0);
             return;
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/selectedtext.h"
 #include "editor/textcounts.h"
 
 #include <QFrame>
@@ -32,8 +33,7 @@ private:
     QLabel *m_label = nullptr;
     QToolButton *m_zoom = nullptr;
     QTimer m_timer;
-    int m_next = 0; // where counting goes on
-    int m_end = 0;
+    QList<SelectedRange> m_left; // to be counted, from the end
     bool m_ofSelection = false;
     TextCounts m_counts; // so far
 };

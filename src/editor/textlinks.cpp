@@ -38,8 +38,9 @@ bool isWeb(const QString &text)
 bool isBehindAddress(QStringView text)
 {
     const QChar last = text.back();
-    const bool isOwn = (last == u')' && text.contains(u'('))
-        || (last == u']' && text.contains(u'[')) || (last == u'}' && text.contains(u'{'));
+    const qsizetype bracket = u")]}"_s.indexOf(last);
+    const bool isOwn =
+        bracket >= 0 && text.count(last) <= text.count(u"([{"_s.at(bracket));
     return closing.contains(last) && !isOwn;
 }
 

@@ -223,6 +223,8 @@ private slots:
             << u"(me@example.org) "_s << u"([me@example.org>mailto:me@example.org]) "_s;
         QTest::newRow("with a bracket of its own")
             << u"https://a.b/c_(d) "_s << u"[https://a.b/c_(d)>https://a.b/c_(d)] "_s;
+        QTest::newRow("in brackets, with brackets of its own")
+            << u"(https://a.b/c_(d)). "_s << u"([https://a.b/c_(d)>https://a.b/c_(d)]). "_s;
         QTest::newRow("a name with a point") << u"readme.txt "_s << u"readme.txt "_s;
         QTest::newRow("another scheme") << u"ftp://a.b "_s << u"ftp://a.b "_s;
         QTest::newRow("no host") << u"https:// "_s << u"https:// "_s;
