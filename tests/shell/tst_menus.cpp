@@ -129,9 +129,16 @@ void TestMenus::theEditMenuActsWhereTheKeyboardIs()
         Q_EMIT RealProgram::menuItem(program.window(), menu)->menu()->aboutToShow();
         program.menuItem(item)->trigger();
     };
+    const auto isOffered = [&program](const QString &item) {
+        Q_EMIT RealProgram::menuItem(program.window(), u"Edit"_s)->menu()->aboutToShow();
+        return program.menuItem(item)->isEnabled();
+    };
     program.editor().setFocus();
+    QGuiApplication::clipboard()->clear();
+    QVERIFY(!isOffered(u"Paste"_s) && !isOffered(u"Paste and Match Style"_s));
     choose(u"Edit"_s, u"Select All"_s);
     choose(u"Edit"_s, u"Copy"_s);
+    QVERIFY(isOffered(u"Paste"_s) && isOffered(u"Paste and Match Style"_s));
     choose(u"Edit"_s, u"Delete"_s);
     QCOMPARE(program.editor().toPlainText(), u""_s);
     choose(u"Edit"_s, u"Undo"_s);
