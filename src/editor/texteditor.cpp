@@ -265,7 +265,10 @@ bool TextEditor::edit(const QString &name, const std::function<void(QTextCursor 
         cursor.beginEditBlock();
         change(cursor);
         cursor.endEditBlock();
-        setTextCursor(cursor);
+        const QTextCursor caret = textCursor();
+        if (cursor.position() != caret.position() || cursor.anchor() != caret.anchor()) {
+            setTextCursor(cursor); // scrolls to it
+        }
     });
     return true;
 }
@@ -338,6 +341,11 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
     m_unsettled.reset();
     if (!isReadOnly() && insertsText(event->text()) && !hasRoomFor(2 * cursorRect().height())) {
         refuse();
+        return;
+    }
+    if (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo)) {
+        m_typed = 0;
+        event->matches(QKeySequence::Undo) ? undo() : redo();
         return;
     }
     const UndoNames::Scope scope(m_undoNames, stepOf(*event));
