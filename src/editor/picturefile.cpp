@@ -1,5 +1,7 @@
 #include "editor/picturefile.h"
 
+#include "editor/picturecopy.h"
+
 #include <QBuffer>
 #include <QImageReader>
 #include <QtEndian>
@@ -148,9 +150,7 @@ QImage decodedPicture(const QByteArray &bytes, const QSize &most, bool isTurned)
     if (image.width() <= 0) {
         return {};
     }
-    // Three bytes a pixel instead of four: a third more of them can be kept.
-    return image.hasAlphaChannel() ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                                   : image.convertToFormat(QImage::Format_RGB888);
+    return withoutIdleAlpha(image);
 }
 
 QStringList pictureFileTypes()
