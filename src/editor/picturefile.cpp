@@ -125,7 +125,8 @@ std::optional<PictureInfo> pictureInfo(const QByteArray &bytes, bool isTurned)
         pixels.transpose();
     }
     return PictureInfo {pixels, QSizeF(pixels) * (dotsPerInch / resolutionOf(bytes, format)),
-                        format == "jpeg" ? u"jpg"_s : QString::fromLatin1(format)};
+                        format == "jpeg" ? u"jpg"_s : QString::fromLatin1(format),
+                        QString::fromLatin1("image/" + format)};
 }
 
 QImage decodedPicture(const QByteArray &bytes, const QSize &most, bool isTurned)
@@ -151,6 +152,21 @@ QImage decodedPicture(const QByteArray &bytes, const QSize &most, bool isTurned)
         return {};
     }
     return withoutIdleAlpha(image);
+}
+
+QByteArray pngOf(const QByteArray &bytes, bool isTurned)
+{
+    constexpr int littleEffort = 80; // somebody waits for it
+    const std::optional<PictureInfo> info = pictureInfo(bytes, isTurned);
+    if (!info) {
+        return {};
+    }
+    const double pixels = double(info->pixels.width()) * info->pixels.height();
+    const QSize size = info->pixels * std::min(1.0, std::sqrt(double(mostPixels) / pixels));
+    QByteArray png;
+    QBuffer buffer(&png);
+    return decodedPicture(bytes, size, isTurned).save(&buffer, "PNG", littleEffort) ? png
+                                                                                    : QByteArray();
 }
 
 QStringList pictureFileTypes()
