@@ -104,6 +104,9 @@ AttachmentEditing::AttachmentEditing(const TextToolSurroundings &surroundings,
         forgetDragged();
         m_pressed.reset();
         QToolTip::hideText();
+        if (m_isDragging) {
+            QDrag::cancel(); // the picture hangs on the mouse
+        }
     });
 }
 
@@ -209,8 +212,10 @@ void AttachmentEditing::drag(const PlacedAttachment &attachment)
         m_editor.isReadOnly() ? Qt::CopyAction : Qt::CopyAction | Qt::MoveAction;
     // Nothing is taken away here, whatever is answered: another program may say that it has moved
     // what it never stored. In the text itself the drop does both.
+    m_isDragging = true;
     drag->exec(may, m_editor.isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
     if (self) {
+        m_isDragging = false;
         m_dropTimer->start();
     }
 }

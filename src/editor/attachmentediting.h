@@ -56,6 +56,7 @@ private:
     std::optional<QString> m_draggedFile; // in it
     QTimer *m_dropTimer = nullptr;
     std::optional<QPoint> m_pressed; // on an attachment
+    bool m_isDragging = false;
 };
 
 } // namespace quorvane

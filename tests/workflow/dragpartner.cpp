@@ -4,6 +4,7 @@
 //
 //     ready <x> <y>          the middle of the window, once it stands
 //     over                   something that it takes is above it, each time that moves
+//     left                   it is not dropped here
 //     <format> <bytes>       what was dropped, for each format that it asks for
 //     file <bytes>           of each file that was dropped
 //     done                   with what was dropped
@@ -67,6 +68,8 @@ protected:
         event->acceptProposedAction();
         tell("over");
     }
+
+    void dragLeaveEvent(QDragLeaveEvent *) override { tell("left"); }
 
     void dropEvent(QDropEvent *event) override
     {
