@@ -193,6 +193,13 @@ void AttachmentObject::noteSeen(int position, const QPainter &painter)
     }
 }
 
+void AttachmentObject::forgetPictures()
+{
+    m_pictures.clear();
+    m_seen = {}; // nothing is prepared for it any more
+    m_preparedAround = {};
+}
+
 // Whoever reads on goes downwards, mostly.
 void AttachmentObject::prepareNeighbours()
 {

@@ -50,7 +50,7 @@ public:
     void drawPicture(QPainter &painter, const QRectF &rect, const QTextFormat &format);
 
     /// Drops all that was decoded.
-    void forgetPictures() { m_pictures.clear(); }
+    void forgetPictures();
 
 private:
     AttachmentObject(QTextDocument *document, std::optional<QPalette> palette);

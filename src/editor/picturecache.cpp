@@ -124,6 +124,8 @@ const QImage *PictureCache::decodedNow(const Request &request)
 void PictureCache::clear()
 {
     ++m_generation;
+    m_page = {};
+    m_isAtRest = false;
     m_rest->stop();
     m_waiting.clear();
     m_decoding.clear();
@@ -150,6 +152,9 @@ void PictureCache::note(const Request &request)
 // All of a page has room, always: else what is decoded for it would drive out what is.
 void PictureCache::endPage()
 {
+    if (m_page.pictures.isEmpty()) {
+        return; // dropped meanwhile
+    }
     m_largestPage = std::max(m_largestPage, m_page.bytes);
     m_page = {};
     m_isAtRest = false;
