@@ -8,8 +8,6 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 namespace quorvane {

@@ -6,7 +6,6 @@
 #include <QImageReader>
 #include <QtEndian>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>

@@ -1,16 +1,11 @@
 #include "editor/characterstyles.h"
-#include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
-#include "editor/textcommands.h"
-#include "editor/texteditor.h"
+#include "support/writtentext.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QFontComboBox>
 #include <QLineEdit>
 #include <QMenu>
-#include <QTest>
-#include <QTextDocument>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -56,13 +51,7 @@ private:
         }
     }
 
-    void select(int from, int to)
-    {
-        QTextCursor cursor = editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(editor(), from, to); }
 
     bool isInBar(const QWidget *widget)
     {
@@ -95,9 +84,7 @@ private slots:
         }
         m_window->commands().setGate([this] { return !m_window->showsLockedAppearance(); });
         m_window->commands().validate();
-        auto document = std::make_unique<QTextDocument>();
-        document->setPlainText(u"some text to style"_s);
-        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+        showText(editor(), u"some text to style"_s);
         m_window->show();
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
@@ -182,7 +169,7 @@ private slots:
         QVERIFY(editor().hasFocus());
     }
 
-    void aSelectionOfSeveralFontsLeavesTheFieldsEmpty()
+    void theFieldsFollowTheSelectionAndAreEmptyForSeveralFonts()
     {
         auto *size = tool<QComboBox>(u"Font Size"_s);
         auto *family = tool<QFontComboBox>(u"Font"_s);
@@ -193,9 +180,14 @@ private slots:
         editor().applyCharFormat(look);
         QTRY_COMPARE(size->currentText(), u"30"_s);
         QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
+        QVERIFY(!editor().textCursor().charFormat().hasProperty(QTextFormat::ForegroundBrush));
+        const QAction &bold = m_window->commands().action(TextCommand::Bold);
+        m_window->commands().action(TextCommand::Bold).trigger();
+        QVERIFY(bold.isChecked());
         select(2, 8);
         QTRY_COMPARE(size->currentText(), QString());
         QCOMPARE(family->currentText(), QString());
+        QVERIFY(!bold.isChecked());
     }
 
     void aFamilyThatIsMissingIsKeptAndToldOf()
