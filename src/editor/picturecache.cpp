@@ -104,7 +104,8 @@ void PictureCache::prepare(const Request &request)
         || m_images.contains(keyOf(request)) || m_decoding.contains(keyOf(request))
         || std::any_of(m_waiting.begin(), m_waiting.end(),
                        [&](const Job &job) { return job.request.name == request.name; });
-    if (!isThere && m_waiting.size() < mostWaiting && pictureInfo(request.bytes, request.isTurned)) {
+    if (!isThere && m_waiting.size() < mostWaiting
+        && pictureInfo(request.bytes, request.isTurned)) {
         m_waiting.push_back({request, false});
         startNext();
     }
