@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -13,18 +14,26 @@ namespace quorvane {
 /// that whatever else the machine does falls on both. The benchmark's time is ours; its counters
 /// give both medians in milliseconds and their ratio. To be registered with UseManualTime().
 ///
-/// Each of the two is a callable that does the work once and returns whether it went well.
-template <typename Bare, typename Ours>
-void measurePaired(benchmark::State &state, Bare bare, Ours ours)
+/// Each of the two is a callable that does the work once and returns whether it went well, or the
+/// moment at which it was done, which may have been before the return. After each, \a clear makes
+/// an end of what it left behind, off the clock.
+template <typename Bare, typename Ours, typename Clear = void (*)()>
+void measurePaired(
+    benchmark::State &state, Bare bare, Ours ours, Clear clear = [] {})
 {
     using Milliseconds = std::chrono::duration<double, std::milli>;
-    const auto timed = [&state](auto &work) {
-        const auto start = std::chrono::steady_clock::now();
-        const bool isDone = work();
-        const Milliseconds time = std::chrono::steady_clock::now() - start;
-        if (!isDone) {
+    const auto timed = [&](auto &work) {
+        using Clock = std::chrono::steady_clock;
+        const auto start = Clock::now();
+        const auto result = work();
+        Clock::time_point end = Clock::now();
+        if constexpr (std::is_same_v<decltype(work()), Clock::time_point>) {
+            end = result;
+        } else if (!result) {
             state.SkipWithError("the work failed");
         }
+        const Milliseconds time = end - start;
+        clear();
         return time.count();
     };
     const auto median = [](std::vector<double> times) {

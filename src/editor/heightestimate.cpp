@@ -5,6 +5,7 @@
 
 #include <QFontMetricsF>
 #include <QMarginsF>
+#include <QRawFont>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextFrame>
@@ -15,6 +16,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace quorvane {
@@ -25,6 +27,7 @@ constexpr double hopeless = 4 * tallestDocument; // nothing is counted any furth
 constexpr int deepestNesting = 40;
 constexpr double largestMeasuredFont = 1000; // pixels; above it only the size is looked at
 constexpr size_t mostMeasuredFonts = 256;
+constexpr double widestOfUnmeasuredFonts = 1.2; // ems
 constexpr double unknownObjectHeight = 128; // an icon with its name
 
 /// Extents of the scripts that are drawn with fonts other than the one asked for, in ems.
@@ -50,6 +53,8 @@ constexpr std::array scriptExtents {
     ScriptExtent {0xfe10, 2.0, 2.5},
 };
 constexpr char16_t firstUnmeasured = scriptExtents[1].first;
+constexpr char16_t firstOfPunctuation = scriptExtents[2].first; // and signs: most fonts have them
+constexpr char16_t endOfPunctuation = scriptExtents[4].first;
 
 const ScriptExtent &extentOf(char16_t unit)
 {
@@ -57,11 +62,6 @@ const ScriptExtent &extentOf(char16_t unit)
         std::upper_bound(scriptExtents.begin(), scriptExtents.end(), unit,
                          [](char16_t value, const ScriptExtent &row) { return value < row.first; });
     return *std::prev(next);
-}
-
-bool isBreakingSpace(char16_t unit)
-{
-    return unit == u' ' || unit == u'\t';
 }
 
 double fixedLength(const QTextLength &length)
@@ -87,12 +87,11 @@ QMarginsF aroundCell(const QTextTableCellFormat &format)
             side(format.bottomPadding(), format.bottomBorder())};
 }
 
-/// The width that a table's cell has to itself: its share, or less where columns are fixed.
-double cellWidth(const QTextTableCell &cell, const QTextTableFormat &format, double share)
+/// The width that columns of a table have together: their share, or less where they are fixed.
+double columnsWidth(const QList<QTextLength> &columns, int first, int count, double share)
 {
-    const QList<QTextLength> columns = format.columnWidthConstraints();
     double width = 0;
-    for (int i = cell.column(); i < cell.column() + cell.columnSpan(); ++i) {
+    for (int i = first; i < first + count; ++i) {
         const double fixed = i < columns.size() ? fixedLength(columns.at(i)) : 0;
         width += fixed > 0 ? std::min(fixed, share) : share;
     }
@@ -125,6 +124,20 @@ double spacedLine(const QTextBlockFormat &format, double height)
     }
 }
 
+/// What a line becomes taller by where letters or objects stand at another height in it.
+double standingOf(QTextCharFormat::VerticalAlignment alignment)
+{
+    switch (alignment) {
+    case QTextCharFormat::AlignNormal:
+        return 1;
+    case QTextCharFormat::AlignSuperScript: // smaller, and moved by half a line or less
+    case QTextCharFormat::AlignSubScript:
+        return 1.5;
+    default:
+        return 2;
+    }
+}
+
 } // namespace
 
 struct HeightEstimate::Measure
@@ -132,70 +145,125 @@ struct HeightEstimate::Measure
     double em = 0;
     double height = 0;
     double extra = 0; // letter spacing
+    QRawFont glyphs;
     std::optional<QFontMetricsF> metrics;
-    std::vector<float> widths; // 0 while not measured
+    std::vector<float> widths; // with the letter spacing; 0 while not measured
 
-    double width(char16_t unit)
+    bool isMeasurable(char16_t unit) const
     {
-        if (unit >= firstUnmeasured) {
-            return extentOf(unit).width * em + extra;
+        return metrics
+            && (unit < firstUnmeasured
+                || (unit >= firstOfPunctuation && unit < endOfPunctuation
+                    && glyphs.supportsCharacter(QChar(unit))));
+    }
+
+    /// Of a letter that was not met before.
+    QSizeF measure(char16_t unit)
+    {
+        if (!isMeasurable(unit)) {
+            const bool isOfAnotherFont = unit >= firstUnmeasured;
+            const ScriptExtent extent =
+                isOfAnotherFont ? extentOf(unit) : ScriptExtent {0, widestOfUnmeasuredFonts, 0};
+            return {extent.width * em + extra, std::max(height, extent.height * em)};
         }
-        if (!metrics) {
-            return 1.2 * em + extra;
+        if (unit >= widths.size()) {
+            widths.resize(unit < firstUnmeasured ? firstUnmeasured : endOfPunctuation);
         }
-        float &width = widths[unit];
-        if (width <= 0) {
-            width = std::max(0.01F,
-                             static_cast<float>(metrics->horizontalAdvance(QString(QChar(unit)))));
-        }
-        return static_cast<double>(width) + extra;
+        const double advance = metrics->horizontalAdvance(QString(QChar(unit))) + extra;
+        widths[unit] = std::max(0.01F, static_cast<float>(advance));
+        return {advance, height};
     }
 };
 
 /// Fills lines greedily, as the layout does.
 struct HeightEstimate::Lines
 {
-    double width = 0;
-    double tab = 0;
-    double count = 1;
-    double height = 0; // of the tallest line: each counts as much
-    double used = 0;
-    double word = 0;
+    struct Fill
+    {
+        double width;
+        double count = 1;
+        double used = 0;
+        double word = 0;
+
+        void add(double advance)
+        {
+            word += advance;
+            if (word > width) { // A word longer than a line is broken anywhere.
+                count += (used > 0 ? 1 : 0) + 1;
+                used = 0;
+                word = advance;
+            }
+        }
+
+        void endWord()
+        {
+            if (used + word > width) {
+                breakLine();
+            }
+            used += word;
+            word = 0;
+        }
+
+        void breakLine()
+        {
+            count += 1;
+            used = 0;
+        }
+    };
+
+    Fill wide;
+    Fill narrow;
+    double tab;
+    double height; // of the tallest line: each counts as much
+    double run = 0; // letters that neither has been told of
+    double room = 0; // for such letters, until one of the two breaks the word
+
+    /// Adds the run to both, the last of whose letters is \a advance wide.
+    void addRun(double advance)
+    {
+        for (Fill *fill : {&wide, &narrow}) {
+            fill->word += run - advance;
+            fill->add(advance);
+        }
+        run = 0;
+        room = std::min(wide.width - wide.word, narrow.width - narrow.word);
+    }
 
     void endWord()
     {
-        if (used + word > width) {
-            breakLine();
+        for (Fill *fill : {&wide, &narrow}) {
+            fill->word += run;
+            fill->endWord();
         }
-        used += word;
-        word = 0;
+        run = 0;
+        room = std::min(wide.width, narrow.width);
+    }
+
+    void addSpace(double width)
+    {
+        endWord();
+        wide.used += width;
+        narrow.used += width;
+    }
+
+    void addObject(double width)
+    {
+        endWord();
+        wide.add(std::min(width, wide.width));
+        narrow.add(std::min(width, narrow.width));
+        endWord();
     }
 
     void breakLine()
     {
-        count += 1;
-        used = 0;
-    }
-
-    void add(double advance)
-    {
-        word += advance;
-        if (word > width) {
-            breakWord(advance);
-        }
-    }
-
-    /// A word longer than a line is broken anywhere, here before its last letter.
-    void breakWord(double advance)
-    {
-        count += (used > 0 ? 1 : 0) + 1;
-        used = 0;
-        word = advance;
+        endWord();
+        wide.breakLine();
+        narrow.breakLine();
     }
 };
 
-HeightEstimate::HeightEstimate(double width, const QPaintDevice *device)
-    : m_width(width)
+HeightEstimate::HeightEstimate(double width, double narrow, const QPaintDevice *device)
+    : m_widths {width, narrow}
     , m_device(device)
     , m_dotsPerInch(device ? QFontMetricsF(QFont(), device).fontDpi()
                            : QFontMetricsF(QFont()).fontDpi())
@@ -210,96 +278,118 @@ void HeightEstimate::restyle(int from, int to, const QTextCharFormat &format)
     m_restyling = format;
 }
 
-double HeightEstimate::of(const QTextDocument &document)
+HeightEstimate::Heights HeightEstimate::of(const QTextDocument &document)
 {
     m_document = &document;
     m_looks.clear();
     m_paragraphs.clear();
-    m_onPages = 0;
+    m_onPages = {};
     const double margins = 2 * document.documentMargin();
-    const double height = margins + ofFrame(*document.rootFrame(), m_width - margins, 0);
-    return height > tallestDocument ? height + m_onPages : height;
+    Heights height = ofFrame(*document.rootFrame(), m_widths.less(margins), 0);
+    height += {margins, margins};
+    height += {height.wide > tallestDocument ? m_onPages.wide : 0,
+               height.narrow > tallestDocument ? m_onPages.narrow : 0};
+    return height;
 }
 
-double HeightEstimate::ofBlocks(const QTextDocument &document, int from, int to)
+HeightEstimate::Heights HeightEstimate::ofBlocks(const QTextDocument &document, int from, int to)
 {
     m_document = &document;
     m_looks.clear();
     m_paragraphs.clear();
-    const double width = m_width - 2 * document.documentMargin();
-    double height = 0;
+    const Widths widths = m_widths.less(2 * document.documentMargin());
+    Heights height;
     for (QTextBlock block = document.findBlock(from);
-         block.isValid() && block.position() <= to && height < hopeless; block = block.next()) {
-        height += ofBlock(block, width);
+         block.isValid() && block.position() <= to && height.wide < hopeless;
+         block = block.next()) {
+        height += ofBlock(block, widths);
     }
     return height;
 }
 
-double HeightEstimate::ofFrame(const QTextFrame &frame, double width, int depth)
+HeightEstimate::Heights HeightEstimate::ofFrame(const QTextFrame &frame, Widths widths, int depth)
 {
     if (depth > deepestNesting) {
-        return hopeless;
+        return {hopeless, hopeless};
     }
     if (const auto *table = qobject_cast<const QTextTable *>(&frame)) {
-        return ofTable(*table, width, depth);
+        return ofTable(*table, widths, depth);
     }
-    const QTextFrameFormat format = frame.frameFormat();
-    const double inner = depth == 0 ? width
-                                    : width - 2 * (format.border() + format.padding())
-            - format.leftMargin() - format.rightMargin();
-    double height = depth == 0 ? 0 : surroundings(format);
-    for (auto part = frame.begin(); !part.atEnd() && height < hopeless; ++part) {
-        const QTextFrame *child = part.currentFrame();
-        height += child ? ofFrame(*child, inner, depth + 1) : ofBlock(part.currentBlock(), inner);
+    Heights height;
+    Widths inner = widths;
+    if (depth > 0) {
+        const QTextFrameFormat format = frame.frameFormat();
+        inner = widths.less(2 * (format.border() + format.padding()) + format.leftMargin()
+                            + format.rightMargin());
+        height += {surroundings(format), surroundings(format)};
     }
+    QTextBlock block = m_document->findBlock(frame.firstPosition());
+    const auto addUpTo = [&](const QTextBlock &end) {
+        for (; block.isValid() && block != end && height.wide < hopeless; block = block.next()) {
+            height += ofBlock(block, inner);
+        }
+    };
+    for (const QTextFrame *child : frame.childFrames()) { // in the text's order
+        addUpTo(m_document->findBlock(child->firstPosition()));
+        height += ofFrame(*child, inner, depth + 1);
+        block = m_document->findBlock(child->lastPosition() + 1);
+    }
+    addUpTo(m_document->findBlock(frame.lastPosition()).next());
     return height;
 }
 
 // A column may be narrower than its share, but then its neighbours, whose heights are added here
 // and not laid side by side, are wider.
-double HeightEstimate::ofTable(const QTextTable &table, double width, int depth)
+HeightEstimate::Heights HeightEstimate::ofTable(const QTextTable &table, Widths widths, int depth)
 {
     const QTextTableFormat format = table.format();
+    const QList<QTextLength> columns = format.columnWidthConstraints();
     const double around = 2 * (format.cellPadding() + format.border()) + format.cellSpacing();
-    const double share = width / table.columns();
-    double headers = 0;
-    double height = surroundings(format);
+    const Widths share {widths.wide / table.columns(), widths.narrow / table.columns()};
+    Heights headers;
+    Heights height {surroundings(format), surroundings(format)};
     for (int row = 0; row < table.rows(); ++row) {
         headers = row > 0 && row <= format.headerRowCount() ? height : headers;
-        height += around;
-        for (int column = 0; column < table.columns() && height < hopeless; ++column) {
+        height += {around, around};
+        for (int column = 0; column < table.columns() && height.wide < hopeless; ++column) {
             const QTextTableCell cell = table.cellAt(row, column);
             if (cell.row() != row || cell.column() != column) {
                 continue;
             }
             const QMarginsF own = aroundCell(cell.format().toTableCellFormat());
-            const double inner = cellWidth(cell, format, share) - around - own.left() - own.right();
-            height += own.top() + own.bottom();
-            for (auto part = cell.begin(); !part.atEnd() && height < hopeless; ++part) {
+            const int span = cell.columnSpan();
+            const Widths inner = Widths {columnsWidth(columns, column, span, share.wide),
+                                         columnsWidth(columns, column, span, share.narrow)}
+                                     .less(around + own.left() + own.right());
+            height += {own.top() + own.bottom(), own.top() + own.bottom()};
+            for (auto part = cell.begin(); !part.atEnd() && height.wide < hopeless; ++part) {
                 const QTextFrame *child = part.currentFrame();
                 height +=
                     child ? ofFrame(*child, inner, depth + 1) : ofBlock(part.currentBlock(), inner);
             }
         }
     }
-    m_onPages += headers * table.rows(); // They may stand on each page again.
+    m_onPages += {headers.wide * table.rows(), headers.narrow * table.rows()}; // on each page again
     return height;
 }
 
-double HeightEstimate::ofBlock(const QTextBlock &block, double width)
+HeightEstimate::Heights HeightEstimate::ofBlock(const QTextBlock &block, Widths widths)
 {
     const Paragraph &paragraph = paragraphOf(block);
-    Lines lines;
-    lines.width = std::max(1.0, width - paragraph.aside);
-    lines.tab = paragraph.tab;
-    lines.height = lookOf(block, block.position(), block.length()).measure->height;
+    const Widths inner = widths.less(paragraph.aside);
+    Lines lines {.wide = {std::max(1.0, inner.wide)},
+                 .narrow = {std::max(1.0, inner.narrow)},
+                 .tab = paragraph.tab,
+                 .height = block.length() > 1 ? 0 : lookOf(block).measure->height};
     for (auto part = block.begin(); !part.atEnd(); ++part) {
         const QTextFragment fragment = part.fragment();
-        addText(lines, fragment.text(), lookOf(fragment, fragment.position(), fragment.length()));
+        addText(lines, fragment.text(), lookOf(fragment));
     }
     lines.endWord();
-    m_onPages += paragraph.onPages;
-    return lines.count * std::ceil(spacedLine(paragraph.format, lines.height)) + paragraph.margins;
+    m_onPages += {paragraph.onPages, paragraph.onPages};
+    const double line = std::ceil(spacedLine(paragraph.format, lines.height));
+    return {lines.wide.count * line + paragraph.margins,
+            lines.narrow.count * line + paragraph.margins};
 }
 
 const HeightEstimate::Paragraph &HeightEstimate::paragraphOf(const QTextBlock &block)
@@ -332,68 +422,59 @@ void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look
     Measure &measure = *look.measure;
     const QTextCharFormat &format = look.format;
     double height = measure.height;
-    const float *widths = measure.metrics ? measure.widths.data() : nullptr;
-    double word = lines.word; // kept at hand: nearly all of a text are letters of ASCII
+    double run = lines.run; // kept at hand: nearly all of a text are letters seen before
     for (const QChar character : text) {
         const char16_t unit = character.unicode();
-        if (widths && unit > u' ' && unit <= u'~' && widths[unit] > 0) {
-            const double advance = static_cast<double>(widths[unit]) + measure.extra;
-            word += advance;
-            if (word > lines.width) {
-                lines.breakWord(advance);
-                word = lines.word;
+        const float known = unit < measure.widths.size() ? measure.widths[unit] : 0;
+        if (known > 0 && unit != u' ') {
+            run += static_cast<double>(known);
+            if (run > lines.room) {
+                lines.run = std::exchange(run, 0);
+                lines.addRun(static_cast<double>(known));
             }
             continue;
         }
-        lines.word = word;
-        if (unit == QChar::ObjectReplacementCharacter
-            && format.objectType() == attachmentObjectType) {
-            const QSizeF size = largestAttachmentSize(format, m_dotsPerInch);
-            lines.endWord();
-            lines.add(std::min(size.width(), lines.width));
-            height = std::max(height, size.height() + measure.height); // it stands on the line
-        } else if (unit == QChar::ObjectReplacementCharacter) {
-            addObjects(lines, 1, format);
+        lines.run = std::exchange(run, 0);
+        if (unit == QChar::ObjectReplacementCharacter) {
+            const QSizeF size = objectSize(format, measure);
+            lines.addObject(size.width());
+            height = std::max(height, size.height());
         } else if (unit == QChar::LineSeparator) {
-            lines.endWord();
             lines.breakLine();
-        } else if (isBreakingSpace(unit)) {
-            lines.endWord();
-            lines.used += unit == u'\t' ? lines.tab : measure.width(unit);
+        } else if (unit == u'\t') {
+            lines.addSpace(lines.tab);
+        } else if (unit == u' ') {
+            lines.addSpace(known > 0 ? static_cast<double>(known) : measure.measure(unit).width());
         } else {
-            lines.add(measure.width(unit));
-            if (unit >= firstUnmeasured) {
-                height = std::max(height, extentOf(unit).height * measure.em);
-            }
+            const QSizeF size = measure.measure(unit);
+            lines.run += size.width();
+            lines.addRun(size.width());
+            height = std::max(height, size.height());
         }
-        word = lines.word;
     }
-    lines.word = word;
-    if (format.verticalAlignment() != QTextCharFormat::AlignNormal) {
-        height *= 2;
-    }
+    lines.run = run;
+    height *= standingOf(format.verticalAlignment());
     height *= 1 + std::abs(format.baselineOffset()) / 100;
     lines.height = std::max(lines.height, height);
 }
 
-void HeightEstimate::addObjects(Lines &lines, qsizetype count, const QTextCharFormat &format) const
+QSizeF HeightEstimate::objectSize(const QTextCharFormat &format, const Measure &measure) const
 {
+    if (format.objectType() == attachmentObjectType) {
+        const QSizeF size = largestAttachmentSize(format, m_dotsPerInch);
+        return {size.width(), size.height() + measure.height}; // it stands on the line
+    }
     const QTextImageFormat image = format.toImageFormat();
     const double unknown = format.isImageFormat() ? tallestImage : unknownObjectHeight;
-    const double height = image.hasProperty(QTextFormat::ImageHeight) ? image.height() : unknown;
-    const double width = image.hasProperty(QTextFormat::ImageWidth) ? image.width() : 0;
-    lines.height = std::max(lines.height, height);
-    for (qsizetype index = 0; index < count; ++index) {
-        lines.endWord();
-        lines.add(std::min(width, lines.width));
-    }
+    return {image.hasProperty(QTextFormat::ImageWidth) ? image.width() : 0,
+            image.hasProperty(QTextFormat::ImageHeight) ? image.height() : unknown};
 }
 
 /// Of a block or a fragment. Most of a text shares a few formats: each is looked at once.
-template <typename Part>
-const HeightEstimate::Look &HeightEstimate::lookOf(const Part &part, int position, int length)
+template <typename Part> const HeightEstimate::Look &HeightEstimate::lookOf(const Part &part)
 {
-    const bool isRestyled = position < m_restyledTo && position + length > m_restyledFrom;
+    const bool isRestyled = m_restyledTo > m_restyledFrom && part.position() < m_restyledTo
+        && part.position() + part.length() > m_restyledFrom;
     const auto index = static_cast<size_t>(part.charFormatIndex());
     if (index >= m_looks.size()) {
         m_looks.resize(index + 1);
@@ -437,7 +518,7 @@ std::unique_ptr<HeightEstimate::Measure> HeightEstimate::newMeasure(const QFont 
     measure->height = std::ceil(metrics.ascent()) + std::ceil(metrics.descent())
         + std::ceil(std::max(0.0, metrics.leading()));
     measure->metrics = metrics;
-    measure->widths.resize(firstUnmeasured);
+    measure->glyphs = QRawFont::fromFont(font);
     return measure;
 }
 

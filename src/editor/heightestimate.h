@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSizeF>
 #include <QTextBlockFormat>
 #include <QTextCharFormat>
 
@@ -32,22 +33,49 @@ constexpr double tallestImage = 4096;
 class HeightEstimate final
 {
 public:
-    /// \a width is what the text is wrapped at, in pixels. \a device gives the resolution, the
-    /// screen's where it is null.
-    explicit HeightEstimate(double width, const QPaintDevice *device = nullptr);
+    /// In pixels, for a text that is wrapped at one width and at a narrower one.
+    struct Heights
+    {
+        double wide = 0;
+        double narrow = 0;
+
+        Heights &operator+=(const Heights &other)
+        {
+            wide += other.wide;
+            narrow += other.narrow;
+            return *this;
+        }
+    };
+
+    /// \a width and \a narrow, which is not above it, are what the text is wrapped at, in pixels:
+    /// one walk judges both. \a device gives the resolution, the screen's where it is null.
+    HeightEstimate(double width, double narrow, const QPaintDevice *device = nullptr);
+
+    explicit HeightEstimate(double width, const QPaintDevice *device = nullptr)
+        : HeightEstimate(width, width, device)
+    { }
+
     ~HeightEstimate();
 
     /// Judges the characters from \a from to \a to as if \a format had been merged into theirs.
     void restyle(int from, int to, const QTextCharFormat &format);
 
-    /// Height of the whole in pixels. It stops counting well above tallestDocument.
-    double of(const QTextDocument &document);
-    /// Height of the blocks that the characters from \a from to \a to touch.
-    double ofBlocks(const QTextDocument &document, int from, int to);
+    /// Heights of the whole. It stops counting well above tallestDocument.
+    Heights of(const QTextDocument &document);
+    /// Heights of the blocks that the characters from \a from to \a to touch.
+    Heights ofBlocks(const QTextDocument &document, int from, int to);
 
 private:
     struct Measure; // of one font
-    struct Lines; // of one block, while it is filled
+    struct Lines; // of one block, while its text is added
+
+    struct Widths
+    {
+        double wide;
+        double narrow;
+
+        Widths less(double aside) const { return {wide - aside, narrow - aside}; }
+    };
 
     struct Look
     {
@@ -66,20 +94,20 @@ private:
     };
 
     const Paragraph &paragraphOf(const QTextBlock &block);
-    double ofFrame(const QTextFrame &frame, double width, int depth);
-    double ofTable(const QTextTable &table, double width, int depth);
-    double ofBlock(const QTextBlock &block, double width);
+    Heights ofFrame(const QTextFrame &frame, Widths widths, int depth);
+    Heights ofTable(const QTextTable &table, Widths widths, int depth);
+    Heights ofBlock(const QTextBlock &block, Widths widths);
     void addText(Lines &lines, const QString &text, const Look &look);
-    void addObjects(Lines &lines, qsizetype count, const QTextCharFormat &format) const;
-    template <typename Part> const Look &lookOf(const Part &part, int position, int length);
+    QSizeF objectSize(const QTextCharFormat &format, const Measure &measure) const;
+    template <typename Part> const Look &lookOf(const Part &part);
     Measure &measureOf(const QTextCharFormat &format);
     std::unique_ptr<Measure> newMeasure(const QFont &font) const;
 
-    double m_width;
+    Widths m_widths;
     const QPaintDevice *m_device;
     double m_dotsPerInch;
     const QTextDocument *m_document = nullptr;
-    double m_onPages = 0; // what page breaks and repeated rows add to a text on pages
+    Heights m_onPages; // what page breaks and repeated rows add to a text on pages
     int m_restyledFrom = 0;
     int m_restyledTo = 0;
     QTextCharFormat m_restyling;

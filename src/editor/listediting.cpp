@@ -403,7 +403,7 @@ void ListEditing::paint(QPainter &painter) const
     const QPoint scrolled(m_editor.horizontalScrollBar()->value(),
                           m_editor.verticalScrollBar()->value());
     const QRect exposed = painter.clipBoundingRect().toAlignedRect();
-    const QTextBlock first = m_editor.cursorForPosition({0, exposed.top()}).block();
+    const QTextBlock first = m_editor.document()->findBlock(m_editor.spanIn(exposed).from);
     painter.save();
     painter.translate(-scrolled);
     drawListMarks(painter, first, exposed.translated(scrolled), m_editor.palette());

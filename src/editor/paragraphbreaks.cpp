@@ -171,7 +171,7 @@ bool ParagraphBreaks::pressBackspace()
 void ParagraphBreaks::paint(QPainter &painter) const
 {
     const QRect exposed = painter.clipBoundingRect().toAlignedRect();
-    QTextBlock block = m_editor.cursorForPosition({0, exposed.top()}).block();
+    QTextBlock block = m_editor.document()->findBlock(m_editor.spanIn(exposed).from);
     paintLeaders(painter, block, exposed);
     const int margin = int(m_editor.document()->documentMargin());
     const int left = margin - m_editor.horizontalScrollBar()->value();

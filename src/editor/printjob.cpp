@@ -96,7 +96,7 @@ std::unique_ptr<QTextDocument> printedCopy(const QTextDocument &content)
 
 int PrintJob::resolutionFor(const QTextDocument &content)
 {
-    const double height = HeightEstimate(narrowestColumn).of(content);
+    const double height = HeightEstimate(narrowestColumn).of(content).wide;
     const double fitting = screenResolution * tallestPrint / std::max(height, 1.0);
     return int(std::clamp<double>(fitting, screenResolution, bestResolution));
 }

@@ -56,8 +56,9 @@ void TableMarks::draw(QPainter &painter) const
         return;
     }
     const QRect clip = painter.clipBoundingRect().toAlignedRect();
-    const QTextBlock first = m_editor.cursorForPosition(clip.topLeft()).block();
-    const QTextBlock last = m_editor.document()->findBlock(m_editor.lastIn(clip));
+    const TextSpan inView = m_editor.spanIn(clip);
+    const QTextBlock first = m_editor.document()->findBlock(inView.from);
+    const QTextBlock last = m_editor.document()->findBlock(inView.end());
     drawGrid(painter, first, last);
     drawSelection(painter, first, last);
 }

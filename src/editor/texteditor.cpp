@@ -123,12 +123,14 @@ TextEditor::~TextEditor()
 
 TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> document)
 {
-    HeightEstimate estimate(referenceWidth, viewport());
+    const double besideBar = viewWidth() - verticalScrollBar()->sizeHint().width() / zoom();
+    const double narrow = std::min<double>(referenceWidth, besideBar);
+    HeightEstimate estimate(referenceWidth, narrow, viewport());
     if (m_typingFont) { // also for text without a font of its own: it has none in a file either
         document->setDefaultFont(fontOf(*m_typingFont));
     }
     document->setDocumentMargin(margin);
-    const double height = estimate.of(*document);
+    const auto [height, narrowHeight] = estimate.of(*document);
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
@@ -141,8 +143,8 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     detach();
     const auto former = std::exchange(m_content, std::move(document));
     m_bound = {referenceWidth, height};
-    m_narrow = m_bound;
     m_paginated = height > tallestInOnePiece();
+    m_narrow = narrowHeight > tallestInOnePiece() ? m_bound : Bound {narrow, narrowHeight};
     m_place = {};
     m_unsettled.reset();
     if (!isContentHidden()) {
@@ -197,6 +199,7 @@ void TextEditor::attach(QTextDocument *document)
 void TextEditor::detach()
 {
     m_layoutGuard.watch(nullptr);
+    setExtraSelections({}); // their cursors are the document's
     if (document()->parent() == this) {
         document()->setParent(nullptr);
     }
@@ -271,7 +274,7 @@ bool TextEditor::applyCharFormat(const QTextCharFormat &format, const QString &n
     }
     HeightEstimate estimate(referenceWidth, viewport());
     estimate.restyle(cursor.selectionStart(), cursor.selectionEnd(), format);
-    if (estimate.of(*m_content) > tallestPaginated) {
+    if (estimate.of(*m_content).wide > tallestPaginated) {
         refuse();
         return false;
     }
@@ -282,7 +285,7 @@ bool TextEditor::applyCharFormat(const QTextCharFormat &format, const QString &n
 bool TextEditor::insertDocument(const QTextDocument &inserted, const QString &name)
 {
     const UndoNames::Scope scope(m_undoNames, name);
-    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(inserted))) {
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(inserted).wide)) {
         refuse();
         return false;
     }
@@ -307,7 +310,7 @@ bool TextEditor::insertText(const QString &text, const QString &name)
     probe.setUndoRedoEnabled(false);
     probe.setDefaultFont(m_content->defaultFont());
     QTextCursor(&probe).insertText(text, currentCharFormat());
-    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe))) {
+    if (!hasRoomFor(HeightEstimate(referenceWidth, viewport()).of(probe).wide)) {
         refuse();
         return false;
     }

@@ -2,6 +2,7 @@
 
 #include "editor/firstlook.h"
 #include "editor/layoutguard.h"
+#include "editor/textspan.h"
 #include "editor/undonames.h"
 #include "editor/zoomeddevice.h"
 #include "platform/nsfont.h"
@@ -106,9 +107,9 @@ public:
 
     const UndoNames &undoNames() const { return m_undoNames; }
 
-    /// The last character that is in view in a rectangle of the viewport, as far as the text is
-    /// laid out: asking never lays out more.
-    int lastIn(const QRect &view) const;
+    /// The lines, and whole rows of tables, that are in view in a rectangle of the viewport, as far
+    /// as the text is laid out: asking never lays out more.
+    TextSpan spanIn(const QRect &view) const;
 
     /// Draws over the text, in the viewport's coordinates, whenever it is painted.
     void addOverlay(std::function<void(QPainter &painter)> draw);
@@ -182,7 +183,6 @@ private:
     void detach();
     void leaveForeignLook();
     void handleTyped(const std::function<void()> &insert);
-    double heightAt(double width) const;
 
     double viewWidth() const { return viewport()->width() / zoom(); }
 

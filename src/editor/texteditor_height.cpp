@@ -19,11 +19,6 @@ constexpr double partSafeAtAnyWidth = 200;
 
 } // namespace
 
-double TextEditor::heightAt(double width) const
-{
-    return HeightEstimate(width, viewport()).of(*m_content);
-}
-
 double TextEditor::tallestInOnePiece() const
 {
     return tallestDocument / std::max(zoom(), 1.0); // small fonts have lines that are rounded up
@@ -60,7 +55,9 @@ bool TextEditor::hasRoomFor(double height)
 bool TextEditor::isAtMost(double height)
 {
     if (m_bound.height > height) {
-        m_bound.height = heightAt(referenceWidth); // the bound only ever grows with the edits
+        m_bound.height = HeightEstimate(referenceWidth, viewport())
+                             .of(*m_content)
+                             .wide; // the bound only ever grows with the edits
     }
     return m_bound.height <= height;
 }
@@ -73,13 +70,15 @@ void TextEditor::refuse()
 // Comes before the layout learns of the edit, so that even here nothing has been lost yet.
 void TextEditor::followHeight(int position, int removed, int added)
 {
-    for (Bound *bound : {&m_bound, &m_narrow}) {
-        bound->height += HeightEstimate(bound->width, viewport())
-                             .ofBlocks(*m_content, position, position + added);
-        const double limit = m_paginated ? tallestPaginated : tallestInOnePiece();
-        if (bound->height > limit) {
-            bound->height = heightAt(bound->width);
-        }
+    HeightEstimate estimate(m_bound.width, m_narrow.width, viewport());
+    const auto [more, moreNarrow] = estimate.ofBlocks(*m_content, position, position + added);
+    m_bound.height += more;
+    m_narrow.height += moreNarrow;
+    const double limit = m_paginated ? tallestPaginated : tallestInOnePiece();
+    if (std::max(m_bound.height, m_narrow.height) > limit) {
+        const auto [height, narrowHeight] = estimate.of(*m_content);
+        m_bound.height = height;
+        m_narrow.height = narrowHeight;
     }
     if (m_bound.height * zoom() > tallestPaginated && m_bound.height <= tallestPaginated) {
         showUnzoomed();
@@ -143,16 +142,18 @@ bool TextEditor::fitsAt(double width)
     if (width >= m_narrow.width && m_narrow.height <= tallestInOnePiece()) {
         return true;
     }
-    // Half as narrow at first, so that not each step of a resize has to ask.
-    for (const double candidate : {width / 2, width}) {
-        const double height = heightAt(candidate);
-        if (height <= tallestInOnePiece()) {
-            m_narrow = {candidate, height};
-            return true;
-        }
+    // Half as narrow too, so that not each step of a resize has to ask.
+    const double half = width / 2;
+    const auto [height, halfHeight] = HeightEstimate(width, half, viewport()).of(*m_content);
+    if (halfHeight <= tallestInOnePiece()) {
+        m_narrow = {half, halfHeight};
+    } else if (height <= tallestInOnePiece()) {
+        m_narrow = {width, height};
+    } else {
+        m_narrow = m_bound;
+        return width >= m_bound.width && m_bound.height <= tallestInOnePiece();
     }
-    m_narrow = m_bound;
-    return width >= m_bound.width && m_bound.height <= tallestInOnePiece();
+    return true;
 }
 
 void TextEditor::fitWrap()

@@ -5,38 +5,102 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
+#include <QTextTable>
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <ranges>
 
 namespace quorvane {
 
 namespace {
+
 constexpr double halfLine = 8; // pixels
+
+bool isLaidOut(const QTextBlock &block)
+{
+    return block.layout()->lineCount() > 0;
 }
 
-// Behind what is laid out a hit test runs to the end of the text, and a cursor there has all of it
-// laid out.
-int TextEditor::lastIn(const QRect &view) const
+/// The first of \a count numbers for which \a isReached does not hold.
+int firstAfter(int count, const std::function<bool(int number)> &isReached)
 {
-    const QAbstractTextDocumentLayout &layout = *document()->documentLayout();
-    const QPointF origin(horizontalScrollBar()->value(), verticalScrollBar()->value());
-    const QPointF bottom = view.bottomRight() + origin;
-    QTextBlock last = document()->findBlock(layout.hitTest(view.topLeft() + origin, Qt::FuzzyHit));
-    for (QTextBlock block = last.next(); block.isValid() && block.layout()->lineCount() > 0
-         && layout.blockBoundingRect(block).top() <= bottom.y();
-         block = block.next()) {
-        last = block;
+    return *std::ranges::partition_point(std::views::iota(0, count), isReached);
+}
+
+/// The line of a block that reaches below \a y, or its last one.
+QTextLine lineAt(const QTextBlock &block, double y)
+{
+    const QTextLayout &lines = *block.layout();
+    const double top = block.document()->documentLayout()->blockBoundingRect(block).top()
+        - lines.boundingRect().top();
+    return lines.lineAt(firstAfter(lines.lineCount() - 1, [&](int number) {
+        const QTextLine line = lines.lineAt(number);
+        return top + line.y() + line.height() <= y;
+    }));
+}
+
+/// What stands beside a block in the row of its outermost table.
+std::optional<TextSpan> rowAround(const QTextBlock &block)
+{
+    const QTextTable *table = nullptr;
+    for (QTextFrame *frame = QTextCursor(block).currentFrame(); frame;
+         frame = frame->parentFrame()) {
+        const auto *around = qobject_cast<const QTextTable *>(frame);
+        table = around ? around : table;
     }
-    return layout.blockBoundingRect(last).bottom() > bottom.y()
-        ? layout.hitTest(bottom, Qt::FuzzyHit)
-        : last.position() + last.length() - 1;
+    if (!table) {
+        return std::nullopt;
+    }
+    int from = block.position();
+    int end = from;
+    for (int column = 0; column < table->columns(); ++column) {
+        const QTextTableCell cell = table->cellAt(table->cellAt(block.position()).row(), column);
+        from = std::min(from, cell.firstPosition());
+        end = std::max(end, cell.lastPosition());
+    }
+    return TextSpan {from, end - from};
+}
+
+} // namespace
+
+// A hit test is no way to find out: between two paragraphs, and above the first one, it goes
+// through all that follow, and ends behind what is laid out.
+TextSpan TextEditor::spanIn(const QRect &view) const
+{
+    const QTextDocument &text = *document();
+    const QAbstractTextDocumentLayout &layout = *text.documentLayout();
+    const double top = view.top() + verticalScrollBar()->value();
+    const double bottom = view.bottom() + verticalScrollBar()->value();
+    const int number = firstAfter(text.blockCount() - 1, [&](int candidate) {
+        const QTextBlock block = text.findBlockByNumber(candidate);
+        return isLaidOut(block) && layout.blockBoundingRect(block).bottom() <= top;
+    });
+    const QTextBlock first = text.findBlockByNumber(number);
+    if (!isLaidOut(first)) {
+        return {first.position(), 0};
+    }
+    QTextBlock last = first;
+    for (QTextBlock next = first.next();
+         next.isValid() && isLaidOut(next) && layout.blockBoundingRect(next).top() <= bottom;
+         next = next.next()) {
+        last = next;
+    }
+    const std::optional<TextSpan> firstRow = rowAround(first);
+    const std::optional<TextSpan> lastRow = rowAround(last);
+    const QTextLine lastLine = lineAt(last, bottom);
+    const int from = firstRow ? firstRow->from : first.position() + lineAt(first, top).textStart();
+    const int end =
+        lastRow ? lastRow->end() : last.position() + lastLine.textStart() + lastLine.textLength();
+    return {from, end - from};
 }
 
 TextEditor::Place TextEditor::place() const
 {
     const QTextCursor cursor = textCursor();
     const QPoint top(0, qRound(halfLine * zoom())); // a line that is mostly out of view is not it
-    return {cursor.anchor(), cursor.position(), cursorForPosition(top).position(),
+    return {cursor.anchor(), cursor.position(), spanIn({top, QSize(1, 1)}).from,
             verticalScrollBar()->value(), viewport()->width()};
 }
 

@@ -36,11 +36,10 @@ void VisibleMarks::setSource(Layer layer, Source source)
 
 TextSpan VisibleMarks::inView() const
 {
-    const QRect view = m_editor.viewport()->rect();
-    const int first = m_editor.cursorForPosition(view.topLeft()).position();
-    const int last = m_editor.lastIn(view);
-    const int from = std::max(0, first - charactersAround);
-    const int to = std::min(m_editor.document()->characterCount() - 1, last + charactersAround);
+    const TextSpan view = m_editor.spanIn(m_editor.viewport()->rect());
+    const int from = std::max(0, view.from - charactersAround);
+    const int to =
+        std::min(m_editor.document()->characterCount() - 1, view.end() + charactersAround);
     return {from, to - from};
 }
 
@@ -58,9 +57,9 @@ void VisibleMarks::collect()
 {
     Marks marks;
     if (!m_editor.isContentHidden()) {
-        const QRect view = m_editor.viewport()->rect();
-        const QTextBlock first = m_editor.cursorForPosition(view.topLeft()).block();
-        const QTextBlock last = m_editor.document()->findBlock(m_editor.lastIn(view));
+        const TextSpan view = m_editor.spanIn(m_editor.viewport()->rect());
+        const QTextBlock first = m_editor.document()->findBlock(view.from);
+        const QTextBlock last = m_editor.document()->findBlock(view.end());
         for (const auto &[layer, source] : m_sources) {
             source(first, last, marks);
         }

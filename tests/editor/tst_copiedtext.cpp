@@ -329,7 +329,7 @@ void TestCopiedText::attachmentsTakeTheRoomThatWasEstimated()
     const double shown = editor->content()->size().height();
     QVERIFY2(shown >= least, qPrintable(QString::number(shown)));
     const double estimated =
-        HeightEstimate(TextEditor::referenceWidth, editor->viewport()).of(*editor->content());
+        HeightEstimate(TextEditor::referenceWidth, editor->viewport()).of(*editor->content()).wide;
     QVERIFY2(shown <= estimated, qPrintable(QString::number(estimated)));
 }
 
