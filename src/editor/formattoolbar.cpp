@@ -128,6 +128,12 @@ void FormatToolbar::addGroups()
         6);
     addTool(m_strip->moreButton());
     connect(m_fonts, &FontFields::applied, m_strip, &ToolStrip::closePanel);
+    const QAction *bigger = &m_commands.action(Command::Bigger);
+    const auto followSizes = [this, bigger] {
+        m_fonts->setEnabled(bigger->isEnabled());
+    };
+    connect(bigger, &QAction::changed, m_fonts, followSizes);
+    followSizes();
 }
 
 void FormatToolbar::addTool(QWidget *tool)
@@ -222,11 +228,6 @@ void FormatToolbar::addLockAction(QAction *action)
         lock->setFocusPolicy(Qt::TabFocus);
         addTool(lock);
     }
-}
-
-void FormatToolbar::setFormattingEnabled(bool enabled)
-{
-    m_fonts->setEnabled(enabled);
 }
 
 void FormatToolbar::resizeEvent(QResizeEvent *event)

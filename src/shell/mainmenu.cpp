@@ -92,12 +92,15 @@ MainMenu::MainMenu(QMainWindow &window, const MenuSurroundings &surroundings,
     m_items->validate();
 }
 
-// A key that nobody in the window wants for himself goes to the shortcuts next.
 bool MainMenu::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
+        // A key that nobody in the window wants for himself goes to the shortcuts next.
         m_items->validate();
         m_textCommands->validate();
+    } else if (event->type() == QEvent::WindowBlocked || event->type() == QEvent::WindowUnblocked) {
+        // The sheet is not yet known to be up, or gone.
+        QMetaObject::invokeMethod(m_items, &MenuItems::validate, Qt::QueuedConnection);
     }
     return QObject::eventFilter(watched, event);
 }
@@ -151,15 +154,15 @@ void MainMenu::addCommand(QMenu &menu, DocumentAction action)
         return;
     }
     MyDocument *document = &m_document->document;
-    QAction *item = m_items->add(
-        menu, row.title, row.shortcut,
-        [document, run = command->second] {
-            // A sheet keeps people from the menus, but not assistive programs.
-            if (!document->windowForSheet() || !document->windowForSheet()->attachedSheet()) {
-                run();
-            }
-        },
-        [document, action] { return document->validateMenuItem(action); });
+    QAction *item =
+        m_items->add(menu, row.title, row.shortcut, command->second, [document, action] {
+            MenuItemState state = document->validateMenuItem(action);
+            // A sheet keeps people from the menus, but neither from the toolbar's look nor
+            // assistive programs.
+            const NSWindow *window = document->windowForSheet();
+            state.enabled = state.enabled && !(window && window->attachedSheet());
+            return state;
+        });
     if (action == DocumentAction::LockDocument) {
         showLockInToolbar(*item);
     }

@@ -2,6 +2,7 @@
 #include "workflow/realprogram.h"
 
 #include <QClipboard>
+#include <QFontComboBox>
 #include <QMenu>
 
 using namespace quorvane;
@@ -61,6 +62,7 @@ class TestMenus : public QObject
 private Q_SLOTS:
     void everyWindowHasTheSameBar();
     void whatIsSaidOfAnItemLongAgoDoesNotCount();
+    void whatASheetForbidsComesBackBehindIt();
     void theEditMenuActsWhereTheKeyboardIs();
     void aLockedWindowKeepsItsToolbarAndSize();
     void theWindowMenuListsAllDocuments();
@@ -119,6 +121,26 @@ void TestMenus::whatIsSaidOfAnItemLongAgoDoesNotCount()
     QVERIFY(!RealProgram::dialog());
     QCOMPARE(program.files.replaces, 0);
     QVERIFY(!program.window().modernToolbar().isVisible() && !program.window().isFullScreen());
+}
+
+void TestMenus::whatASheetForbidsComesBackBehindIt()
+{
+    Opened program;
+    QVERIFY(program.unlocks);
+    const auto *family = program.window().findChild<QFontComboBox *>();
+    const auto isOffered = [&](bool offered) {
+        return QTest::qWaitFor([&] {
+            return program.menuItem(u"Bold"_s)->isEnabled() == offered
+                && program.menuItem(u"Lock Document…"_s)->isEnabled() == offered
+                && family->isEnabled() == offered;
+        });
+    };
+    QVERIFY(isOffered(true));
+    QTest::keyClick(program.window().windowHandle(), Qt::Key_K, Qt::ControlModifier);
+    QVERIFY(QTest::qWaitFor([] { return RealProgram::dialog() != nullptr; }));
+    QVERIFY(isOffered(false));
+    QTest::keyClick(RealProgram::dialog(), Qt::Key_Escape);
+    QVERIFY(isOffered(true));
 }
 
 void TestMenus::theEditMenuActsWhereTheKeyboardIs()
