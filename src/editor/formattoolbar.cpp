@@ -15,6 +15,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -81,6 +82,8 @@ FormatToolbar::FormatToolbar(TextEditor &editor, TextCommands &commands, QWidget
     addGroups();
     QToolButton *find = button(TextCommand::Find);
     addWidget(find);
+    orderTabs();
+    connect(m_strip, &ToolStrip::moved, this, &FormatToolbar::orderTabs);
     defineKey();
     connect(&m_editor, &TextEditor::contentHiddenChanged, m_strip, &ToolStrip::closePanel);
 }
@@ -227,6 +230,7 @@ void FormatToolbar::addLockAction(QAction *action)
         lock->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         lock->setFocusPolicy(Qt::TabFocus);
         addTool(lock);
+        orderTabs();
     }
 }
 
@@ -301,6 +305,21 @@ bool FormatToolbar::eventFilter(QObject *watched, QEvent *event)
         return true;
     }
     return QToolBar::eventFilter(watched, event);
+}
+
+// As the tools stand on the screen, in the bar and in the panel, and to the text behind the last.
+void FormatToolbar::orderTabs()
+{
+    QWidget *lastInBar = nullptr;
+    QWidget *lastInPanel = nullptr;
+    for (QWidget *tool : std::as_const(m_tools)) {
+        QWidget *&last = m_strip->isInPanel(*tool) ? lastInPanel : lastInBar;
+        if (last) {
+            setTabOrder(last, tool);
+        }
+        last = tool;
+    }
+    setTabOrder(lastInBar, &m_editor);
 }
 
 void FormatToolbar::moveFocus(const QObject *from, int step)

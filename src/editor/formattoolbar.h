@@ -47,6 +47,7 @@ private:
     void followMenu(QToolButton &button, bool showsCurrent);
     void addTool(QWidget *tool);
     void defineKey();
+    void orderTabs();
     void moveFocus(const QObject *from, int step);
     void leave();
 
