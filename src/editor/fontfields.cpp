@@ -1,10 +1,10 @@
 #include "editor/fontfields.h"
 
+#include "editor/fontfamilybox.h"
 #include "editor/fontsizes.h"
 #include "editor/texteditor.h"
 
 #include <QFocusEvent>
-#include <QFontComboBox>
 #include <QFontDatabase>
 #include <QLineEdit>
 #include <QLocale>
@@ -66,7 +66,7 @@ FontFields::FontFields(TextEditor &editor, QWidget *parent)
 
 void FontFields::makeFamilies(QWidget *parent)
 {
-    m_family = new QFontComboBox(parent);
+    m_family = new FontFamilyBox(parent);
     m_family->setAccessibleName(u"Font"_s);
     m_family->setAccessibleDescription(u"Font"_s); // the tool tip may say more
     m_family->setToolTip(u"Font"_s);
@@ -86,6 +86,7 @@ void FontFields::makeFamilies(QWidget *parent)
 void FontFields::makeSizes(QWidget *parent)
 {
     m_size = new QComboBox(parent);
+    m_size->setObjectName(u"fontSize"_s);
     m_size->setAccessibleName(u"Font Size"_s);
     m_size->setToolTip(u"Font Size"_s);
     m_size->setEditable(true);

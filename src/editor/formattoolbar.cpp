@@ -1,5 +1,6 @@
 #include "editor/formattoolbar.h"
 
+#include "editor/fontfamilybox.h"
 #include "editor/fontfields.h"
 #include "editor/glyphicon.h"
 #include "editor/paragraphstylebox.h"
@@ -7,7 +8,6 @@
 #include "editor/toolstrip.h"
 
 #include <QApplication>
-#include <QFontComboBox>
 #include <QKeyEvent>
 #include <QLayout>
 #include <QLineEdit>

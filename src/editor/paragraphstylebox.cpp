@@ -2,6 +2,7 @@
 
 #include "editor/textcommands.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QKeyEvent>
 
@@ -62,6 +63,12 @@ void ParagraphStyleBox::follow()
     }
     setCurrentIndex(current);
     setEnabled(m_commands.action(TextCommand::BodyText).isEnabled());
+}
+
+void ParagraphStyleBox::showPopup()
+{
+    view()->setMinimumWidth(view()->sizeHintForColumn(0));
+    QComboBox::showPopup();
 }
 
 // Each step of an arrow key would style the paragraph anew.

@@ -7,7 +7,6 @@
 
 #include <QComboBox>
 #include <QContextMenuEvent>
-#include <QFontComboBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
@@ -153,7 +152,7 @@ private slots:
         showText(editor, u"plain strong"_s);
         m_window->show();
         auto *size = named<QComboBox>(toolbar, u"Font Size"_s);
-        auto *family = named<QFontComboBox>(toolbar, u"Font"_s);
+        auto *family = named<QComboBox>(toolbar, u"Font"_s);
         select(6, 12);
         m_window->commands().action(TextCommand::Bold).trigger();
         size->setFocus();

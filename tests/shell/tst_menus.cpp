@@ -1,8 +1,9 @@
+#include "editor/formattoolbar.h"
 #include "shell/aboutwindow.h"
 #include "workflow/realprogram.h"
 
 #include <QClipboard>
-#include <QFontComboBox>
+#include <QComboBox>
 #include <QMenu>
 
 using namespace quorvane;
@@ -127,12 +128,12 @@ void TestMenus::whatASheetForbidsComesBackBehindIt()
 {
     Opened program;
     QVERIFY(program.unlocks);
-    const auto *family = program.window().findChild<QFontComboBox *>();
+    const auto *size = program.window().formatToolbar().findChild<QComboBox *>(u"fontSize"_s);
     const auto isOffered = [&](bool offered) {
         return QTest::qWaitFor([&] {
             return program.menuItem(u"Bold"_s)->isEnabled() == offered
                 && program.menuItem(u"Lock Document…"_s)->isEnabled() == offered
-                && family->isEnabled() == offered;
+                && size->isEnabled() == offered;
         });
     };
     QVERIFY(isOffered(true));
