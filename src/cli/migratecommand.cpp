@@ -4,7 +4,6 @@
 #include "cli/storeddocument.h"
 #include "cli/streams.h"
 
-#include <algorithm>
 #include <array>
 #include <csignal>
 

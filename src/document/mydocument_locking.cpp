@@ -34,8 +34,11 @@ void MyDocument::lockAutomatically()
     if (isEncrypted() || plainPassword().isEmpty() || !fileURL()) {
         return;
     }
-    endAttachedSheet();
-    later([this] { doLockDocument(); });
+    endSheets();
+    later([this] {
+        endSheets(); // what the ends of the others have begun
+        doLockDocument();
+    });
 }
 
 void MyDocument::doLockDocument()

@@ -7,7 +7,6 @@
 #include <QObject>
 #include <QPoint>
 
-#include <memory>
 #include <optional>
 
 class QMenu;

@@ -3,6 +3,7 @@
 #include "editor/attachmentobject.h"
 #include "editor/picturefile.h"
 #include "editor/placedattachment.h"
+#include "editor/selectedtext.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 #include "platform/safefilename.h"
@@ -242,7 +243,8 @@ bool AttachmentInsertion::insert(std::vector<Item> items, const QString &undoNam
     }
     QTextDocument &document = *m_editor.content();
     AttachmentStore &store = AttachmentStore::of(document);
-    const QTextCharFormat around = withoutAttachment(m_editor.currentCharFormat());
+    QTextCharFormat around = lookOfTyped(m_editor.textCursor());
+    dropLink(around);
     const bool isDone = m_editor.edit(undoName, [&](QTextCursor &cursor) {
         cursor.removeSelectedText();
         for (const Item &item : items) {

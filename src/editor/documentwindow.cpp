@@ -9,8 +9,6 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 namespace quorvane {

@@ -9,12 +9,10 @@ namespace {
 
 // Paths on a square of 16 units.
 
-QPainterPath line(std::initializer_list<QPointF> points)
+QPainterPath line(const QPolygonF &points)
 {
-    QPainterPath path(*points.begin());
-    for (const QPointF *point = points.begin() + 1; point != points.end(); ++point) {
-        path.lineTo(*point);
-    }
+    QPainterPath path;
+    path.addPolygon(points);
     return path;
 }
 

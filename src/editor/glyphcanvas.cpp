@@ -20,10 +20,10 @@ void GlyphCanvas::stroke(const QPainterPath &path, double width)
     m_painter.strokePath(path, QPen(m_ink, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
-void GlyphCanvas::stroke(std::initializer_list<QPointF> line, double width)
+void GlyphCanvas::stroke(const QPolygonF &line, double width)
 {
-    QPainterPath path(*line.begin());
-    std::for_each(line.begin() + 1, line.end(), [&path](const QPointF &to) { path.lineTo(to); });
+    QPainterPath path;
+    path.addPolygon(line);
     stroke(path, width);
 }
 

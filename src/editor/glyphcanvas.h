@@ -18,7 +18,7 @@ public:
     GlyphCanvas(QPainter &painter, const QRectF &square, const QColor &ink);
 
     void stroke(const QPainterPath &path, double width = lineWidth);
-    void stroke(std::initializer_list<QPointF> line, double width = lineWidth);
+    void stroke(const QPolygonF &line, double width = lineWidth);
     void fill(const QPainterPath &path);
     void disc(double x, double y, double radius);
     /// A level or upright line, from its upper left corner.

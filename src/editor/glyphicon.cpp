@@ -7,6 +7,7 @@
 #include <QPalette>
 
 #include <memory>
+#include <utility>
 
 namespace quorvane {
 
@@ -28,20 +29,20 @@ void draw(GlyphCanvas &canvas, Glyph glyph, const QColor &colour)
 class GlyphEngine final : public QIconEngine
 {
 public:
-    GlyphEngine(Glyph glyph, const std::optional<QColor> &colour)
-        : m_glyph(glyph)
-        , m_colour(colour)
+    explicit GlyphEngine(GlyphDrawing draw)
+        : m_draw(std::move(draw))
     { }
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
     {
-        const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+        const bool isEnabled = mode != QIcon::Disabled;
+        const auto group = isEnabled ? QPalette::Active : QPalette::Disabled;
         const auto role =
             mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
         const QColor ink = QGuiApplication::palette().color(group, role);
         painter->save();
         GlyphCanvas canvas(*painter, rect, ink);
-        draw(canvas, m_glyph, mode == QIcon::Disabled ? ink : m_colour.value_or(ink));
+        m_draw(canvas, ink, isEnabled);
         painter->restore();
     }
 
@@ -54,21 +55,24 @@ public:
         return pixmap;
     }
 
-    QIconEngine *clone() const override
-    {
-        return std::make_unique<GlyphEngine>(m_glyph, m_colour).release();
-    }
+    QIconEngine *clone() const override { return std::make_unique<GlyphEngine>(m_draw).release(); }
 
 private:
-    Glyph m_glyph;
-    std::optional<QColor> m_colour;
+    GlyphDrawing m_draw;
 };
 
 } // namespace
 
+QIcon drawnIcon(GlyphDrawing draw)
+{
+    return QIcon(std::make_unique<GlyphEngine>(std::move(draw)).release());
+}
+
 QIcon glyphIcon(Glyph glyph, const std::optional<QColor> &colour)
 {
-    return QIcon(std::make_unique<GlyphEngine>(glyph, colour).release());
+    return drawnIcon([glyph, colour](GlyphCanvas &canvas, const QColor &ink, bool isEnabled) {
+        draw(canvas, glyph, isEnabled ? colour.value_or(ink) : ink);
+    });
 }
 
 } // namespace quorvane

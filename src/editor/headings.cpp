@@ -12,8 +12,6 @@
 #include <array>
 #include <cmath>
 #include <functional>
-#include <optional>
-#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,6 @@
 #include "editor/insertion.h"
 
+#include "editor/selectedtext.h"
 #include "editor/textspan.h"
 #include "richtext/textproperties.h"
 
@@ -16,7 +17,7 @@ void insertCharacters(QTextCursor &cursor, const QString &text)
     const auto isInternal = [](QChar c) {
         return isDocumentInternal(c.unicode());
     };
-    const QTextCharFormat format = cursor.charFormat();
+    const QTextCharFormat format = lookOfTyped(cursor);
     cursor.beginEditBlock();
     cursor.removeSelectedText();
     for (auto from = text.begin(); from != text.end();) {

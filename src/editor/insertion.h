@@ -7,8 +7,8 @@ namespace quorvane {
 
 struct TextSpan;
 
-/// Inserts characters in the place of the selection, in its format, also those that a text document
-/// has no room for.
+/// Inserts characters in the place of the selection, in the look of what is typed there, also those
+/// that a text document has no room for.
 void insertCharacters(QTextCursor &cursor, const QString &text);
 
 /// Puts characters in the place of others, in the look of the first one. Ends behind them.

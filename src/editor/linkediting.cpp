@@ -82,7 +82,6 @@ LinkEditing::LinkEditing(TextEditor &editor, TextCommands &commands, NSWindow &s
             const bool mayHave = isOnLink() || m_editor.textCursor().hasSelection();
             return MenuItemState {!m_editor.isReadOnly() && mayHave, {}, {}};
         });
-    connect(&editor, &QTextEdit::cursorPositionChanged, this, &LinkEditing::keepLinksFromGrowing);
     connect(&editor, &TextEditor::contentReplaced, this, &LinkEditing::watchContent);
     watchContent();
     editor.installEventFilter(this);
@@ -138,24 +137,6 @@ void LinkEditing::remove()
         removeLinks(selection);
     });
     m_editor.setFocus();
-}
-
-// What is written at the end of a link is no part of it.
-void LinkEditing::keepLinksFromGrowing()
-{
-    const QTextCursor cursor = m_editor.textCursor();
-    const QTextCharFormat format = m_editor.currentCharFormat();
-    if (!format.isAnchor() || cursor.hasSelection() || m_editor.isReadOnly()) {
-        return;
-    }
-    const QTextDocument &document = *m_editor.document();
-    const bool isInside =
-        !cursor.atBlockStart() && addressAt(document, cursor.position()) == format.anchorHref();
-    if (!isInside) {
-        QTextCharFormat outside = format;
-        clearLink(outside);
-        m_editor.setCurrentCharFormat(outside);
-    }
 }
 
 // --- Addresses as they are written ----------------------------------------------------------
@@ -225,7 +206,6 @@ void LinkEditing::linkAddress(QTextCursor text)
     text.setPosition(from + int(found->length), QTextCursor::KeepAnchor);
     if (!linkAround(*text.document(), from + 1)) {
         m_editor.edit(u"Insert Link"_s, [&](QTextCursor &) { makeLink(text, found->address); });
-        keepLinksFromGrowing();
     }
 }
 

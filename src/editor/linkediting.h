@@ -26,7 +26,6 @@ private:
     void ask();
     void remove();
     void apply(const std::optional<QString> &text, const QString &address);
-    void keepLinksFromGrowing();
     void watchContent();
     void noteKey(const QKeyEvent &key);
     void noteInsertion(int position, int added);

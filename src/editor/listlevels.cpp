@@ -9,7 +9,6 @@
 #include <QTextList>
 
 #include <algorithm>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 

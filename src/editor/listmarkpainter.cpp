@@ -7,7 +7,6 @@
 #include <QAbstractTextDocumentLayout>
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPalette>
 #include <QTextBlock>
 #include <QTextCursor>

@@ -1,6 +1,7 @@
 #include "editor/paragraphformats.h"
 
 #include "editor/headings.h"
+#include "editor/selectedtext.h"
 
 #include <QTextCursor>
 #include <QTextDocument>
@@ -124,7 +125,7 @@ void splitParagraph(QTextCursor &cursor)
     cursor.removeSelectedText();
     const bool endsHeading =
         cursor.blockFormat().headingLevel() > 0 && cursor.atBlockEnd() && !cursor.atBlockStart();
-    cursor.insertBlock();
+    cursor.insertBlock(cursor.blockFormat(), lookOfTyped(cursor));
     if (endsHeading) {
         setHeading(cursor.block(), 0);
         typeAsBlock(cursor);

@@ -3,7 +3,6 @@
 #include "editor/picturefile.h"
 
 #include <QMutex>
-#include <QStringList>
 #include <QThreadPool>
 
 #include <algorithm>

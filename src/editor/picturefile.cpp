@@ -4,7 +4,6 @@
 #include <QImageReader>
 #include <QtEndian>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>

@@ -118,25 +118,13 @@ bool isPicture(const TextEditor &editor, const PlacedAttachment &attachment)
 QTextCharFormat attachmentFormat(QTextDocument &document, const QTextCharFormat &around,
                                  const QString &name, const QSizeF &size)
 {
-    QTextCharFormat format = withoutAttachment(around);
+    QTextCharFormat format = around;
     format.setObjectType(attachmentObjectType);
     format.setProperty(AttachmentName, name);
     format.setProperty(AttachmentId, AttachmentStore::of(document).nextId());
     if (!size.isEmpty()) {
         format.setProperty(AttachmentWidth, std::max(1, qRound(size.width() * twipsPerPixel)));
         format.setProperty(AttachmentHeight, std::max(1, qRound(size.height() * twipsPerPixel)));
-    }
-    return format;
-}
-
-QTextCharFormat withoutAttachment(QTextCharFormat format)
-{
-    format.setObjectType(QTextFormat::NoObject);
-    for (const int property :
-         {int(QTextFormat::ObjectType), int(AttachmentName), int(AttachmentId),
-          int(AttachmentWidth), int(AttachmentHeight), int(AttachmentNoOrient), int(OriginalUnit),
-          int(QTextFormat::IsAnchor), int(QTextFormat::AnchorHref), int(LinkLook)}) {
-        format.clearProperty(property);
     }
     return format;
 }

@@ -3,7 +3,6 @@
 #include <QRectF>
 #include <QString>
 #include <QTextCharFormat>
-#include <QTextCursor>
 
 #include <optional>
 
@@ -50,8 +49,5 @@ bool isPicture(const TextEditor &editor, const PlacedAttachment &attachment);
 /// in a document's pixels makes it a picture. It has a number of its own.
 QTextCharFormat attachmentFormat(QTextDocument &document, const QTextCharFormat &around,
                                  const QString &name, const QSizeF &size = {});
-
-/// What is written behind an attachment takes over this, so as not to look like one.
-QTextCharFormat withoutAttachment(QTextCharFormat format);
 
 } // namespace quorvane

@@ -23,8 +23,6 @@ public:
 
     std::optional<Indent> indent() const { return m_indent; }
 
-    QTextOption::TabType tabType() const { return m_tabType; }
-
     /// Shows where it is without telling that it has moved.
     void showPlace(double pixels);
 

@@ -5,8 +5,6 @@
 #include <QRegularExpression>
 #include <QString>
 
-#include <optional>
-
 class QTextBlock;
 
 namespace quorvane {

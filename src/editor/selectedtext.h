@@ -8,15 +8,6 @@
 
 namespace quorvane {
 
-/// What is selected, as stretches of the text: one, or one for each cell of a table.
-struct SelectedRange
-{
-    int from;
-    int to;
-};
-
-QList<SelectedRange> selectedRanges(const QTextCursor &cursor);
-
 /// The looks that the characters of a selection have, each of them once; those of its paragraphs'
 /// ends where there is nothing but these.
 QList<QTextCharFormat> selectedLooks(const QTextCursor &cursor);

@@ -26,6 +26,7 @@ namespace {
 constexpr int mostSuggestions = 7;
 constexpr int sliceMilliseconds = 5; // of looking up what is in view
 constexpr int huntMilliseconds = 10;
+constexpr int huntStretch = 1000; // characters, after which the time is looked at again
 constexpr QColor waveOnLight(0xd9, 0x30, 0x25);
 constexpr QColor waveOnDark(0xff, 0x7a, 0x70);
 
@@ -299,33 +300,28 @@ void SpellChecking::hunt()
     }
     QElapsedTimer time;
     time.start();
-    while (m_hunt) {
-        const QTextBlock block = m_editor.document()->findBlock(m_hunt->from);
-        if (huntInParagraph(block)) {
-            return;
-        }
-        m_hunt->from = block.position() + block.length();
-        if (!block.next().isValid()) {
-            m_hunt->from = 0;
-            m_hunt->hasWrapped = true;
-        }
-        if (time.hasExpired(huntMilliseconds)) {
-            m_slices.start(0);
-            return;
-        }
+    while (m_hunt && !time.hasExpired(huntMilliseconds)) {
+        huntInStretch();
+    }
+    if (m_hunt) {
+        m_slices.start(0);
     }
 }
 
-bool SpellChecking::huntInParagraph(const QTextBlock &block)
+void SpellChecking::huntInStretch()
 {
+    const QTextBlock block = m_editor.document()->findBlock(m_hunt->from);
     const QString text = block.text();
     const int from = m_hunt->from - block.position();
-    for (const TextSpan &word : wordsToCheck(text, {from, int(text.size())})) {
+    const int to = std::min(from + huntStretch, int(text.size()));
+    const bool endsBlock = to == text.size();
+    const int next = block.position() + (endsBlock ? block.length() : to);
+    for (const TextSpan &word : wordsToCheck(text, {from, to - from})) {
         const int position = block.position() + word.from;
         if (word.from < from) {
             continue;
         }
-        if (m_hunt->hasWrapped && position >= m_hunt->begin) {
+        if (word.from >= to || (m_hunt->hasWrapped && position >= m_hunt->begin)) {
             break;
         }
         if (m_judge.verdict(text.mid(word.from, word.length)) == WordJudge::Verdict::Wrong) {
@@ -335,17 +331,19 @@ bool SpellChecking::huntInParagraph(const QTextBlock &block)
             m_hunt.reset();
             m_editor.setTextCursor(cursor);
             m_editor.ensureCursorVisible();
-            return true;
+            return;
         }
     }
-    const bool isAround = m_hunt->hasWrapped && block.position() + block.length() > m_hunt->begin;
-    if (isAround) {
+    if (m_hunt->hasWrapped && next > m_hunt->begin) {
         m_hunt.reset();
         tell(u"No misspelled word was found."_s,
              u"The whole text was checked (%1)."_s.arg(
                  languageName(m_judge.language().value_or(QString()))));
+        return;
     }
-    return isAround;
+    const bool endsText = endsBlock && !block.next().isValid();
+    m_hunt->from = endsText ? 0 : next;
+    m_hunt->hasWrapped = m_hunt->hasWrapped || endsText;
 }
 
 void SpellChecking::tell(const QString &words, const QString &more)

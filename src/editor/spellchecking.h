@@ -57,8 +57,7 @@ private:
     void offerLanguages(QMenu &menu);
     void beginHunt();
     void hunt();
-    /// \return whether the hunt is over.
-    bool huntInParagraph(const QTextBlock &block);
+    void huntInStretch();
     void tell(const QString &words, const QString &more);
 
     TextEditor &m_editor;

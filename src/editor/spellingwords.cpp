@@ -62,12 +62,12 @@ bool isToCheck(QStringView word)
     return isPlain && std::any_of(word.begin(), word.end(), [](QChar c) { return c.isLower(); });
 }
 
-void addWords(QStringView token, int at, std::vector<TextSpan> &words)
+void addWords(QStringView token, int at, const TextSpan &within, std::vector<TextSpan> &words)
 {
     if (isAddress(token)) {
         return;
     }
-    for (int from = 0; from < token.size();) {
+    for (int from = 0; from < token.size() && at + from <= within.end();) {
         if (!isOfWord(token.at(from))) {
             ++from;
             continue;
@@ -79,7 +79,7 @@ void addWords(QStringView token, int at, std::vector<TextSpan> &words)
                 || (joins(token.at(to)) && to + 1 < token.size() && isOfWord(token.at(to + 1))))) {
             ++to;
         }
-        if (isToCheck(token.mid(from, to - from))) {
+        if (at + to >= within.from && isToCheck(token.mid(from, to - from))) {
             words.push_back({at + from, to - from});
         }
         from = to;
@@ -105,7 +105,7 @@ std::vector<TextSpan> wordsToCheck(const QString &paragraph, const TextSpan &wit
         while (to < text.size() && !text.at(to).isSpace()) {
             ++to;
         }
-        addWords(text.mid(from, to - from), from, words);
+        addWords(text.mid(from, to - from), from, within, words);
         from = to;
     }
     return words;

@@ -8,6 +8,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QTextBlock>
 #include <QToolButton>
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 #include "editor/textcounts.h"
 
 #include <QFrame>
-#include <QTextBlock>
 #include <QTimer>
 
 class QLabel;

@@ -23,17 +23,11 @@ namespace {
 
 using Command = TextCommand;
 
-/// What stands in a table alone is no part of what is typed into it.
+/// What stands in a table alone is no part of what is typed into it; nor are borders.
 constexpr int cellProperties[] = {
-    QTextFormat::BackgroundBrush,          QTextFormat::TextVerticalAlignment,
-    QTextFormat::TableCellTopPadding,      QTextFormat::TableCellBottomPadding,
-    QTextFormat::TableCellLeftPadding,     QTextFormat::TableCellRightPadding,
-    QTextFormat::TableCellTopBorder,       QTextFormat::TableCellBottomBorder,
-    QTextFormat::TableCellLeftBorder,      QTextFormat::TableCellRightBorder,
-    QTextFormat::TableCellTopBorderStyle,  QTextFormat::TableCellBottomBorderStyle,
-    QTextFormat::TableCellLeftBorderStyle, QTextFormat::TableCellRightBorderStyle,
-    QTextFormat::TableCellTopBorderBrush,  QTextFormat::TableCellBottomBorderBrush,
-    QTextFormat::TableCellLeftBorderBrush, QTextFormat::TableCellRightBorderBrush,
+    QTextFormat::BackgroundBrush,      QTextFormat::TextVerticalAlignment,
+    QTextFormat::TableCellTopPadding,  QTextFormat::TableCellBottomPadding,
+    QTextFormat::TableCellLeftPadding, QTextFormat::TableCellRightPadding,
 };
 
 /// A row of the header has a look of its own, that others are not to have.
@@ -46,11 +40,6 @@ int rowLike(const QTextTable &table, int neighbour, int at)
 void enterCell(QTextCursor &cursor, const QTextTableCell &cell)
 {
     cursor.setPosition(cell.firstPosition());
-}
-
-int endOf(int first, int count)
-{
-    return first + count;
 }
 
 } // namespace
@@ -107,7 +96,7 @@ void TableEditing::defineRows()
     define(
         Command::InsertRowBelow, u"Insert Row"_s,
         [insert](QTextCursor &cursor, const Target &target) {
-            const int end = endOf(target.area.row, target.area.rows);
+            const int end = target.area.row + target.area.rows;
             insert(cursor, target, end, end - 1);
         },
         mayGrow);
@@ -141,7 +130,7 @@ void TableEditing::defineColumns()
     define(
         Command::InsertColumnRight, u"Insert Column"_s,
         [insert](QTextCursor &cursor, const Target &target) {
-            const int end = endOf(target.area.column, target.area.columns);
+            const int end = target.area.column + target.area.columns;
             insert(cursor, target, end, end - 1);
         },
         mayGrow);
@@ -360,6 +349,7 @@ void TableEditing::keepCellOutOfText()
     for (const int property : cellProperties) {
         format.clearProperty(property);
     }
+    clearCellBorders(format);
     m_editor.setCurrentCharFormat(format);
 }
 

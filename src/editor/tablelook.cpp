@@ -66,9 +66,7 @@ void applyBorder(QTextTableCellFormat &format, const CellLook &look)
     const double width = look.border.value_or(format.topBorder());
     if (look.border) {
         const QColor colour = look.borderColour.value_or(format.topBorderBrush().color());
-        for (const int property : borderProperties) {
-            format.clearProperty(property);
-        }
+        clearCellBorders(format);
         if (width > 0) {
             format.setBorder(width);
             format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
@@ -80,6 +78,13 @@ void applyBorder(QTextTableCellFormat &format, const CellLook &look)
 }
 
 } // namespace
+
+void clearCellBorders(QTextFormat &format)
+{
+    for (const int property : borderProperties) {
+        format.clearProperty(property);
+    }
+}
 
 CellLook lookOfCells(const QTextTable &table, const TableArea &area)
 {

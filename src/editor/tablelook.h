@@ -23,6 +23,7 @@ struct CellLook
 
 CellLook lookOfCells(const QTextTable &table, const TableArea &area);
 void applyLook(QTextTable &table, const TableArea &area, const CellLook &look);
+void clearCellBorders(QTextFormat &format);
 
 /// The look of the table itself.
 struct TableLook

@@ -2,7 +2,6 @@
 
 #include <QTextTable>
 
-#include <algorithm>
 #include <cmath>
 
 namespace quorvane {

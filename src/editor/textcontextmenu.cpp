@@ -4,10 +4,7 @@
 #include "editor/texteditor.h"
 
 #include <QAction>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QMenu>
-#include <QMimeData>
 
 #include <utility>
 

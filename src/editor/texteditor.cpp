@@ -17,7 +17,6 @@
 #include <QMimeData>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -65,10 +64,16 @@ constexpr qint64 typingPause = 2000; // milliseconds
 constexpr int longStep = 80; // characters
 
 /// Plain characters, which the toolkit would insert as they are.
+bool isTyping(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar c) { return c.isPrint() || c.isSurrogate(); });
+}
+
 bool isTyping(const QKeyEvent &event)
 {
     const bool isShortcut = event.modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
-    return !isShortcut && event.text().size() == 1 && event.text().at(0).isPrint();
+    return !isShortcut && event.text().size() == 1 && isTyping(event.text());
 }
 
 QString stepOf(const QKeyEvent &event)
@@ -134,7 +139,8 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     if (height > tallestPaginated) {
         return ShowResult::TooTall;
     }
-    if (height * zoom() > tallestPaginated) {
+    const bool isUnzoomed = height * zoom() > tallestPaginated;
+    if (isUnzoomed) {
         m_device.setZoom(1);
     }
     document->setUndoRedoEnabled(false); // drops what filling has recorded
@@ -155,6 +161,9 @@ TextEditor::ShowResult TextEditor::showDocument(std::unique_ptr<QTextDocument> d
     m_undoNames.watch(m_content.get());
     m_firstLook.watch(m_content.get());
     emit contentReplaced();
+    if (isUnzoomed) {
+        emit zoomChanged();
+    }
     return ShowResult::Shown;
 }
 
@@ -337,9 +346,11 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
         QTextEdit::keyPressEvent(event);
         return;
     }
-    handleTyped([this, event] {
-        if (beginsStep(*event)) {
-            typeAsNewStep(event->text());
+    const bool isTyped = isTyping(*event);
+    m_typed = isTyped ? m_typed : 0;
+    handleTyped([this, event, isTyped] {
+        if (isTyped && beginsStep(event->text())) {
+            type(event->text(), true);
         } else {
             QTextEdit::keyPressEvent(event);
         }
@@ -347,31 +358,32 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
 }
 
 // The toolkit makes one step of all that is typed in a row: an hour's work would go at once.
-bool TextEditor::beginsStep(const QKeyEvent &event)
+bool TextEditor::beginsStep(const QString &text)
 {
-    if (!isTyping(event)) {
-        m_typed = 0;
-        return false;
-    }
     const bool paused = m_sinceTyping.isValid() && m_sinceTyping.hasExpired(typingPause);
-    const bool beginsWord = !event.text().at(0).isSpace()
-        && document()->characterAt(textCursor().position() - 1).isSpace();
+    const bool beginsWord = text.size() > 1 // an input method has made one
+        || (!text.at(0).isSpace()
+            && document()->characterAt(textCursor().position() - 1).isSpace());
     m_sinceTyping.start();
-    ++m_typed;
+    m_typed += int(text.size());
     if (!paused && !(beginsWord && m_typed > longStep)) {
         return false;
     }
-    m_typed = 1;
+    m_typed = int(text.size());
     return true;
 }
 
 // What stands in an edit block of its own is not joined with what was typed before.
-void TextEditor::typeAsNewStep(const QString &text)
+void TextEditor::type(const QString &text, bool asNewStep)
 {
     QTextCursor cursor = textCursor();
-    cursor.beginEditBlock();
+    if (asNewStep) {
+        cursor.beginEditBlock();
+    }
     cursor.insertText(text);
-    cursor.endEditBlock();
+    if (asNewStep) {
+        cursor.endEditBlock();
+    }
     setTextCursor(cursor);
     ensureCursorVisible();
 }
@@ -382,15 +394,27 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
         event->ignore();
         return;
     }
-    if (insertsText(event->commitString()) && !hasRoomFor(2 * cursorRect().height())) {
+    const QString text = event->commitString();
+    if (insertsText(text) && !hasRoomFor(2 * cursorRect().height())) {
         refuse();
         return;
     }
-    if (event->commitString().isEmpty()) {
+    if (text.isEmpty()) {
         QTextEdit::inputMethodEvent(event);
         return;
     }
-    handleTyped([this, event] { QTextEdit::inputMethodEvent(event); });
+    handleTyped([this, event, &text] {
+        if (event->replacementLength() > 0 || !isTyping(text)) {
+            QTextEdit::inputMethodEvent(event);
+            return;
+        }
+        // The toolkit would make a step of each of these, down to a single letter.
+        QInputMethodEvent composed;
+        QTextEdit::inputMethodEvent(&composed);
+        type(text, beginsStep(text));
+        QInputMethodEvent rest(event->preeditString(), event->attributes());
+        QTextEdit::inputMethodEvent(&rest);
+    });
 }
 
 void TextEditor::mousePressEvent(QMouseEvent *event)

@@ -166,9 +166,6 @@ private:
         int width = 0;
     };
 
-    bool beginsStep(const QKeyEvent &event);
-    void typeAsNewStep(const QString &text);
-
     /// What the looks were last asked for.
     struct LooksKey
     {
@@ -181,6 +178,14 @@ private:
 
     void attach(QTextDocument *document);
     void detach();
+    void showUnzoomed();
+    void suspendLayout();
+    void refuse();
+
+    std::unique_ptr<QTextDocument> documentOf(const QMimeData &source);
+    bool takesObjects(const QMimeData &source) const;
+    bool beginsStep(const QString &text);
+    void type(const QString &text, bool asNewStep);
     void leaveForeignLook();
     void handleTyped(const std::function<void()> &insert);
 
@@ -193,35 +198,34 @@ private:
     void fitWrap();
     void pinWrap();
     void paginate();
-    void showUnzoomed();
-    void suspendLayout();
-    void refuse();
+
     Place place() const;
     void restore(const Place &place);
     void restoreScroll(const Place &place);
-    std::unique_ptr<QTextDocument> documentOf(const QMimeData &source);
-    bool takesObjects(const QMimeData &source) const;
 
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;
+    FirstLook m_firstLook;
+    std::optional<NSFont> m_typingFont;
     LayoutGuard m_layoutGuard {*this};
     ZoomedDevice m_device {*this};
     int m_wheelTurn = 0; // eighths of a degree that are no step yet
+    std::vector<std::function<void(QPainter &)>> m_overlays;
+    ForeignObjects m_foreignObjects;
+
     UndoNames m_undoNames;
     QElapsedTimer m_sinceTyping;
     int m_typed = 0; // characters of the step that typing adds to
     QList<QTextCharFormat> m_looks;
     LooksKey m_looksKey;
-    std::vector<std::function<void(QPainter &)>> m_overlays;
-    ForeignObjects m_foreignObjects;
-    std::optional<NSFont> m_typingFont;
+
     Bound m_bound; // at the reference width
     Bound m_narrow; // at most as wide
     bool m_paginated = false;
+
     Place m_place; // of the hidden content
     std::optional<Place> m_unsettled; // to be found again when the window has its size
     QTimer m_settling;
-    FirstLook m_firstLook;
 };
 
 } // namespace quorvane

@@ -1,5 +1,6 @@
 #include "editor/textlinks.h"
 
+#include "editor/selectedtext.h"
 #include "richtext/textproperties.h"
 
 #include <QRegularExpression>
@@ -112,21 +113,6 @@ void addLink(QTextCharFormat &format, const QString &address)
     format.setProperty(LinkLook, true);
 }
 
-void clearLink(QTextCharFormat &format)
-{
-    if (format.boolProperty(LinkLook)) {
-        if (format.foreground().color().rgba() == linkColour) {
-            format.clearForeground();
-        }
-        format.clearProperty(QTextFormat::TextUnderlineStyle);
-        format.clearProperty(QTextFormat::FontUnderline);
-    }
-    for (const int property : {int(LinkLook), int(QTextFormat::IsAnchor),
-                               int(QTextFormat::AnchorHref), int(QTextFormat::AnchorName)}) {
-        format.clearProperty(property);
-    }
-}
-
 void makeLink(QTextCursor &selection, const QString &address)
 {
     changeFormats(selection, [&address](QTextCharFormat &format) {
@@ -139,7 +125,7 @@ void removeLinks(QTextCursor &selection)
 {
     changeFormats(selection, [](QTextCharFormat &format) {
         const bool isLink = format.isAnchor();
-        clearLink(format);
+        dropLink(format);
         return isLink;
     });
 }

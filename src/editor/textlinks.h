@@ -26,7 +26,6 @@ void makeLink(QTextCursor &selection, const QString &address);
 /// Takes links off what is selected, with the look that they gave it.
 void removeLinks(QTextCursor &selection);
 void addLink(QTextCharFormat &format, const QString &address);
-void clearLink(QTextCharFormat &format);
 
 /// An address as somebody types it, with its scheme: https where none is told, mailto for mail.
 QString completedAddress(const QString &typed);

@@ -145,16 +145,15 @@ void NSDocument::ask(const NSAlert &alert, std::function<void(const QString &cho
                            }
                            const int number =
                                static_cast<int>(answer) - static_cast<int>(AlertAnswer::First);
-                           answered(self->m_isEndingSheet ? cancelChoice : buttons.value(number));
+                           answered(self->m_isEndingSheets ? cancelChoice : buttons.value(number));
                        });
 }
 
-void NSDocument::endAttachedSheet()
+void NSDocument::endSheets()
 {
-    NSWindow *window = windowForSheet();
-    if (NSSheet *sheet = window ? window->attachedSheet() : nullptr) {
-        const QScopedValueRollback ending(m_isEndingSheet, true);
-        window->endSheet(*sheet);
+    if (NSWindow *window = windowForSheet()) {
+        const QScopedValueRollback ending(m_isEndingSheets, true);
+        window->endSheets();
     }
 }
 

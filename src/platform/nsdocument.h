@@ -142,9 +142,9 @@ protected:
     /// To be called at each change of the text.
     void noteChange();
 
-    /// Ends the sheet that is up on the window. A question of the machinery's own counts as
-    /// cancelled then, whatever button the code of such an end stands for.
-    void endAttachedSheet();
+    /// Ends the sheets of the window. A question of the machinery's own counts as cancelled then,
+    /// whatever button the code of such an end stands for.
+    void endSheets();
 
     /// Runs on a later turn of the main loop, unless the document is gone by then.
     void later(std::function<void()> operation);
@@ -239,7 +239,7 @@ private:
     QByteArray m_knownDigest; ///< Of its content; empty where it is not known.
     std::optional<FileConflict> m_toldConflict; ///< Which the user has been asked about.
     std::optional<FileConflict> m_unreadableFile; ///< Which was found when reading it again.
-    bool m_isEndingSheet = false;
+    bool m_isEndingSheets = false;
 };
 
 } // namespace quorvane

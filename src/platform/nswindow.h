@@ -65,6 +65,8 @@ public:
 
     virtual void beginSheet(NSSheet &sheet, std::function<void(int code)> completion) = 0;
     virtual void endSheet(NSSheet &sheet, int returnCode = modalResponseStop) = 0;
+    /// Ends the sheet that is up and those that wait behind it, with modalResponseStop.
+    virtual void endSheets() = 0;
     virtual void beginAlert(const NSAlert &alert, AlertCompletion completion) = 0;
     virtual NSSheet *attachedSheet() const = 0; ///< Null while none is up.
 };

@@ -73,7 +73,7 @@ bool mayRunAsProgram(const QString &name, const QByteArray &bytes)
     if (endings.contains(QFileInfo(name).suffix().toLower())) {
         return true;
     }
-    const QByteArray start = bytes.first(std::min<qsizetype>(bytes.size(), 4096)).trimmed();
+    const QByteArray start = bytes.first(std::min(bytes.size(), programBeginning)).trimmed();
     const auto beginsSo = [&start](const char *beginning) {
         return start.startsWith(beginning);
     };

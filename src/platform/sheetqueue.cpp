@@ -44,6 +44,20 @@ void SheetQueue::end(NSSheet &sheet, int code)
     }
 }
 
+void SheetQueue::endAll(int code)
+{
+    const std::weak_ptr<SheetQueue *> self = m_self;
+    const std::deque<Entry> waiting = std::exchange(m_waiting, {});
+    if (NSSheet *sheet = attachedSheet()) {
+        sheet->endSheet(code);
+    }
+    for (const Entry &entry : waiting) {
+        if (!self.expired() && !entry.life.expired() && entry.completion) {
+            entry.completion(code);
+        }
+    }
+}
+
 void SheetQueue::forgetWaiting()
 {
     m_waiting.clear();

@@ -24,6 +24,8 @@ public:
     void begin(NSSheet &sheet, std::function<void(int code)> completion);
     /// Ends the sheet that is up, or takes one out that waits. Nothing happens for any other.
     void end(NSSheet &sheet, int code);
+    /// Ends the sheet that is up, and then those that waited behind it.
+    void endAll(int code);
     /// Forgets the sheets that wait.
     void forgetWaiting();
 

@@ -40,6 +40,9 @@ public:
 
     void beginSheet(NSSheet &sheet, std::function<void(int code)> completion) override;
     void endSheet(NSSheet &sheet, int returnCode) override;
+
+    void endSheets() override { m_sheets.endAll(modalResponseStop); }
+
     void beginAlert(const NSAlert &alert, AlertCompletion completion) override;
     NSSheet *attachedSheet() const override;
 

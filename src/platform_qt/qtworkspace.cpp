@@ -1,9 +1,12 @@
 #include "platform_qt/qtworkspace.h"
 
+#include "platform/safefilename.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
+#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -16,6 +19,14 @@ namespace {
 void openFolderOf(const QString &path)
 {
     QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+}
+
+/// What cannot be read is not.
+bool isHarmless(const QFileInfo &info)
+{
+    QFile file(info.filePath());
+    return !info.isExecutable() && file.open(QIODevice::ReadOnly)
+        && !mayRunAsProgram(info.fileName(), file.read(programBeginning));
 }
 
 } // namespace
@@ -36,10 +47,7 @@ bool QtWorkspace::openLinkedFile(const QString &path)
 {
     // By its real name: another one may only pretend to be harmless.
     const QFileInfo file(QFileInfo(path).canonicalFilePath());
-    const bool isStarter =
-        file.suffix().compare("desktop"_L1, Qt::CaseInsensitive) == 0 || file.isExecutable();
-    const bool isHarmless = file.isDir() || (file.isFile() && !isStarter);
-    return file.exists() && isHarmless && openFile(file.filePath());
+    return (file.isDir() || (file.isFile() && isHarmless(file))) && openFile(file.filePath());
 }
 
 void QtWorkspace::selectFileInFileViewer(const QString &path)

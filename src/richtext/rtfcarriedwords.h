@@ -4,8 +4,6 @@
 
 #include <QByteArray>
 
-#include <optional>
-
 namespace quorvane {
 
 class RtfTables;

@@ -10,7 +10,6 @@
 #include <QTextTable>
 
 #include <algorithm>
-#include <cmath>
 
 namespace quorvane {
 

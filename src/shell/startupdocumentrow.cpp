@@ -8,7 +8,6 @@
 
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
 

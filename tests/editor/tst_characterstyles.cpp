@@ -1,26 +1,22 @@
 #include "editor/characterstyles.h"
 #include "editor/colourpalette.h"
-#include "editor/documentwindow.h"
 #include "editor/fontsizes.h"
 #include "editor/formattoolbar.h"
 #include "editor/stylememory.h"
 #include "editor/styletransfer.h"
 #include "editor/textcolours.h"
-#include "editor/textcommands.h"
-#include "editor/texteditor.h"
+#include "editor/textlinks.h"
 #include "platform_qt/dialogsheet.h"
 #include "platform_qt/qtoperationqueue.h"
 #include "platform_qt/qtwindow.h"
-#include "richtext/body.h"
 #include "richtext/textproperties.h"
 #include "support/describedtext.h"
+#include "support/writtentext.h"
 
 #include <QAbstractButton>
-#include <QAction>
 #include <QClipboard>
 #include <QColorDialog>
 #include <QMimeData>
-#include <QTest>
 #include <QTextList>
 
 using namespace quorvane;
@@ -29,9 +25,7 @@ namespace {
 
 QString saved(const TextEditor &editor)
 {
-    QTextDocument read;
-    readBody(bodyFromDocument(*editor.content()), read);
-    return DescribedText::of(read);
+    return DescribedText::of(*savedAndRead(*editor.content()));
 }
 
 QAbstractButton *named(const QWidget &parent, const QString &name)
@@ -47,11 +41,7 @@ QAbstractButton *named(const QWidget &parent, const QString &name)
 QTextCharFormat linkLook(const QString &address)
 {
     QTextCharFormat look;
-    look.setAnchor(true);
-    look.setAnchorHref(address);
-    look.setForeground(QColor(linkColour));
-    look.setUnderlineStyle(QTextCharFormat::SingleUnderline);
-    look.setProperty(LinkLook, true);
+    addLink(look, address);
     return look;
 }
 
@@ -102,9 +92,7 @@ struct Bench
                    [](QDialog &dialog) -> NSSheet & { return *new DialogSheet(dialog); }, memory})
         , styles(window.editor(), window.commands(), memory)
     {
-        window.commands().setGate([this] { return !window.showsLockedAppearance(); });
-        window.show();
-        window.activateWindow();
+        bringUp(window);
     }
 
     TextEditor &editor() { return window.editor(); }
@@ -117,25 +105,9 @@ struct Bench
 
     void run(TextCommand command) { action(command).trigger(); }
 
-    void show(std::unique_ptr<QTextDocument> document)
-    {
-        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
-    }
+    template <typename Text> void show(Text text) { showText(editor(), std::move(text)); }
 
-    void show(const QString &text)
-    {
-        auto document = std::make_unique<QTextDocument>();
-        document->setPlainText(text);
-        show(std::move(document));
-    }
-
-    void select(int from, int to)
-    {
-        QTextCursor cursor = editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(editor(), from, to); }
 
     QTextCharFormat lookBehind(int position)
     {

@@ -1,9 +1,8 @@
 #include "editor/characterstyles.h"
-#include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/passwordsheet.h"
-#include "editor/texteditor.h"
+#include "support/writtentext.h"
 
 #include <QComboBox>
 #include <QContextMenuEvent>
@@ -12,8 +11,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
-#include <QTextDocument>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -40,13 +37,6 @@ QPushButton *button(const QWidget &parent, const QString &text)
     return nullptr;
 }
 
-void showText(TextEditor &editor, const QString &text)
-{
-    auto document = std::make_unique<QTextDocument>();
-    document->setPlainText(text);
-    QCOMPARE(editor.showDocument(std::move(document)), TextEditor::ShowResult::Shown);
-}
-
 } // namespace
 
 class TestDocumentWindow : public QObject
@@ -57,13 +47,7 @@ private:
     std::unique_ptr<DocumentWindow> m_window;
     std::unique_ptr<CharacterStyles> m_styles;
 
-    void select(int from, int to)
-    {
-        QTextCursor cursor = m_window->editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        m_window->editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(m_window->editor(), from, to); }
 
 private slots:
 
@@ -143,36 +127,6 @@ private slots:
             cursor.setPosition(position);
             QVERIFY(!cursor.charFormat().hasProperty(property));
         }
-    }
-
-    void theToolbarFollowsTheCaretAndApplies()
-    {
-        TextEditor &editor = m_window->editor();
-        FormatToolbar &toolbar = m_window->formatToolbar();
-        showText(editor, u"plain strong"_s);
-        m_window->show();
-        auto *size = named<QComboBox>(toolbar, u"Font Size"_s);
-        auto *family = named<QComboBox>(toolbar, u"Font"_s);
-        select(6, 12);
-        m_window->commands().action(TextCommand::Bold).trigger();
-        size->setFocus();
-        size->lineEdit()->selectAll();
-        QTest::keyClicks(size, u"13.5"_s);
-        QTest::keyClick(size, Qt::Key_Return);
-        QTRY_VERIFY(editor.hasFocus());
-        family->setEditText(u"DejaVu Serif"_s);
-        emit family->textActivated(u"DejaVu Serif"_s);
-        select(2, 2);
-        QTRY_VERIFY(!m_window->commands().action(TextCommand::Bold).isChecked());
-        QVERIFY(size->currentText() != u"13.5"_s);
-        select(9, 9);
-        QTRY_VERIFY(m_window->commands().action(TextCommand::Bold).isChecked());
-        QCOMPARE(size->currentText(), u"13.5"_s);
-        QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
-        const QTextCharFormat format = editor.textCursor().charFormat();
-        QCOMPARE(format.fontPointSize(), 13.5);
-        QCOMPARE(format.fontFamilies().toStringList(), QStringList {u"DejaVu Serif"_s});
-        QVERIFY(!format.hasProperty(QTextFormat::ForegroundBrush));
     }
 
     void aSizeThatIsNoneIsNotApplied()

@@ -1,17 +1,14 @@
-#include "editor/documentwindow.h"
 #include "editor/findbar.h"
 #include "editor/finding.h"
-#include "editor/textcommands.h"
-#include "editor/texteditor.h"
 #include "editor/visiblemarks.h"
 #include "richtext/textproperties.h"
+#include "support/writtentext.h"
 
 #include <QCheckBox>
 #include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 #include <QTextTable>
 #include <QToolButton>
 
@@ -37,28 +34,11 @@ struct Window
               TextCommand::FindPrevious, TextCommand::FindSelection}) {
             window.addAction(&window.commands().action(command));
         }
-        window.commands().setGate([this] { return !window.showsLockedAppearance(); });
+        bringUp(window);
         window.commands().validate();
-        window.show();
-        window.activateWindow();
-        if (!QTest::qWaitForWindowActive(&window)) {
-            qFatal("the window does not come up");
-        }
     }
 
-    void show(const QString &text)
-    {
-        auto document = std::make_unique<QTextDocument>();
-        document->setPlainText(text);
-        show(std::move(document));
-    }
-
-    void show(std::unique_ptr<QTextDocument> document)
-    {
-        if (editor().showDocument(std::move(document)) != TextEditor::ShowResult::Shown) {
-            qFatal("the text does not fit");
-        }
-    }
+    template <typename Text> void show(Text text) { showText(editor(), std::move(text)); }
 
     TextEditor &editor() { return window.editor(); }
 
@@ -100,13 +80,7 @@ struct Window
 
     void run(const QKeySequence &keys) { QTest::keySequence(window.focusWidget(), keys); }
 
-    void select(int from, int to)
-    {
-        QTextCursor cursor = editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(editor(), from, to); }
 
     QString selected() { return editor().textCursor().selectedText(); }
 

@@ -1,8 +1,6 @@
 #include "editor/characterstyles.h"
-#include "editor/documentwindow.h"
 #include "editor/formattoolbar.h"
-#include "editor/textcommands.h"
-#include "editor/texteditor.h"
+#include "support/writtentext.h"
 
 #include <QAbstractItemView>
 #include <QAction>
@@ -10,8 +8,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
-#include <QTest>
-#include <QTextDocument>
 #include <QToolButton>
 #include <QToolTip>
 #include <QWheelEvent>
@@ -58,13 +54,7 @@ private:
         }
     }
 
-    void select(int from, int to)
-    {
-        QTextCursor cursor = editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(editor(), from, to); }
 
     bool isInBar(const QWidget *widget)
     {
@@ -129,9 +119,7 @@ private slots:
         }
         m_window->commands().setGate([this] { return !m_window->showsLockedAppearance(); });
         m_window->commands().validate();
-        auto document = std::make_unique<QTextDocument>();
-        document->setPlainText(u"some text to style"_s);
-        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+        showText(editor(), u"some text to style"_s);
         m_window->show();
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
@@ -259,7 +247,7 @@ private slots:
         }
     }
 
-    void aSelectionOfSeveralFontsLeavesTheFieldsEmpty()
+    void theFieldsFollowTheSelectionAndAreEmptyForSeveralFonts()
     {
         auto *size = tool<QComboBox>(u"Font Size"_s);
         auto *family = tool<QComboBox>(u"Font"_s);
@@ -270,9 +258,14 @@ private slots:
         editor().applyCharFormat(look);
         QTRY_COMPARE(size->currentText(), u"30"_s);
         QCOMPARE(family->currentText(), u"DejaVu Serif"_s);
+        QVERIFY(!editor().textCursor().charFormat().hasProperty(QTextFormat::ForegroundBrush));
+        const QAction &bold = m_window->commands().action(TextCommand::Bold);
+        m_window->commands().action(TextCommand::Bold).trigger();
+        QVERIFY(bold.isChecked());
         select(2, 8);
         QTRY_COMPARE(size->currentText(), QString());
         QCOMPARE(family->currentText(), QString());
+        QVERIFY(!bold.isChecked());
     }
 
     void aSizeIsTypedAsPeopleWriteIt_data()

@@ -1,24 +1,16 @@
-#include "editor/documentwindow.h"
 #include "editor/linkediting.h"
 #include "editor/linkfollowing.h"
 #include "editor/linksheet.h"
-#include "editor/textcommands.h"
 #include "editor/textcontextmenu.h"
-#include "editor/texteditor.h"
 #include "editor/textlinks.h"
-#include "richtext/body.h"
+#include "richtext/textproperties.h"
 #include "support/describedtext.h"
-#include "support/manualqueue.h"
 #include "support/recordingworkspace.h"
-#include "support/scriptedwindow.h"
+#include "support/writtentext.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <QMimeData>
-#include <QPushButton>
-#include <QTest>
 #include <QToolTip>
 
 using namespace Qt::StringLiterals;
@@ -75,16 +67,10 @@ private:
             }
             cursor.insertText(piece.sliced(end + 1), QTextCharFormat());
         }
-        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+        showText(editor(), std::move(document));
     }
 
-    void select(int from, int to)
-    {
-        QTextCursor cursor = editor().textCursor();
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor().setTextCursor(cursor);
-    }
+    void select(int from, int to) { selectText(editor(), from, to); }
 
     QAction &action(TextCommand command)
     {
@@ -179,13 +165,26 @@ private slots:
         confirm(*sheet);
         QCOMPARE(marked(content()), expected);
         QCOMPARE(editor().undoNames().undoName(), name);
-        QTextDocument read;
-        read.setDefaultFont(content().defaultFont());
-        readBody(bodyFromDocument(content()), read);
-        QCOMPARE(DescribedText::of(read), DescribedText::of(content()));
+        QCOMPARE(DescribedText::of(*savedAndRead(content())), DescribedText::of(content()));
         editor().undo();
         QCOMPARE(marked(content()), text);
         QVERIFY(!content().isUndoAvailable());
+    }
+
+    void aLinkBehindAnAttachmentIsNoneItself()
+    {
+        show(u""_s);
+        QTextCharFormat attachment;
+        attachment.setProperty(AttachmentName, u"a.pdf"_s);
+        attachment.setProperty(AttachmentId, 1);
+        QTextCursor(&content()).insertText(QString(QChar::ObjectReplacementCharacter), attachment);
+        select(1, 1);
+        LinkSheet *sheet = askForLink();
+        sheet->findChildren<QLineEdit *>().at(0)->setText(u"http://a.b"_s);
+        confirm(*sheet);
+        QCOMPARE(marked(content()), u"\ufffc[http://a.b>http://a.b]"_s);
+        select(2, 2);
+        QVERIFY(!editor().currentCharFormat().hasProperty(AttachmentName));
     }
 
     void withoutAnAddressNothingIsConfirmed()
@@ -210,18 +209,6 @@ private slots:
         action(TextCommand::RemoveLink).trigger();
         QCOMPARE(DescribedText::of(content()), u"a l[weight=700]in[]k c"_s);
         QCOMPARE(editor().undoNames().undoName(), u"Remove Link"_s);
-    }
-
-    void whatIsWrittenAtTheEdgesOfALinkIsNoPartOfIt()
-    {
-        show(u"[link>http://a.b]"_s);
-        select(4, 4);
-        QTest::keyClicks(&editor(), u"!"_s);
-        select(2, 2);
-        QTest::keyClicks(&editor(), u"x"_s);
-        QTest::keyClick(&editor(), Qt::Key_Home);
-        QTest::keyClicks(&editor(), u"-"_s);
-        QCOMPARE(marked(content()), u"-[lixnk>http://a.b]!"_s);
     }
 
     void addressesBecomeLinksAsTheyAreWritten_data()

@@ -3,54 +3,24 @@
 #include "editor/listmarkpainter.h"
 #include "editor/paragraphbreaks.h"
 #include "editor/paragraphstyles.h"
-#include "editor/textcommands.h"
-#include "support/manualqueue.h"
-#include "support/scriptedwindow.h"
 #include "support/writtentext.h"
 
-#include <QAction>
 #include <QMenu>
 #include <QScrollBar>
-
-#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
 
 namespace {
 
-struct Page
+struct Page : WrittenPage
 {
     explicit Page(const QString &text = {})
-    {
-        editor.resize(500, 400);
-        editor.show();
-        editor.setTypingFont(NSFont {u"DejaVu Sans"_s, 12});
-        if (!text.isEmpty()) {
-            editor.insertText(text);
-        }
-    }
-
-    void run(TextCommand command)
-    {
-        commands.validate();
-        commands.action(command).trigger();
-    }
-
-    void select(int from, int to)
-    {
-        QTextCursor cursor(editor.document());
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor.setTextCursor(cursor);
-    }
+        : WrittenPage(text)
+    { }
 
     QStringList outline() const { return outlineOf(*editor.content()); }
 
-    TextEditor editor;
-    TextCommands commands;
-    ManualQueue queue;
-    ScriptedWindow window {queue};
     ParagraphStyles paragraphs {editor, commands, window};
     ParagraphBreaks breaks {editor, commands};
     ListEditing lists {editor, commands};

@@ -3,13 +3,9 @@
 #include "editor/paragraphbreaks.h"
 #include "editor/paragraphsheet.h"
 #include "editor/paragraphstyles.h"
-#include "editor/textcommands.h"
 #include "support/describedtext.h"
-#include "support/manualqueue.h"
-#include "support/scriptedwindow.h"
 #include "support/writtentext.h"
 
-#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 
@@ -17,34 +13,14 @@ using namespace quorvane;
 
 namespace {
 
-struct Page
+struct Page : WrittenPage
 {
-    explicit Page(const QString &text)
-    {
-        editor.resize(500, 400);
-        editor.show();
-        editor.setTypingFont(NSFont {u"DejaVu Sans"_s, 12});
-        editor.insertText(text);
-    }
-
-    void run(TextCommand command)
-    {
-        commands.validate();
-        commands.action(command).trigger();
-    }
+    using WrittenPage::WrittenPage;
 
     bool isOn(TextCommand command)
     {
         commands.validate();
         return commands.action(command).isChecked();
-    }
-
-    void select(int from, int to)
-    {
-        QTextCursor cursor(editor.document());
-        cursor.setPosition(from);
-        cursor.setPosition(to, QTextCursor::KeepAnchor);
-        editor.setTextCursor(cursor);
     }
 
     /// The looks of the paragraphs.
@@ -64,10 +40,6 @@ struct Page
         return looks;
     }
 
-    TextEditor editor;
-    TextCommands commands;
-    ManualQueue queue;
-    ScriptedWindow window {queue};
     ParagraphStyles paragraphs {editor, commands, window};
     Headings headings {editor, commands};
     ParagraphBreaks breaks {editor, commands};

@@ -1,19 +1,8 @@
-#include "editor/documentwindow.h"
-#include "editor/tableediting.h"
 #include "editor/tablesheet.h"
-#include "editor/textcommands.h"
-#include "editor/textcontextmenu.h"
-#include "editor/texteditor.h"
-#include "richtext/body.h"
-#include "support/describedtext.h"
-#include "support/manualqueue.h"
-#include "support/scriptedwindow.h"
+#include "editor/tabletest.h"
 
-#include <QAction>
 #include <QCheckBox>
-#include <QPushButton>
 #include <QSpinBox>
-#include <QTest>
 #include <QTextLayout>
 #include <QTextTable>
 
@@ -21,14 +10,6 @@ using namespace Qt::StringLiterals;
 using namespace quorvane;
 
 namespace {
-
-QString savedAndReadAgain(const QTextDocument &document)
-{
-    QTextDocument read;
-    read.setDefaultFont(document.defaultFont());
-    readBody(bodyFromDocument(document), read);
-    return DescribedText::of(read);
-}
 
 /// The words of a table by row: "a b*2 | c", where a cell that covers more tells how many rows and
 /// columns in "name*columns/rows".
@@ -56,43 +37,16 @@ QString wordsOf(const QTextTable &table)
 
 } // namespace
 
-class TestTableEditing : public QObject
+class TestTableEditing : public TableTest
 {
     Q_OBJECT
 
 private:
-    ManualQueue m_queue;
-    std::unique_ptr<ScriptedWindow> m_sheets;
-    std::unique_ptr<DocumentWindow> m_window;
-    std::unique_ptr<TextContextMenu> m_menu;
-    std::unique_ptr<TableEditing> m_tables;
-
-    TextEditor &editor() { return m_window->editor(); }
-
-    QTextDocument &content() { return *editor().content(); }
-
-    QTextTable &table()
-    {
-        return *qobject_cast<QTextTable *>(content().rootFrame()->childFrames().at(0));
-    }
-
-    void show(const QString &text)
-    {
-        auto document = std::make_unique<QTextDocument>();
-        document->setPlainText(text);
-        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
-    }
-
-    void run(TextCommand command)
-    {
-        m_window->commands().validate();
-        m_window->commands().action(command).trigger();
-    }
+    void show(const QString &text) { showText(editor(), text); }
 
     void insertTable(int rows, int columns, bool hasHeader = false)
     {
         run(TextCommand::InsertTable);
-        m_queue.runAll();
         auto *sheet = m_window->findChild<TableSheet *>();
         QVERIFY(sheet && sheet->isVisible());
         const auto counters = sheet->findChildren<QSpinBox *>();
@@ -123,9 +77,7 @@ private:
                 }
             }
         }
-        auto read = std::make_unique<QTextDocument>();
-        readBody(bodyFromDocument(content()), *read);
-        QCOMPARE(editor().showDocument(std::move(read)), TextEditor::ShowResult::Shown);
+        showText(editor(), savedAndRead(content()));
     }
 
     void select(const TableArea &area)
@@ -149,12 +101,7 @@ private slots:
 
     void init()
     {
-        m_tables.reset();
-        m_sheets = std::make_unique<ScriptedWindow>(m_queue);
-        m_window = std::make_unique<DocumentWindow>();
-        m_menu = std::make_unique<TextContextMenu>(editor(), m_window->commands());
-        m_tables =
-            std::make_unique<TableEditing>(editor(), m_window->commands(), *m_menu, *m_sheets);
+        makeWindow();
         m_window->show();
     }
 
@@ -192,7 +139,7 @@ private slots:
             }
         }
         QCOMPARE(parts.join(u'|'), around);
-        QCOMPARE(savedAndReadAgain(content()), DescribedText::of(content()));
+        QCOMPARE(savedAndReadAgain(), DescribedText::of(content()));
         QTest::keyClicks(&editor(), u"bold"_s);
         QVERIFY(editor().textCursor().charFormat().fontWeight() > QFont::Normal);
         while (content().isUndoAvailable()) {
@@ -286,8 +233,7 @@ private slots:
         select({0, 0});
         run(TextCommand::InsertColumnLeft);
         insertTable(1, 1);
-        QCOMPARE(savedAndReadAgain(content()).split(u'('),
-                 DescribedText::of(content()).split(u'('));
+        QCOMPARE(savedAndReadAgain().split(u'('), DescribedText::of(content()).split(u'('));
     }
 
     void everyLineOfALongTextIsSeenBehindATable()
@@ -400,7 +346,7 @@ void TestTableEditing::commandsChangeTheTableInOneStep()
             QVERIFY(format.leftPadding() > 0);
         }
     }
-    QCOMPARE(savedAndReadAgain(content()), after);
+    QCOMPARE(savedAndReadAgain(), after);
     editor().undo();
     QVERIFY(!content().isUndoAvailable());
     QCOMPARE(DescribedText::of(content()), before);

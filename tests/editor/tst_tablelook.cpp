@@ -1,59 +1,32 @@
 #include "editor/columnresizing.h"
-#include "editor/documentwindow.h"
-#include "editor/tableediting.h"
 #include "editor/tablegeometry.h"
 #include "editor/tablelook.h"
 #include "editor/tablemarks.h"
 #include "editor/tablepropertiessheet.h"
+#include "editor/tabletest.h"
 #include "editor/tablewidths.h"
-#include "editor/textcommands.h"
-#include "editor/textcontextmenu.h"
-#include "editor/texteditor.h"
-#include "richtext/body.h"
-#include "support/describedtext.h"
-#include "support/manualqueue.h"
-#include "support/scriptedwindow.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QTest>
-#include <QTextTable>
 
 #include <cmath>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
 
-class TestTableLook : public QObject
+class TestTableLook : public TableTest
 {
     Q_OBJECT
 
 private:
-    ManualQueue m_queue;
-    std::unique_ptr<ScriptedWindow> m_sheets;
-    std::unique_ptr<DocumentWindow> m_window;
-    std::unique_ptr<TextContextMenu> m_menu;
-    std::unique_ptr<TableEditing> m_tables;
     std::unique_ptr<TableMarks> m_marks;
     std::unique_ptr<ColumnResizing> m_columns;
 
-    TextEditor &editor() { return m_window->editor(); }
-
-    QTextDocument &content() { return *editor().content(); }
-
-    QTextTable &table()
-    {
-        return *qobject_cast<QTextTable *>(content().rootFrame()->childFrames().at(0));
-    }
-
     TablePropertiesSheet *askForProperties()
     {
-        m_window->commands().validate();
-        m_window->commands().action(TextCommand::TableProperties).trigger();
-        m_queue.runAll();
+        run(TextCommand::TableProperties);
         return m_window->findChild<TablePropertiesSheet *>();
     }
 
@@ -85,33 +58,20 @@ private:
         QTest::mouseRelease(view, Qt::LeftButton, {}, place.toPoint());
     }
 
-    QString savedAndReadAgain()
-    {
-        QTextDocument read;
-        read.setDefaultFont(content().defaultFont());
-        readBody(bodyFromDocument(content()), read);
-        return DescribedText::of(read);
-    }
-
 private slots:
 
     void init()
     {
         m_columns.reset();
         m_marks.reset();
-        m_tables.reset();
-        m_sheets = std::make_unique<ScriptedWindow>(m_queue);
-        m_window = std::make_unique<DocumentWindow>();
-        m_menu = std::make_unique<TextContextMenu>(editor(), m_window->commands());
-        m_tables =
-            std::make_unique<TableEditing>(editor(), m_window->commands(), *m_menu, *m_sheets);
+        makeWindow();
         m_marks = std::make_unique<TableMarks>(editor());
         m_columns = std::make_unique<ColumnResizing>(editor());
         auto document = std::make_unique<QTextDocument>();
         QTextCursor cursor(document.get());
         cursor.insertText(u"before"_s);
         insertTable(cursor, 2, 4, false);
-        QCOMPARE(editor().showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+        showText(editor(), std::move(document));
         editor().setTextCursor(table().cellAt(0, 1).firstCursorPosition());
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));

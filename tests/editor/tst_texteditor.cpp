@@ -1,4 +1,3 @@
-#include "editor/heightestimate.h"
 #include "editor/texteditor.h"
 
 #include <QApplication>
@@ -11,6 +10,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
+#include <QTextTable>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -296,6 +296,50 @@ private slots:
         m_editor->undo();
         QTRY_COMPARE(m_editor->lineWrapMode(), QTextEdit::WidgetWidth);
         QTRY_COMPARE_WITH_TIMEOUT(blocksWithoutLines(*m_editor->content()), 0, 20000);
+    }
+
+    void whatIsInViewIsKnownBeforeTheLayoutIsDone_data()
+    {
+        QTest::addColumn<QRect>("view");
+        QTest::newRow("above the first line") << QRect(0, 0, 300, 5);
+        QTest::newRow("between two paragraphs") << QRect(0, 40, 300, 5);
+        QTest::newRow("all of it") << QRect(0, 0, 600, 200);
+    }
+
+    void whatIsInViewIsKnownBeforeTheLayoutIsDone()
+    {
+        QFETCH(QRect, view);
+        auto text = documentOf(u"short"_s, 30000);
+        QTextBlockFormat apart;
+        apart.setTopMargin(20);
+        QTextCursor cursor(text.get());
+        cursor.select(QTextCursor::Document);
+        cursor.mergeBlockFormat(apart);
+        QCOMPARE(m_editor->showDocument(std::move(text)), TextEditor::ShowResult::Shown);
+        m_editor->resize(600, 200);
+        m_editor->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_editor.get()));
+        const int unknown = blocksWithoutLines(*m_editor->content());
+        QVERIFY2(unknown > 0, "the layout was finished too early to test anything");
+        const TextSpan span = m_editor->spanIn(view);
+        QVERIFY(span.from <= view.bottom() && span.end() <= 10 * int(u"short "_s.size()));
+        QCOMPARE(blocksWithoutLines(*m_editor->content()), unknown);
+    }
+
+    void rowsOfATableAreInViewAsAWhole()
+    {
+        auto text = std::make_unique<QTextDocument>();
+        QTextCursor cursor(text.get());
+        QTextTable *table = cursor.insertTable(1, 3);
+        table->cellAt(0, 1).firstCursorPosition().insertText(u"\n"_s.repeated(40));
+        QCOMPARE(m_editor->showDocument(std::move(text)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        m_editor->resize(600, 200);
+        table = qobject_cast<QTextTable *>(m_editor->content()->rootFrame()->childFrames().first());
+        m_editor->verticalScrollBar()->setValue(200); // only the middle cell's text is in view
+        const TextSpan span = m_editor->spanIn(m_editor->viewport()->rect());
+        QCOMPARE(span.from, table->cellAt(0, 0).firstPosition());
+        QCOMPARE(span.end(), table->cellAt(0, 2).lastPosition());
     }
 
     void aWindowTooNarrowForTheTextScrollsSideways()

@@ -4,6 +4,8 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -17,6 +19,7 @@ private Q_SLOTS:
     void everyStepHasItsName();
     void namesFollowUndoAndRedo();
     void longTypingGoesInParts();
+    void anInputMethodTypesLikeKeys();
 
 private:
     /// Takes everything back; the names of the steps, and the text after each.
@@ -106,6 +109,33 @@ void TestUndoSteps::longTypingGoesInParts()
     QVERIFY2(steps.size() > 2 && steps.size() < 8, qPrintable(QString::number(steps.size())));
     for (const QString &step : steps) { // never in the middle of a word
         QVERIFY2(step.endsWith(u' '), qPrintable(step));
+    }
+}
+
+void TestUndoSteps::anInputMethodTypesLikeKeys()
+{
+    TextEditor &editor = *m_editor;
+    const auto compose = [&editor](const QString &shown, const QString &committed) {
+        QInputMethodEvent showing(shown, {});
+        QCoreApplication::sendEvent(&editor, &showing);
+        QInputMethodEvent commit;
+        commit.setCommitString(committed);
+        QCoreApplication::sendEvent(&editor, &commit);
+    };
+    QTest::keyClicks(&editor, u"caf"_s);
+    compose(u"´"_s, u"é"_s);
+    QTest::keyClicks(&editor, u"s"_s);
+    QCOMPARE(taken(), QStringList(u"Typing: "_s));
+    const QString word = u"日本語"_s;
+    for (int i = 0; i < 60; ++i) {
+        compose(u"にほんご"_s, word);
+    }
+    QCOMPARE(editor.toPlainText(), word.repeated(60));
+    QVERIFY(editor.textCursor().block().layout()->preeditAreaText().isEmpty());
+    const QStringList steps = taken();
+    QVERIFY2(steps.size() > 1 && steps.size() < 5, qPrintable(QString::number(steps.size())));
+    for (const QString &step : steps) { // never in the middle of a word
+        QCOMPARE((step.size() - "Typing: "_L1.size()) % word.size(), 0);
     }
 }
 

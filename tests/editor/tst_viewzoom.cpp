@@ -6,6 +6,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QAction>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -146,13 +147,20 @@ void TestViewZoom::commandsAndWheelGoThroughTheSteps()
 // About 7.5 million pixels: just below what is laid out in one piece, and twice that is paginated.
 void TestViewZoom::aTallTextIsShownNoLargerThanItCanBe()
 {
-    auto document = std::make_unique<QTextDocument>();
-    document->setUndoRedoEnabled(false);
-    QFont font = manyThings()->defaultFont();
-    font.setPointSizeF(400);
-    document->setDefaultFont(font);
-    QTextCursor(document.get()).insertText(QString(12'000, u'\n'));
-    QCOMPARE(m_editor->showDocument(std::move(document)), TextEditor::ShowResult::Shown);
+    const auto tallText = [] {
+        auto document = std::make_unique<QTextDocument>();
+        document->setUndoRedoEnabled(false);
+        QFont font = manyThings()->defaultFont();
+        font.setPointSizeF(400);
+        document->setDefaultFont(font);
+        QTextCursor(document.get()).insertText(QString(12'000, u'\n'));
+        return document;
+    };
+    QVERIFY(m_editor->setZoom(5));
+    const QSignalSpy zoomed(m_editor.get(), &TextEditor::zoomChanged);
+    QCOMPARE(m_editor->showDocument(tallText()), TextEditor::ShowResult::Shown);
+    QCOMPARE(m_editor->zoom(), 1.0);
+    QCOMPARE(zoomed.count(), 1);
     QVERIFY(m_editor->setZoom(2));
     QVERIFY(!m_editor->setZoom(5));
     QCOMPARE(m_editor->zoom(), 2.0);

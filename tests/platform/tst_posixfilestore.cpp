@@ -1,4 +1,5 @@
 #include "platform/posixfilestore.h"
+#include "support/filestat.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,18 +41,6 @@ void put(const QString &path, const QByteArray &content, mode_t mode = 0600)
 void link(const QString &target, const QString &path)
 {
     QCOMPARE(::symlink(target.toUtf8().constData(), path.toUtf8().constData()), 0);
-}
-
-struct stat statOf(const QString &path)
-{
-    struct stat result = {};
-    ::lstat(path.toUtf8().constData(), &result);
-    return result;
-}
-
-mode_t modeOf(const QString &path)
-{
-    return statOf(path).st_mode & 07777;
 }
 
 QStringList namesIn(const QString &folder)

@@ -1,5 +1,6 @@
 #include "platform/posixfilestore.h"
 #include "platform/recoveryfolder.h"
+#include "support/filestat.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -10,22 +11,11 @@
 #include <array>
 
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace quorvane;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-mode_t modeOf(const QString &path)
-{
-    struct stat found = {};
-    return ::lstat(path.toUtf8().constData(), &found) == 0 ? found.st_mode & 07777 : 0;
-}
-
-} // namespace
 
 class TestRecoveryFolder : public QObject
 {

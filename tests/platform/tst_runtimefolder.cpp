@@ -1,5 +1,6 @@
 #include "platform/runtimefolder.h"
 #include "platform/safefilename.h"
+#include "support/filestat.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +9,6 @@
 #include <QTest>
 
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,12 +16,6 @@ using namespace quorvane;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-mode_t modeOf(const QString &path)
-{
-    struct stat found = {};
-    return ::lstat(path.toUtf8().constData(), &found) == 0 ? found.st_mode & 07777 : 0;
-}
 
 QStringList entriesOf(const QString &path)
 {

@@ -153,6 +153,7 @@ void QtAdaptersTest::aLinkedFileIsOpenedUnlessItCouldRun_data()
     QTest::newRow("a text") << u"a.txt"_s << false << true;
     QTest::newRow("a program") << u"a.txt"_s << true << false;
     QTest::newRow("a starter of the desktop") << u"a.Desktop"_s << false << false;
+    QTest::newRow("a script") << u"a.sh"_s << false << false;
     QTest::newRow("none") << u""_s << false << false;
 }
 

@@ -8,8 +8,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <memory>
-
 using namespace quorvane;
 using namespace Qt::StringLiterals;
 

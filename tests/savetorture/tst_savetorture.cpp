@@ -8,7 +8,6 @@
 #include <QTest>
 
 #include <cerrno>
-#include <memory>
 
 #include <sys/stat.h>
 #include <sys/syscall.h>

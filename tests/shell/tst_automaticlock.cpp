@@ -70,7 +70,7 @@ private Q_SLOTS:
     void goingAwayAgainStartsTheDelayAnew();
     void thereIsOneLockASpellInTheBackground();
     void eachDocumentDecidesForItself();
-    void anOpenSheetIsEndedAndTheLockComesAfter();
+    void sheetsAreEndedAndTheLockComesAfter();
     void aLockedScreenSavesAndLocksWhereItIsWanted_data();
     void aLockedScreenSavesAndLocksWhereItIsWanted();
     void aMomentThatIsToldTwiceLocksOnce();
@@ -201,24 +201,29 @@ void TestAutomaticLock::eachDocumentDecidesForItself()
     QCOMPARE(shell.outlets[3]->window.frames.size(), sizes);
 }
 
-void TestAutomaticLock::anOpenSheetIsEndedAndTheLockComesAfter()
+void TestAutomaticLock::sheetsAreEndedAndTheLockComesAfter()
 {
     Shell shell;
     MyDocument &document = shell.openDocument(u"/documents/a.quorvane"_s);
     ScriptedWindow &window = shell.outlets.last()->window;
-    ScriptedSheet sheet;
-    std::optional<int> code;
-    bool wasEncrypted = true;
-    window.beginSheet(sheet, [&](int ended) {
-        code = ended;
-        wasEncrypted = document.isEncrypted();
+    ScriptedSheet sheets[3];
+    QList<int> codes;
+    const auto ended = [&](int code) {
+        QVERIFY(!document.isEncrypted());
+        codes.append(code);
+    };
+    window.beginSheet(sheets[0], [&](int code) {
+        ended(code);
+        window.beginSheet(sheets[2], ended);
     });
+    window.beginSheet(sheets[1], ended);
     shell.world.queue.runAll();
-    QCOMPARE(window.attachedSheet(), &sheet);
+    QCOMPARE(window.attachedSheet(), &sheets[0]);
     document.lockAutomatically();
     shell.world.queue.runAll();
-    QCOMPARE(code, std::optional(modalResponseStop));
-    QVERIFY(!wasEncrypted && document.isEncrypted());
+    QCOMPARE(codes, QList<int>(3, modalResponseStop));
+    QVERIFY(document.isEncrypted());
+    QCOMPARE(sheets[1].begun, 0);
     QVERIFY(!window.attachedSheet());
 }
 

@@ -5,7 +5,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDoubleSpinBox>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QToolBar>

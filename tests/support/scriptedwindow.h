@@ -98,6 +98,8 @@ public:
         m_sheets.end(sheet, returnCode);
     }
 
+    void endSheets() override { m_sheets.endAll(modalResponseStop); }
+
     void beginAlert(const NSAlert &alert, AlertCompletion completion) override
     {
         calls.append(QStringLiteral("beginAlert"));

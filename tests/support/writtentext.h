@@ -1,9 +1,14 @@
 #pragma once
 
+#include "editor/documentwindow.h"
+#include "editor/textcommands.h"
 #include "editor/texteditor.h"
 #include "richtext/body.h"
 #include "richtext/listmarks.h"
+#include "support/manualqueue.h"
+#include "support/scriptedwindow.h"
 
+#include <QAction>
 #include <QStringList>
 #include <QTest>
 #include <QTextBlock>
@@ -11,6 +16,8 @@
 #include <QTextList>
 
 namespace quorvane {
+
+using namespace Qt::StringLiterals;
 
 /// The paragraphs with the marks of their lists, four spaces in for each level.
 inline QStringList outlineOf(const QTextDocument &document)
@@ -30,9 +37,70 @@ inline QStringList outlineOf(const QTextDocument &document)
 inline std::unique_ptr<QTextDocument> savedAndRead(const QTextDocument &document)
 {
     auto read = std::make_unique<QTextDocument>();
+    read->setDefaultFont(document.defaultFont());
     readBody(bodyFromDocument(document), *read);
     return read;
 }
+
+inline void showText(TextEditor &editor, std::unique_ptr<QTextDocument> document)
+{
+    if (editor.showDocument(std::move(document)) != TextEditor::ShowResult::Shown) {
+        qFatal("the text does not fit");
+    }
+}
+
+inline void showText(TextEditor &editor, const QString &text)
+{
+    auto document = std::make_unique<QTextDocument>();
+    document->setPlainText(text);
+    showText(editor, std::move(document));
+}
+
+inline void selectText(TextEditor &editor, int from, int to)
+{
+    QTextCursor cursor = editor.textCursor();
+    cursor.setPosition(from);
+    cursor.setPosition(to, QTextCursor::KeepAnchor);
+    editor.setTextCursor(cursor);
+}
+
+/// Shows the window, whose commands run while it is not locked, and gives it the keyboard.
+inline void bringUp(DocumentWindow &window)
+{
+    window.commands().setGate([&window] { return !window.showsLockedAppearance(); });
+    window.show();
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window)) {
+        qFatal("the window does not come up");
+    }
+}
+
+/// An editor by itself, with what a tool for paragraphs needs.
+struct WrittenPage
+{
+    explicit WrittenPage(const QString &text)
+    {
+        editor.resize(500, 400);
+        editor.show();
+        editor.setTypingFont(NSFont {u"DejaVu Sans"_s, 12});
+        if (!text.isEmpty()) {
+            editor.insertText(text);
+        }
+    }
+
+    void run(TextCommand command)
+    {
+        commands.validate();
+        commands.action(command).trigger();
+    }
+
+    void select(int from, int to) { selectText(editor, from, to); }
+
+    TextEditor editor;
+    TextCommands commands;
+    ManualQueue queue;
+    ScriptedWindow window {queue};
+};
 
 /// Types, with '\b' for Backspace, '\v' for Shift+Tab, '<' and '>' for Home and End, '^' for Up and
 /// '~' for undo.

@@ -39,6 +39,11 @@ def restart(tour, *files):
     tour.start(*files)
 
 
+def leave_panel(tour):
+    tour.screen.keys("Escape")
+    tour.screen.gone("text", Names.file_name)
+
+
 @station("damaged-settings")
 def damaged_settings_are_kept_aside(tour):
     content = settings(tour).read_text() + "this is no line of settings\n"
@@ -108,8 +113,7 @@ def a_start_asks_which_document(tour):
 
 @station("starts-with-the-panel-if-nothing-is-open")
 def a_start_asks_when_no_document_came(tour):
-    tour.screen.keys("Escape")
-    tour.screen.gone("text", Names.file_name)
+    leave_panel(tour)
     choose_startup(tour, 1)
     restart(tour)
     tour.screen.find("text", Names.file_name)
@@ -117,8 +121,7 @@ def a_start_asks_when_no_document_came(tour):
 
 @station("starts-with-a-new-document")
 def a_start_makes_a_new_document(tour):
-    tour.screen.keys("Escape")
-    tour.screen.gone("text", Names.file_name)
+    leave_panel(tour)
     choose_startup(tour, 0)
     restart(tour)
     tour.screen.find("password text", Names.new_password)

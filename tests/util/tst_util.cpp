@@ -9,8 +9,6 @@
 #include <QTemporaryFile>
 #include <QTest>
 
-#include <functional>
-
 using namespace quorvane;
 using namespace Qt::StringLiterals;
 

@@ -5,8 +5,6 @@
 #include <QMimeData>
 #include <QTextDocument>
 
-#include <functional>
-
 using namespace quorvane;
 using namespace Qt::StringLiterals;
 

@@ -2,51 +2,9 @@
 #include "editor/formattoolbar.h"
 #include "editor/publicnoteview.h"
 #include "richtext/body.h"
-#include "workflow/realprogram.h"
-
-#include <QClipboard>
-#include <QMimeData>
-
-using namespace quorvane;
-using namespace Qt::StringLiterals;
+#include "workflow/openeddocument.h"
 
 namespace {
-
-const QString password = u"correct horse"_s;
-const QString path = u"/documents/letter.quorvane"_s;
-
-/// The program with one document from a file, unlocked.
-struct Opened
-{
-    explicit Opened(const QByteArray &body)
-    {
-        program.documents.newDocument();
-        MyDocument *maker = program.document();
-        maker->setPlainPassword(password);
-        maker->setMyTextViewData(body);
-        maker->setMyPublicTextData(u"a note"_s);
-        program.files.files.insert(path, maker->dataOfType().value_or(QByteArray()));
-        maker->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        program.documents.openDocumentWithContentsOfURL(path);
-        unlock();
-    }
-
-    void unlock()
-    {
-        RealProgram::type(program.window().lockedPage(), u"Master Password"_s, password);
-        QTest::keyClick(passwordField(), Qt::Key_Return);
-    }
-
-    QLineEdit *passwordField() const
-    {
-        return RealProgram::field(program.window().lockedPage(), u"Master Password"_s);
-    }
-
-    MyDocument &document() const { return *program.document(); }
-
-    RealProgram program;
-};
 
 PublicNoteView *noteIn(const QWidget &parent)
 {
@@ -79,7 +37,7 @@ void TestNoteAndEditing::theNoteIsEditedAsItGoes_data()
 void TestNoteAndEditing::theNoteIsEditedAsItGoes()
 {
     QFETCH(bool, byEscape);
-    Opened opened("text");
+    Opened opened;
     opened.document().setReadOnly(); // the note does not look at it
     opened.document().editPublicNote();
     QTRY_VERIFY(RealProgram::dialog());
@@ -87,7 +45,7 @@ void TestNoteAndEditing::theNoteIsEditedAsItGoes()
     QTRY_VERIFY(note->hasFocus());
     note->moveCursor(QTextCursor::End);
     QTest::keyClicks(note, u"!"_s);
-    QCOMPARE(opened.document().myPublicTextData(), std::optional(u"a note!"_s));
+    QCOMPARE(opened.document().myPublicTextData(), std::optional(u"ring the bell twice!"_s));
     QVERIFY(opened.program.window().isWindowModified());
     QTest::keyClick(note, Qt::Key_Backspace); // back to what it was is an edit as well
     QVERIFY(opened.program.window().isWindowModified());
@@ -100,12 +58,12 @@ void TestNoteAndEditing::theNoteIsEditedAsItGoes()
     QTRY_VERIFY(!RealProgram::dialog());
     opened.document().saveDocument();
     const auto file = DocumentFile::fromData(opened.program.files.files.value(path));
-    QCOMPARE(file->publicTextData, std::optional(u"a note\n"_s));
+    QCOMPARE(file->publicTextData, std::optional(u"ring the bell twice\n"_s));
 }
 
 void TestNoteAndEditing::aLookAtTheNoteIsNoEdit()
 {
-    Opened opened("text");
+    Opened opened;
     opened.document().editPublicNote();
     QTRY_VERIFY(RealProgram::dialog());
     PublicNoteView *note = noteIn(*RealProgram::dialog());
@@ -120,7 +78,7 @@ void TestNoteAndEditing::aLookAtTheNoteIsNoEdit()
 
 void TestNoteAndEditing::theLockedPageShowsTheNoteForReading()
 {
-    Opened opened("text");
+    Opened opened;
     opened.document().setMyPublicTextData(u"ring twice"_s);
     opened.document().doLockDocument();
     PublicNoteView *note = noteIn(opened.program.window().lockedPage());
@@ -135,7 +93,7 @@ void TestNoteAndEditing::theLockedPageShowsTheNoteForReading()
 
 void TestNoteAndEditing::theSwitchClosesAllWaysIntoTheText()
 {
-    Opened opened("text");
+    Opened opened;
     TextEditor &editor = opened.program.editor();
     opened.document().switchReadAndWrite();
     QVERIFY(!opened.program.window().commands().action(TextCommand::Bold).isEnabled());
@@ -187,7 +145,7 @@ void TestNoteAndEditing::theConvertedTextIsTheOneThatIsSaved()
 
 void TestNoteAndEditing::aWrongPasswordStaysSelectedForTheNextTry()
 {
-    Opened opened("text");
+    Opened opened;
     opened.document().doLockDocument();
     RealProgram::type(opened.program.window().lockedPage(), u"Master Password"_s, u"wrong"_s);
     QTest::keyClick(opened.passwordField(), Qt::Key_Return);

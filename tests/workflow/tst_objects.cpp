@@ -1,175 +1,10 @@
 #include "editor/draggedattachment.h"
-#include "editor/placedattachment.h"
-#include "editor/textcommands.h"
 #include "richtext/attachmentstore.h"
-#include "richtext/body.h"
-#include "richtext/textproperties.h"
-#include "workflow/realprogram.h"
+#include "support/writtentext.h"
+#include "workflow/openeddocument.h"
 
-#include <QBuffer>
 #include <QCheckBox>
-#include <QClipboard>
-#include <QDir>
 #include <QDoubleSpinBox>
-#include <QDropEvent>
-#include <QFile>
-#include <QMimeData>
-#include <QTemporaryDir>
-#include <QTextDocument>
-
-using namespace quorvane;
-using namespace Qt::StringLiterals;
-
-namespace {
-
-const QString password = u"correct horse"_s;
-const QString path = u"/documents/letter.quorvane"_s;
-const QString object(QChar::ObjectReplacementCharacter);
-
-QImage image(const QSize &size)
-{
-    QImage made(size, QImage::Format_RGB32);
-    made.fill(Qt::darkGreen);
-    return made;
-}
-
-QByteArray png(const QSize &size)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    return image(size).save(&buffer, "PNG") ? bytes : QByteArray();
-}
-
-/// The program with one document from a file, unlocked.
-struct Opened
-{
-    explicit Opened(const QByteArray &body = "text", bool isEditable = true)
-    {
-        program.runtimePath = runtime.path();
-        program.files.files.insert(path, program.fileOf(body, password, isEditable));
-        program.documents.openDocumentWithContentsOfURL(path);
-        unlock();
-        editor().moveCursor(QTextCursor::End);
-    }
-
-    void unlock()
-    {
-        RealProgram::type(program.window().lockedPage(), u"Master Password"_s, password);
-        QTest::keyClick(RealProgram::field(program.window().lockedPage(), u"Master Password"_s),
-                        Qt::Key_Return);
-    }
-
-    TextEditor &editor() const { return program.editor(); }
-
-    QAction &action(TextCommand command) const
-    {
-        program.window().commands().validate();
-        return program.window().commands().action(command);
-    }
-
-    /// Presses that button of the question that comes.
-    bool answer(const QString &button)
-    {
-        return QTest::qWaitFor([] { return RealProgram::dialog() != nullptr; })
-            && RealProgram::press(button)
-            && QTest::qWaitFor([] { return RealProgram::dialog() == nullptr; });
-    }
-
-    bool insert(TextCommand command, const QString &name, const QByteArray &bytes)
-    {
-        program.files.files.insert(u"/home/"_s + name, bytes);
-        return choose(command, u"/home/"_s + name);
-    }
-
-    bool choose(TextCommand command, const QString &file)
-    {
-        // A sheet that was answered goes on a later turn.
-        const bool mayRun = QTest::qWaitFor([&] { return action(command).isEnabled(); });
-        action(command).trigger();
-        const bool isChosen =
-            mayRun && QTest::qWaitFor([&] { return program.panels.answerSheet(file); });
-        QCoreApplication::processEvents();
-        return isChosen;
-    }
-
-    void paste(std::unique_ptr<QMimeData> data) const
-    {
-        QGuiApplication::clipboard()->setMimeData(data.release());
-        editor().paste();
-    }
-
-    void drop(const QMimeData &data) const
-    {
-        const QPoint place(30, 30);
-        QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(editor().viewport(), &enter);
-        QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
-        if (enter.isAccepted()) {
-            QCoreApplication::sendEvent(editor().viewport(), &drop);
-        }
-    }
-
-    PlacedAttachment attachment(int position) const
-    {
-        return attachmentAt(*editor().document(), position).value_or(PlacedAttachment());
-    }
-
-    QSize sizeAt(int position) const // in pixels
-    {
-        const QTextCharFormat format = attachment(position).format;
-        return QSize(format.intProperty(AttachmentWidth), format.intProperty(AttachmentHeight))
-            / 15;
-    }
-
-    QString undoName() const { return editor().undoNames().undoName(); }
-
-    void drag(const QPointF &from, const QPointF &to, Qt::KeyboardModifiers modifiers = {},
-              bool isDropped = true) const
-    {
-        QWidget *view = editor().viewport();
-        QTest::mousePress(view, Qt::LeftButton, {}, from.toPoint());
-        QMouseEvent move(QEvent::MouseMove, to, view->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
-                         modifiers);
-        QCoreApplication::sendEvent(view, &move);
-        if (!isDropped) {
-            QTest::keyClick(&editor(), Qt::Key_Escape);
-        }
-        QTest::mouseRelease(view, Qt::LeftButton, modifiers, to.toPoint());
-    }
-
-    QStringList copies() const
-    {
-        QStringList found;
-        for (const QString &folder :
-             QDir(runtime.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            const QDir inner(runtime.filePath(folder));
-            for (const QString &each : inner.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-                found += QDir(inner.filePath(each)).entryList(QDir::Files);
-            }
-        }
-        return found;
-    }
-
-    QTemporaryDir runtime;
-    RealProgram program;
-};
-
-/// What is saved and read again.
-std::unique_ptr<QTextDocument> reopened(const QTextDocument &document)
-{
-    auto again = std::make_unique<QTextDocument>();
-    readBody(bodyFromDocument(document), *again);
-    return again;
-}
-
-std::unique_ptr<QMimeData> imageData(const QSize &size)
-{
-    auto data = std::make_unique<QMimeData>();
-    data->setImageData(image(size));
-    return data;
-}
-
-} // namespace
 
 class TestObjects : public QObject
 {
@@ -184,18 +19,10 @@ private Q_SLOTS:
     void whatCannotBeInsertedIsToldByItsName();
     void aLargeFileIsAskedAboutFirst();
     void droppedFilesStandWhereTheyWereDropped();
-    void aDeletedAttachmentIsNotSavedAndComesBackWhole();
-    void whatIsTypedBehindIsOrdinaryText();
+    void whatIsPutBehindALinkIsNoPartOfIt();
     void aHandleResizesInOneStep_data();
     void aHandleResizesInOneStep();
     void theSizeIsSetByKeysAlone();
-    void savingWarnsAndWritesTheVeryBytes();
-    void openingMakesACopyThatTheLockTakesAway_data();
-    void openingMakesACopyThatTheLockTakesAway();
-    void whatMustNotBeOpenedIsRefused_data();
-    void whatMustNotBeOpenedIsRefused();
-    void aLockIsFasterThanAnAnswer();
-    void commandsAreThereWhereTheyCanRun();
     void aDragMakesItsFileOnlyWhenAsked();
     void aPictureIsNeverWiderThanItsColumn();
 };
@@ -229,7 +56,7 @@ void TestObjects::whatIsPutIntoTheTextIsSavedWithItsNameAndBytes()
     QTEST(opened.undoName(), "undoName");
     QTEST(opened.sizeAt(4), "size");
     QVERIFY(opened.insert(command, name, bytes)); // the second one of its name
-    const auto again = reopened(*opened.editor().content());
+    const auto again = savedAndRead(*opened.editor().content());
     const auto *store = AttachmentStore::find(*again);
     QCOMPARE(attachmentAt(*again, 4)->name(), name);
     QCOMPARE(attachmentAt(*again, 4)->format.intProperty(AttachmentWidth),
@@ -285,7 +112,7 @@ void TestObjects::whatIsPastedBecomesAPictureWhereItIsOne()
     }
     opened.paste(std::move(data));
     QCOMPARE(opened.editor().toPlainText(), text);
-    const auto again = reopened(*opened.editor().content());
+    const auto again = savedAndRead(*opened.editor().content());
     QCOMPARE(again->toPlainText(), text);
     if (!name.isEmpty()) {
         const int at = int(text.indexOf(object));
@@ -353,24 +180,14 @@ void TestObjects::droppedFilesStandWhereTheyWereDropped()
     QCOMPARE(opened.editor().toPlainText().count(object), 1);
 }
 
-void TestObjects::aDeletedAttachmentIsNotSavedAndComesBackWhole()
+void TestObjects::whatIsPutBehindALinkIsNoPartOfIt()
 {
-    Opened opened;
-    QVERIFY(opened.insert(TextCommand::InsertFile, u"b.bin"_s, "its bytes"));
-    QVERIFY(bodyFromDocument(*opened.editor().content()).contains("its bytes"));
-    QTest::keyClick(&opened.editor(), Qt::Key_Backspace);
-    QVERIFY(!bodyFromDocument(*opened.editor().content()).contains("its bytes"));
-    QTest::keyClick(&opened.editor(), Qt::Key_Z, Qt::ControlModifier);
-    QVERIFY(bodyFromDocument(*opened.editor().content()).contains("its bytes"));
-}
-
-void TestObjects::whatIsTypedBehindIsOrdinaryText()
-{
-    Opened opened;
+    Opened opened(R"({\rtf1{\field{\*\fldinst HYPERLINK "http://a.b"}{\fldrslt text}}})");
     QVERIFY(opened.insert(TextCommand::InsertPicture, u"a.png"_s, png({20, 10})));
+    QVERIFY(!opened.attachment(4).format.hasProperty(LinkLook));
     QTest::keyClicks(&opened.editor(), u"ab"_s);
-    QTextCursor cursor = opened.editor().textCursor();
-    QVERIFY(!cursor.charFormat().hasProperty(AttachmentName));
+    const QTextCharFormat typed = opened.editor().textCursor().charFormat();
+    QVERIFY(!typed.hasProperty(AttachmentName) && !typed.isAnchor());
     QCOMPARE(opened.editor().toPlainText(), u"text"_s + object + u"ab"_s);
 }
 
@@ -401,6 +218,7 @@ void TestObjects::aHandleResizesInOneStep()
     QFETCH(QPointF, by);
     QFETCH(bool, withShift);
     QFETCH(bool, isDropped);
+    QFETCH(QSize, size);
     Opened opened;
     QVERIFY(opened.insert(TextCommand::InsertPicture, u"a.png"_s, png({200, 100})));
     const QRectF place = placeOf(opened.editor(), opened.attachment(4));
@@ -412,13 +230,10 @@ void TestObjects::aHandleResizesInOneStep()
         place.topLeft() + QPointF(place.width() * handle.x(), place.height() * handle.y());
     opened.drag(from, from.toPoint() + by, withShift ? Qt::ShiftModifier : Qt::NoModifier,
                 isDropped);
-    const QSize size = opened.sizeAt(4);
-    const QSize wanted = QTest::qData("size", QMetaType::fromType<QSize>().id())
-        ? *static_cast<QSize *>(QTest::qData("size", QMetaType::fromType<QSize>().id()))
-        : QSize();
-    const QSize off = size - wanted;
+    const QSize resized = opened.sizeAt(4);
+    const QSize off = resized - size;
     QVERIFY2(qAbs(off.width()) <= 2 && qAbs(off.height()) <= 2,
-             qPrintable(u"%1 x %2"_s.arg(size.width()).arg(size.height())));
+             qPrintable(u"%1 x %2"_s.arg(resized.width()).arg(resized.height())));
     QVERIFY(selectedAttachment(opened.editor()));
     QCOMPARE(opened.undoName(), isDropped ? u"Resize Picture"_s : u"Insert Picture"_s);
     if (isDropped) {
@@ -431,6 +246,10 @@ void TestObjects::theSizeIsSetByKeysAlone()
 {
     Opened opened;
     QVERIFY(opened.insert(TextCommand::InsertPicture, u"a.png"_s, png({200, 100})));
+    const auto ask = [&] {
+        opened.action(TextCommand::PictureSize).trigger(); // the caret is behind the picture
+        QTRY_VERIFY(RealProgram::dialog());
+    };
     const auto enter = [&](const QString &name, const QString &keys) {
         auto *field = RealProgram::dialog()->findChildren<QDoubleSpinBox *>().value(
             name == "Width"_L1 ? 0 : 1);
@@ -439,173 +258,26 @@ void TestObjects::theSizeIsSetByKeysAlone()
         field->selectAll();
         QTest::keyClicks(field, keys);
     };
-    opened.action(TextCommand::PictureSize).trigger(); // the caret is behind the picture
-    QTRY_VERIFY(RealProgram::dialog());
+    ask();
     enter(u"Width"_s, u"80"_s);
     QTest::keyClick(RealProgram::dialog(), Qt::Key_Return);
     QTRY_VERIFY(!RealProgram::dialog());
     QCOMPARE(opened.sizeAt(4), QSize(80, 40));
-    opened.action(TextCommand::PictureSize).trigger();
-    QTRY_VERIFY(RealProgram::dialog());
+    ask();
     RealProgram::dialog()->findChild<QCheckBox *>()->click();
     enter(u"Height"_s, u"70"_s);
     QVERIFY(opened.answer(u"Resize"_s));
     QCOMPARE(opened.sizeAt(4), QSize(80, 70));
     QCOMPARE(opened.undoName(), u"Resize Picture"_s);
-    opened.action(TextCommand::PictureSize).trigger();
-    QTRY_VERIFY(RealProgram::dialog());
+    ask();
     RealProgram::press(u"Original Size"_s);
     QVERIFY(opened.answer(u"Resize"_s));
     QCOMPARE(opened.sizeAt(4), QSize(200, 100));
-    opened.action(TextCommand::PictureSize).trigger();
-    QTRY_VERIFY(RealProgram::dialog());
+    ask();
     enter(u"Width"_s, u"33"_s);
     QTest::keyClick(RealProgram::dialog(), Qt::Key_Escape);
     QTRY_VERIFY(!RealProgram::dialog());
     QCOMPARE(opened.sizeAt(4), QSize(200, 100));
-}
-
-void TestObjects::savingWarnsAndWritesTheVeryBytes()
-{
-    Opened opened;
-    auto &files = opened.program.files.files;
-    QVERIFY(opened.insert(TextCommand::InsertFile, u"b.bin"_s, QByteArray("a\0\xff", 3)));
-    const auto save = [&](const QString &to) {
-        opened.action(TextCommand::SaveAttachmentAs).trigger();
-        QTRY_VERIFY(RealProgram::dialogText().contains(u"“b.bin” will not be encrypted"_s));
-        QVERIFY(opened.answer(u"Save As…"_s));
-        QVERIFY(QTest::qWaitFor([&] { return opened.program.panels.answerSave(to); }));
-    };
-    save(u"/out/b.bin"_s);
-    QCOMPARE(files.value(u"/out/b.bin"_s), QByteArray("a\0\xff", 3));
-    QCOMPARE(opened.program.panels.saved.last().name, u"b.bin"_s);
-    const QByteArray document = files.value(path);
-    save(path); // the document itself
-    QTRY_VERIFY(RealProgram::dialogText().contains(u"“letter.quorvane” is an open document"_s));
-    QVERIFY(opened.answer(u"OK"_s));
-    QCOMPARE(files.value(path), document);
-    opened.program.files.replaceError = FileError {ENOSPC, filestep::writing, u"/out/c"_s};
-    save(u"/out/c"_s);
-    QTRY_VERIFY(RealProgram::dialogText().contains(u"“b.bin” was not saved."_s));
-    QVERIFY(opened.answer(u"OK"_s));
-}
-
-void TestObjects::openingMakesACopyThatTheLockTakesAway_data()
-{
-    QTest::addColumn<bool>("locks");
-    QTest::newRow("the lock") << true;
-    QTest::newRow("the close") << false;
-}
-
-void TestObjects::openingMakesACopyThatTheLockTakesAway()
-{
-    QFETCH(bool, locks);
-    Opened opened;
-    QVERIFY(opened.insert(TextCommand::InsertFile, u"b.pdf"_s, "%PDF words"));
-    const QRectF place = placeOf(opened.editor(), opened.attachment(4));
-    QWidget *view = opened.editor().viewport();
-    QTest::mouseClick(view, Qt::LeftButton, {}, place.center().toPoint());
-    QTest::mouseDClick(view, Qt::LeftButton, {}, place.center().toPoint());
-    QTRY_VERIFY(RealProgram::dialogText().contains(u"“b.pdf”"_s));
-    QCOMPARE(opened.copies(), QStringList()); // nothing before the answer
-    QVERIFY(opened.answer(u"Open"_s));
-    const QString copy = opened.program.workspace.openedFiles.value(0);
-    QVERIFY(copy.startsWith(opened.runtime.path() + u"/quorvane-"_s));
-    QFile file(copy);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), "%PDF words");
-    QCOMPARE(opened.copies(), QStringList {u"b.pdf"_s});
-    if (locks) {
-        opened.program.document()->doLockDocument();
-        QTRY_VERIFY(opened.editor().isContentHidden());
-        QCOMPARE(opened.editor().accessibleDescription(), QString());
-    } else {
-        opened.program.document()->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-    QTRY_COMPARE(QDir(opened.runtime.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-                 QStringList());
-}
-
-void TestObjects::whatMustNotBeOpenedIsRefused_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("hasSession");
-    QTest::addColumn<QString>("words");
-    QTest::newRow("a starter") << u"a.desktop"_s << QByteArray("[Desktop Entry]") << true
-                               << u"It is a program, or starts one."_s;
-    QTest::newRow("a script") << u"a.txt"_s << QByteArray("#!/bin/sh") << true
-                              << u"It is a program, or starts one."_s;
-    QTest::newRow("a file, without a private place")
-        << u"a.pdf"_s << QByteArray("%PDF") << false << u"no private folder in memory"_s;
-}
-
-void TestObjects::whatMustNotBeOpenedIsRefused()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, bytes);
-    QFETCH(bool, hasSession);
-    QFETCH(QString, words);
-    Opened opened;
-    if (!hasSession) {
-        opened.program.document()->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        opened.program.runtimePath.clear();
-        opened.program.documents.openDocumentWithContentsOfURL(path);
-        opened.unlock();
-        opened.editor().moveCursor(QTextCursor::End);
-    }
-    QVERIFY(opened.insert(TextCommand::InsertFile, name, bytes));
-    opened.action(TextCommand::OpenAttachment).trigger();
-    QTRY_VERIFY2(RealProgram::dialogText().contains(words), qPrintable(RealProgram::dialogText()));
-    QVERIFY(RealProgram::dialogText().contains(name));
-    QVERIFY(opened.answer(u"OK"_s));
-    QCOMPARE(opened.program.workspace.openedFiles, QStringList());
-    QCOMPARE(opened.copies(), QStringList());
-}
-
-void TestObjects::aLockIsFasterThanAnAnswer()
-{
-    Opened opened;
-    QVERIFY(opened.insert(TextCommand::InsertFile, u"b.pdf"_s, "%PDF"));
-    opened.program.files.files.insert(u"/home/c.txt"_s, "words");
-    opened.action(TextCommand::InsertFile).trigger();
-    opened.program.document()->doLockDocument();
-    QTRY_VERIFY(opened.editor().isContentHidden());
-    opened.program.panels.answerSheet(u"/home/c.txt"_s);
-    QCoreApplication::processEvents();
-    for (const TextCommand command :
-         {TextCommand::InsertFile, TextCommand::InsertPicture, TextCommand::OpenAttachment,
-          TextCommand::SaveAttachmentAs, TextCommand::PictureSize}) {
-        QVERIFY(!opened.action(command).isEnabled());
-    }
-    opened.unlock();
-    QTRY_VERIFY(!opened.editor().isContentHidden());
-    QCOMPARE(opened.editor().toPlainText(), u"text"_s + object);
-    QCOMPARE(opened.copies(), QStringList());
-}
-
-void TestObjects::commandsAreThereWhereTheyCanRun()
-{
-    Opened opened;
-    QVERIFY(!opened.action(TextCommand::OpenAttachment).isEnabled());
-    QVERIFY(opened.insert(TextCommand::InsertPicture, u"a.png"_s, png({20, 10})));
-    QVERIFY(opened.action(TextCommand::PictureSize).isEnabled());
-    opened.program.document()->setReadOnly();
-    QVERIFY(opened.action(TextCommand::OpenAttachment).isEnabled());
-    QVERIFY(opened.action(TextCommand::SaveAttachmentAs).isEnabled());
-    for (const TextCommand command :
-         {TextCommand::InsertFile, TextCommand::InsertPicture, TextCommand::PictureSize}) {
-        QVERIFY(!opened.action(command).isEnabled());
-    }
-    const QPointF corner = placeOf(opened.editor(), opened.attachment(4)).bottomRight();
-    select(opened.editor(), opened.attachment(4));
-    opened.drag(corner, corner + QPointF(50, 50));
-    opened.drop(*imageData({20, 10}));
-    opened.paste(imageData({20, 10}));
-    QCOMPARE(opened.editor().toPlainText(), u"text"_s + object);
-    QCOMPARE(opened.sizeAt(4), QSize(20, 10));
 }
 
 void TestObjects::aDragMakesItsFileOnlyWhenAsked()
