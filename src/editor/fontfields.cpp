@@ -69,6 +69,7 @@ void FontFields::makeFamilies(QWidget *parent)
     m_family = new FontFamilyBox(parent);
     m_family->setAccessibleName(u"Font"_s);
     m_family->setAccessibleDescription(u"Font"_s); // the tool tip may say more
+    m_family->lineEdit()->setAccessibleName(u"Font"_s);
     m_family->setToolTip(u"Font"_s);
     m_family->setFixedWidth(narrowWidth);
     m_family->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -90,6 +91,7 @@ void FontFields::makeSizes(QWidget *parent)
     m_size->setAccessibleName(u"Font Size"_s);
     m_size->setToolTip(u"Font Size"_s);
     m_size->setEditable(true);
+    m_size->lineEdit()->setAccessibleName(u"Font Size"_s);
     m_size->setInsertPolicy(QComboBox::NoInsert);
     m_size->setCompleter(nullptr);
     for (const int size : offeredFontSizes) {

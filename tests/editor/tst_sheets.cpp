@@ -61,9 +61,7 @@ private slots:
         const auto row = [](const char *name, MakeSheet make) {
             QTest::newRow(name) << std::move(make);
         };
-        row("link", [](QWidget *host) {
-            return new LinkSheet(u"words"_s, {}, true, host);
-        });
+        row("link", [](QWidget *host) { return new LinkSheet(u"words"_s, {}, true, host); });
         row("new table", [](QWidget *host) { return new TableSheet(host); });
         row("table", [](QWidget *host) {
             TableLook look;
