@@ -13,6 +13,7 @@
 #include "shell/windowmenu.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QEvent>
 #include <QMainWindow>
 #include <QMenu>
@@ -46,13 +47,13 @@ const CommandRow &rowOf(DocumentAction action)
         {Action::ExportToTEXT, u"To &Plain Text…"_s, {}},
         {Action::ExportToRTF, u"To &RTF…"_s, {}},
         {Action::ExportToRTFD, u"To RTF&D…"_s, {}},
-        {Action::DocumentPassword, u"Document Pass&word…"_s, {}},
+        {Action::DocumentPassword, u"&Document Password…"_s, {}},
         {Action::EditPublicNote, u"Public No&te…"_s, {}},
         {Action::LockDocument, u"&Lock Document…"_s, Qt::CTRL | Qt::Key_L},
         {Action::RunPageLayout, u"Page Set&up…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_P},
         {Action::PrintPreview, u"Print Previe&w…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O},
         {Action::PrintDocument, u"&Print…"_s, QKeySequence::Print},
-        {Action::MakePlainText, u"Make &Plain Text…"_s, {}},
+        {Action::MakePlainText, u"Make Plain &Text…"_s, {}},
         {Action::SwitchReadAndWrite, u"Prevent Editing"_s, {}},
         {Action::SetReadOnly, u"Read &Only"_s, {}},
         {Action::SetReadAndWrite, u"Read and &Write"_s, {}},
@@ -276,7 +277,12 @@ void MainMenu::buildFormatMenu()
     menu->addSeparator();
     addCommands(*menu, {Action::MakePlainText});
     menu->addSeparator();
-    addCommands(*menu, {Action::SwitchReadAndWrite, Action::SetReadOnly, Action::SetReadAndWrite});
+    addCommands(*menu, {Action::SwitchReadAndWrite});
+    auto *access = new QActionGroup(menu);
+    for (const Action action : {Action::SetReadOnly, Action::SetReadAndWrite}) {
+        addCommand(*menu, action);
+        access->addAction(menu->actions().last());
+    }
 }
 
 void MainMenu::buildTableMenu()

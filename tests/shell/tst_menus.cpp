@@ -68,6 +68,7 @@ private Q_SLOTS:
     void aLockedWindowKeepsItsToolbarAndSize();
     void theWindowMenuListsAllDocuments();
     void recentDocumentsAreOfferedAndForgotten();
+    void noTwoItemsOfAMenuHaveOneKey();
     void theVendorIsInTheHelpMenu_data();
     void theVendorIsInTheHelpMenu();
     void theApplicationMenuLeadsToTheProgramsWindows();
@@ -235,6 +236,31 @@ void TestMenus::recentDocumentsAreOfferedAndForgotten()
     QVERIFY(program.recents.listed.isEmpty());
     QCOMPARE(entry(0)->text(), u"No Recent Documents"_s);
     QVERIFY(!entry(0)->isEnabled() && !entry(2)->isEnabled());
+}
+
+void TestMenus::noTwoItemsOfAMenuHaveOneKey()
+{
+    Opened program;
+    QVERIFY(program.unlocks);
+    QWidgetList menus {program.window().menuBar()};
+    for (auto *menu : program.window().menuBar()->findChildren<QMenu *>()) {
+        Q_EMIT menu->aboutToShow();
+        menus << menu;
+    }
+    QStringList doubles;
+    for (const QWidget *menu : std::as_const(menus)) {
+        QMap<QKeySequence, QString> keys;
+        const auto actions = menu->actions();
+        for (const QAction *action : actions) {
+            const QKeySequence key = QKeySequence::mnemonic(action->text());
+            if (!key.isEmpty() && keys.contains(key)) {
+                doubles << keys.value(key) << action->text();
+            }
+            keys.insert(key, action->text());
+        }
+    }
+    QCOMPARE(doubles, QStringList());
+    QVERIFY(menus.size() > 15);
 }
 
 void TestMenus::theVendorIsInTheHelpMenu_data()
