@@ -4,7 +4,6 @@
 #include "editor/passwordsheet.h"
 #include "support/writtentext.h"
 
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -127,22 +126,6 @@ private slots:
             cursor.setPosition(position);
             QVERIFY(!cursor.charFormat().hasProperty(property));
         }
-    }
-
-    void aSizeThatIsNoneIsNotApplied()
-    {
-        TextEditor &editor = m_window->editor();
-        showText(editor, u"text"_s);
-        m_window->show();
-        auto *size = named<QComboBox>(m_window->formatToolbar(), u"Font Size"_s);
-        const QString before = size->currentText();
-        editor.selectAll();
-        for (const QString &typed : {u"0"_s, u"12x"_s, u"5000"_s, u""_s}) {
-            size->setEditText(typed);
-            emit size->lineEdit()->returnPressed();
-            QCOMPARE(size->currentText(), before);
-        }
-        QVERIFY(!editor.content()->isUndoAvailable());
     }
 
     void aReadOnlyTextLeavesOnlyTheLockAction()
