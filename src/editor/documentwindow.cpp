@@ -1,5 +1,6 @@
 #include "editor/documentwindow.h"
 
+#include "editor/accessiblepopups.h"
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/textcommands.h"
@@ -39,6 +40,7 @@ private:
 DocumentWindow::DocumentWindow(QWidget *parent)
     : QMainWindow(parent)
 {
+    tellOfAccessiblePopups();
     // The window's own menu would bring a hidden toolbar back, on a locked window too.
     setContextMenuPolicy(Qt::NoContextMenu);
     m_pages = new QStackedWidget(this);

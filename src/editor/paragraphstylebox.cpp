@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QKeyEvent>
 
+#include <algorithm>
 #include <iterator>
 
 using namespace Qt::StringLiterals;
@@ -65,9 +66,16 @@ void ParagraphStyleBox::follow()
     setEnabled(m_commands.action(TextCommand::BodyText).isEnabled());
 }
 
+// The list itself asks for room in its own font only.
 void ParagraphStyleBox::showPopup()
 {
-    view()->setMinimumWidth(view()->sizeHintForColumn(0));
+    constexpr int margins = 40;
+    int widest = 0;
+    for (int index = 0; index < count(); ++index) {
+        const QFontMetrics metrics(itemData(index, Qt::FontRole).value<QFont>());
+        widest = std::max(widest, metrics.horizontalAdvance(itemText(index)));
+    }
+    view()->setMinimumWidth(widest + margins);
     QComboBox::showPopup();
 }
 
