@@ -53,7 +53,7 @@ PrintPreview::PrintPreview(const QTextDocument &content, QPrinter &printer, QWid
     connect(m_pages, &QPrintPreviewWidget::paintRequested, this,
             [this](QPrinter *paper) { paint(*paper); });
     connect(m_pages, &QPrintPreviewWidget::previewChanged, this, &PrintPreview::showPage);
-    const QSize room = window->screen()->availableSize() - QSize(0, titleBar);
+    const QSize room = screen()->availableSize() - QSize(0, titleBar);
     resize(usualSize.boundedTo(room));
     m_pages->fitInView();
 }

@@ -2,9 +2,11 @@
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/passwordsheet.h"
+#include "editor/statusbar.h"
 #include "support/writtentext.h"
 
 #include <QContextMenuEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
@@ -125,6 +127,28 @@ private slots:
         for (const int position : {1, 9}) {
             cursor.setPosition(position);
             QVERIFY(!cursor.charFormat().hasProperty(property));
+        }
+    }
+
+    void theStatusBarCutsNoWordAndTellsOfAReadOnlyText()
+    {
+        auto *bar = new StatusBar(m_window->editor(), m_window->commands());
+        m_window->addBelowText(bar);
+        showText(m_window->editor(), u"some words"_s);
+        m_window->show();
+        const auto labels = bar->findChildren<QLabel *>();
+        const QStringList parts {u"2 words"_s, u"10 characters"_s, u"1 paragraph"_s};
+        const auto tells = [&](qsizetype count) {
+            return labels[0]->text() == parts.first(count).join(u"  ·  "_s);
+        };
+        QTRY_VERIFY(tells(3));
+        const int whole = labels[0]->fontMetrics().horizontalAdvance(labels[0]->text());
+        bar->setFixedWidth(bar->width() - labels[0]->width() + whole - 1);
+        QTRY_VERIFY(tells(2));
+        QCOMPARE(labels[0]->accessibleName(), parts.join(u", "_s));
+        for (const bool readOnly : {true, false}) {
+            m_window->setReadOnly(readOnly);
+            QCOMPARE(labels[1]->isVisible(), readOnly);
         }
     }
 
