@@ -155,13 +155,23 @@ void MainMenu::addCommand(QMenu &menu, DocumentAction action)
         return;
     }
     MyDocument *document = &m_document->document;
-    QAction *item =
-        m_items->add(menu, row.title, row.shortcut, command->second, [document, action] {
+    const auto hasSheet = [document] {
+        const NSWindow *window = document->windowForSheet();
+        return window && window->attachedSheet();
+    };
+    QAction *item = m_items->add(
+        menu, row.title, row.shortcut,
+        [hasSheet, run = command->second] {
+            // A sheet keeps people from the menus, but not assistive programs.
+            if (!hasSheet()) {
+                run();
+            }
+        },
+        [document, action, hasSheet] {
             MenuItemState state = document->validateMenuItem(action);
-            // A sheet keeps people from the menus, but neither from the toolbar's look nor
-            // assistive programs.
-            const NSWindow *window = document->windowForSheet();
-            state.enabled = state.enabled && !(window && window->attachedSheet());
+            // This one is seen in the toolbar, too.
+            const bool isHeld = action == DocumentAction::LockDocument && hasSheet();
+            state.enabled = state.enabled && !isHeld;
             return state;
         });
     if (action == DocumentAction::LockDocument) {
