@@ -1,10 +1,12 @@
 #include "editor/statusbar.h"
 
+#include "editor/palelabel.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 
 #include <QAction>
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
@@ -33,6 +35,7 @@ QString counted(qint64 count, const QString &one, const QString &many)
 StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     : m_editor(editor)
     , m_label(new QLabel(this))
+    , m_readOnly(new PaleLabel(u"Read only"_s, this))
     , m_zoom(new QToolButton(this))
 {
     setFrameShape(QFrame::NoFrame);
@@ -46,6 +49,7 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(14, 1, 6, 1);
     row->addWidget(m_label, 1);
+    row->addWidget(m_readOnly);
     row->addWidget(m_zoom);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &StatusBar::countOn);
@@ -54,7 +58,7 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     connect(&editor, &QTextEdit::selectionChanged, this, &StatusBar::begin);
     connect(&editor, &TextEditor::contentReplaced, this, &StatusBar::begin);
     connect(&editor, &TextEditor::contentHiddenChanged, this, [this] {
-        m_label->clear();
+        tell({});
         begin();
     });
     connect(&editor, &TextEditor::zoomChanged, this, &StatusBar::showZoom);
@@ -67,8 +71,25 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
         [this] {
             return MenuItemState {true, {}, !isHidden()};
         });
+    m_readOnly->setVisible(editor.isReadOnly());
+    editor.installEventFilter(this);
     showZoom();
     begin();
+}
+
+bool StatusBar::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ReadOnlyChange) {
+        m_readOnly->setVisible(m_editor.isReadOnly());
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+void StatusBar::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    layout()->activate();
+    showWhatFits();
 }
 
 void StatusBar::begin()
@@ -115,8 +136,28 @@ void StatusBar::showCounts()
     const QStringList parts {counted(m_counts.words, u"word"_s, u"words"_s),
                              counted(m_counts.characters, u"character"_s, u"characters"_s),
                              counted(m_counts.paragraphs, u"paragraph"_s, u"paragraphs"_s)};
-    const QString what = parts.join(u"  ·  "_s);
-    m_label->setText(m_ofSelection ? u"Selected:  "_s + what : what);
+    tell(m_ofSelection ? QStringList(u"Selected:  "_s + parts.first()) + parts.sliced(1) : parts);
+}
+
+void StatusBar::tell(const QStringList &parts)
+{
+    m_parts = parts;
+    m_label->setAccessibleName(parts.join(u", "_s));
+    showWhatFits();
+}
+
+void StatusBar::showWhatFits()
+{
+    const auto textOf = [this](qsizetype count) {
+        return m_parts.first(count).join(u"  ·  "_s);
+    };
+    qsizetype count = m_parts.size();
+    while (count > 1
+           && m_label->fontMetrics().horizontalAdvance(textOf(count)) > m_label->width()) {
+        --count;
+    }
+    m_label->setText(textOf(count));
+    m_label->setToolTip(count < m_parts.size() ? textOf(m_parts.size()) : QString());
 }
 
 void StatusBar::showZoom()

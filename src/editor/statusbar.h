@@ -23,14 +23,23 @@ class StatusBar final : public QFrame
 public:
     StatusBar(TextEditor &editor, TextCommands &commands);
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void begin();
     void countOn();
     void showCounts();
+    void tell(const QStringList &parts);
+    void showWhatFits();
     void showZoom();
 
     TextEditor &m_editor;
     QLabel *m_label = nullptr;
+    QStringList m_parts; // of what it says, the most wanted first
+    QLabel *m_readOnly = nullptr;
     QToolButton *m_zoom = nullptr;
     QTimer m_timer;
     QList<SelectedRange> m_left; // to be counted, from the end

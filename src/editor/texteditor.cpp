@@ -436,7 +436,9 @@ void TextEditor::wheelEvent(QWheelEvent *event)
 {
     m_unsettled.reset();
     if (!event->modifiers().testFlag(Qt::ControlModifier)) {
-        QTextEdit::wheelEvent(event);
+        if (!m_scrolling.take(*event)) {
+            QTextEdit::wheelEvent(event);
+        }
         return;
     }
     m_wheelTurn += event->angleDelta().y();

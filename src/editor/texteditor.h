@@ -2,6 +2,7 @@
 
 #include "editor/firstlook.h"
 #include "editor/layoutguard.h"
+#include "editor/smoothscrolling.h"
 #include "editor/textspan.h"
 #include "editor/undonames.h"
 #include "editor/zoomeddevice.h"
@@ -231,6 +232,7 @@ private:
 
     Place m_place; // of the hidden content
     std::optional<Place> m_unsettled; // to be found again when the window has its size
+    SmoothScrolling m_scrolling {*this};
     QTimer m_settling;
 };
 
