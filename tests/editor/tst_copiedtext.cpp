@@ -1,5 +1,6 @@
 #include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
+#include "editor/objectselection.h"
 #include "editor/texteditor.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/body.h"
@@ -132,6 +133,7 @@ private slots:
     void attachmentsTakeTheRoomThatWasEstimated_data();
     void attachmentsTakeTheRoomThatWasEstimated();
     void aPictureIsDrawn();
+    void onlyTheSelectedPictureHasTheColourOfTheSelection();
     void textInUtf8AloneIsTaken();
     void whatSaysMostIsTaken_data();
     void whatSaysMostIsTaken();
@@ -343,6 +345,28 @@ void TestCopiedText::aPictureIsDrawn()
     editor->show();
     const QImage shown = editor->viewport()->grab().toImage();
     QCOMPARE(shown.pixelColor(64, 64), QColor(Qt::red));
+}
+
+void TestCopiedText::onlyTheSelectedPictureHasTheColourOfTheSelection()
+{
+    const QByteArray body =
+        writeFlatRtfd({{"a.png", FlatRtfdEntry::Kind::File, pictureOf(Qt::red), {}},
+                       {"TXT.rtf",
+                        FlatRtfdEntry::Kind::File,
+                        "{\\rtf1 {{\\NeXTGraphic a.png \\width600 \\height600\n}\xac}"
+                        "{{\\NeXTGraphic a.png \\width1500 \\height1500\n}\xac}}",
+                        {}}});
+    const EditorPtr editor = editorOf(body);
+    const ObjectSelection selection(*editor);
+    editor->resize(400, 300);
+    editor->show();
+    QTextCursor cursor(editor->content());
+    cursor.setPosition(1, QTextCursor::KeepAnchor);
+    editor->setTextCursor(cursor);
+    const QImage shown = editor->viewport()->grab().toImage();
+    const QColor paper = editor->palette().color(QPalette::Base);
+    QCOMPARE(shown.pixelColor(34, 24), paper); // above it
+    QVERIFY(shown.pixelColor(34, 94) != paper);
 }
 
 void TestCopiedText::textInUtf8AloneIsTaken()

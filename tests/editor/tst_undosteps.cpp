@@ -152,9 +152,8 @@ void TestUndoSteps::theViewStaysWhereTheChangeIsSeen()
     const int end = bar.value();
     bar.setValue(end / 2);
     editor.selectAll();
-    QVERIFY(editor.changeLooks(u"Bold"_s, [](QTextCharFormat &look) {
-        look.setFontUnderline(true);
-    }));
+    QVERIFY(
+        editor.changeLooks(u"Bold"_s, [](QTextCharFormat &look) { look.setFontUnderline(true); }));
     QCOMPARE(bar.value(), end / 2);
     QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(editor.undoNames().redoName(), u"Bold"_s);
