@@ -343,9 +343,10 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
         refuse();
         return;
     }
-    if (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo)) {
+    const bool undoes = event->matches(QKeySequence::Undo);
+    if (!isReadOnly() && (undoes || event->matches(QKeySequence::Redo))) {
         m_typed = 0;
-        event->matches(QKeySequence::Undo) ? undo() : redo();
+        undoes ? undo() : redo();
         return;
     }
     const UndoNames::Scope scope(m_undoNames, stepOf(*event));

@@ -109,9 +109,6 @@ void TextEditor::redo()
 // The toolkit goes to the end of what has changed.
 void TextEditor::keepInView(const std::function<void()> &change)
 {
-    if (isReadOnly() || isContentHidden()) {
-        return;
-    }
     std::optional<TextSpan> changed;
     const auto note = [&changed](int position, int, int added) {
         const int from = changed ? std::min(changed->from, position) : position;

@@ -300,6 +300,7 @@ private slots:
             key(Qt::Key_Tab);
         }
         StatusBar bar(editor(), m_window->commands());
+        bar.resize(900, bar.sizeHint().height());
         bar.show();
         QTextCursor cursor = table().cellAt(0, 0).firstCursorPosition();
         cursor.setPosition(table().cellAt(1, 0).firstPosition(), QTextCursor::KeepAnchor);
