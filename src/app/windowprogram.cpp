@@ -3,6 +3,7 @@
 #include "app/desktop.h"
 #include "app/readableplaceholders.h"
 #include "app/settingsnotice.h"
+#include "app/visibleframes.h"
 #include "document/mydocument.h"
 #include "document/qvrevertdoccontroller.h"
 #include "editor/documentwindow.h"
@@ -322,6 +323,7 @@ int runWindowProgram(int argc, char **argv)
     QApplication::setApplicationDisplayName(productName);
     QApplication::setDesktopFileName(applicationId);
     QApplication::setWindowIcon(programIcon());
+    VisibleFrames::apply();
     const ReadablePlaceholders placeholders;
     const CommandLine commandLine = readCommandLine(application);
     BusConnector sessionBus(QDBusConnection::SessionBus); // while the rest is made

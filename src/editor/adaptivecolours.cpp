@@ -29,7 +29,8 @@ double luminanceOf(const QColor &colour)
         + 0.0722 * linear(colour.blueF());
 }
 
-/// What the text of a block stands on, where its characters say nothing.
+} // namespace
+
 QColor paperOf(const QTextBlock &block, const QColor &page)
 {
     if (block.blockFormat().hasProperty(QTextFormat::BackgroundBrush)) {
@@ -41,8 +42,6 @@ QColor paperOf(const QTextBlock &block, const QColor &page)
     const bool isShaded = cell.isValid() && cell.format().hasProperty(QTextFormat::BackgroundBrush);
     return isShaded ? cell.format().background().color() : page;
 }
-
-} // namespace
 
 double contrastOf(const QColor &ink, const QColor &paper)
 {

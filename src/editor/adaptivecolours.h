@@ -15,6 +15,9 @@ double contrastOf(const QColor &ink, const QColor &paper);
 /// The colour of that hue nearest to \a ink that is read on \a paper.
 QColor readableInk(const QColor &ink, const QColor &paper);
 
+/// What the text of a block stands on, where its characters say nothing.
+QColor paperOf(const QTextBlock &block, const QColor &page);
+
 /// In a dark window, shows text whose colours were chosen for white paper in colours that can be
 /// read. The document's own stay as they are.
 class AdaptiveColours final : public QObject

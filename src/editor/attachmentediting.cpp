@@ -98,12 +98,15 @@ AttachmentEditing::AttachmentEditing(const TextToolSurroundings &surroundings,
     m_editor.viewport()->installEventFilter(this);
     m_dropTimer->setSingleShot(true);
     m_dropTimer->setInterval(dropMilliseconds);
-    connect(m_dropTimer, &QTimer::timeout, this, [this] { m_dragged.clear(); });
+    connect(m_dropTimer, &QTimer::timeout, this, &AttachmentEditing::forgetDragged);
     connect(&m_editor, &TextEditor::contentHiddenChanged, this, [this] {
         m_opened.clear();
-        m_dragged.clear();
+        forgetDragged();
         m_pressed.reset();
         QToolTip::hideText();
+        if (m_isDragging) {
+            QDrag::cancel(); // the picture hangs on the mouse
+        }
     });
 }
 
@@ -193,16 +196,9 @@ bool AttachmentEditing::move(const QMouseEvent &event)
 void AttachmentEditing::drag(const PlacedAttachment &attachment)
 {
     m_dropTimer->stop();
-    m_dragged.clear();
-    const auto makeFile = [self = QPointer(this), attachment]() -> std::optional<QString> {
-        const auto now = self ? self->stillThere(attachment) : std::nullopt;
-        const FlatRtfdEntry *file = now ? entryOf(self->m_editor, *now) : nullptr;
-        if (!file || file->kind != FlatRtfdEntry::Kind::File || !self->m_dragged.hasPlace()) {
-            return std::nullopt;
-        }
-        const auto made = self->m_dragged.add(now->shownName(), file->bytes);
-        const auto *path = std::get_if<QString>(&made);
-        return path ? std::optional(*path) : std::nullopt;
+    forgetDragged();
+    const auto makeFile = [self = QPointer(this), attachment] {
+        return self ? self->draggedFile(attachment) : std::nullopt;
     };
     auto text = std::make_unique<CopiedText>(std::make_unique<QMimeData>(), m_editor.textCursor(),
                                              &m_editor);
@@ -216,10 +212,34 @@ void AttachmentEditing::drag(const PlacedAttachment &attachment)
         m_editor.isReadOnly() ? Qt::CopyAction : Qt::CopyAction | Qt::MoveAction;
     // Nothing is taken away here, whatever is answered: another program may say that it has moved
     // what it never stored. In the text itself the drop does both.
+    m_isDragging = true;
     drag->exec(may, m_editor.isReadOnly() ? Qt::CopyAction : Qt::MoveAction);
     if (self) {
+        m_isDragging = false;
         m_dropTimer->start();
     }
+}
+
+/// The copy for another program, made when it asks first.
+std::optional<QString> AttachmentEditing::draggedFile(const PlacedAttachment &attachment)
+{
+    const auto now = stillThere(attachment);
+    const FlatRtfdEntry *file = now ? entryOf(m_editor, *now) : nullptr;
+    if (!file || file->kind != FlatRtfdEntry::Kind::File || !m_dragged.hasPlace()) {
+        return std::nullopt;
+    }
+    if (!m_draggedFile) {
+        const auto made = m_dragged.add(now->shownName(), file->bytes);
+        const auto *path = std::get_if<QString>(&made);
+        m_draggedFile = path ? std::optional(*path) : std::nullopt;
+    }
+    return m_draggedFile;
+}
+
+void AttachmentEditing::forgetDragged()
+{
+    m_dragged.clear();
+    m_draggedFile.reset();
 }
 
 bool AttachmentEditing::showToolTip(const QPoint &place, const QPoint &screenPlace)

@@ -34,6 +34,8 @@ private:
     bool press(const QMouseEvent &event);
     bool move(const QMouseEvent &event);
     void drag(const PlacedAttachment &attachment);
+    std::optional<QString> draggedFile(const PlacedAttachment &attachment);
+    void forgetDragged();
     bool showToolTip(const QPoint &place, const QPoint &screenPlace);
 
     void askToOpen();
@@ -49,9 +51,11 @@ private:
     TextToolSurroundings m_with;
     TextEditor &m_editor;
     RuntimeFolder m_opened; // copies in other programs' hands until the lock
-    RuntimeFolder m_dragged; // copies that a drop has asked for
+    RuntimeFolder m_dragged; // the copy that a drop has asked for
+    std::optional<QString> m_draggedFile; // in it
     QTimer *m_dropTimer = nullptr;
     std::optional<QPoint> m_pressed; // on an attachment
+    bool m_isDragging = false;
 };
 
 } // namespace quorvane

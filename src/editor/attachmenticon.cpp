@@ -1,5 +1,7 @@
 #include "editor/attachmenticon.h"
 
+#include "editor/adaptivecolours.h"
+
 #include <QFileInfo>
 #include <QFontInfo>
 #include <QFontMetricsF>
@@ -88,7 +90,7 @@ void drawPage(QPainter &painter, const QRectF &rect, const QString &kind, const 
     font.setPixelSize(kind.size() > 3 ? 7 : 8);
     font.setBold(true);
     painter.setFont(font);
-    painter.setPen(blend(ground, palette.color(QPalette::Link), 0.9));
+    painter.setPen(readableInk(palette.color(QPalette::Link), ground));
     painter.drawText(rect.adjusted(0, rect.height() * 0.42, 0, 0), Qt::AlignCenter, kind);
 }
 

@@ -10,7 +10,9 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QTextBlock>
 #include <QTextDocument>
+#include <QTextFragment>
 #include <QTextFrame>
 
 #include <algorithm>
@@ -23,6 +25,8 @@ namespace {
 constexpr QSizeF largestPicture(700, tallestImage); // on a screen; a column's width
 constexpr double twipsPerInch = 1440;
 constexpr double narrowestColumn = 16;
+constexpr int preparedPictures = 6; // on each side of what is seen
+constexpr int lookedThrough = 300; // paragraphs, for these
 
 bool hasPictureSize(const QTextFormat &format)
 {
@@ -79,6 +83,13 @@ double columnOf(const QTextDocument &document)
     return document.textWidth() > 0 ? std::max(column, narrowestColumn) : largestPicture.width();
 }
 
+PictureCache::Request requestFor(const QTextFormat &format, const QByteArray &bytes,
+                                 const QSizeF &onDevice)
+{
+    return {format.stringProperty(AttachmentName), bytes, onDevice.toSize().expandedTo(QSize(1, 1)),
+            !format.boolProperty(AttachmentNoOrient)};
+}
+
 } // namespace
 
 double resolutionOf(const QTextDocument &document)
@@ -100,6 +111,7 @@ AttachmentObject::AttachmentObject(QTextDocument *document, std::optional<QPalet
 {
     connect(&m_pictures, &PictureCache::arrived, this,
             [this] { emit m_document.documentLayout()->update(); });
+    connect(&m_pictures, &PictureCache::pageAsked, this, &AttachmentObject::prepareNeighbours);
 }
 
 AttachmentObject *AttachmentObject::of(const QTextDocument &document)
@@ -125,12 +137,13 @@ QSizeF AttachmentObject::intrinsicSize(QTextDocument *document, int, const QText
     return fitting(size, {columnOf(*document), size.height()});
 }
 
-void AttachmentObject::drawObject(QPainter *painter, const QRectF &rect, QTextDocument *, int,
-                                  const QTextFormat &format)
+void AttachmentObject::drawObject(QPainter *painter, const QRectF &rect, QTextDocument *,
+                                  int position, const QTextFormat &format)
 {
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     if (isPicture(format)) {
+        noteSeen(position, *painter);
         drawPicture(*painter, rect, format);
     } else {
         drawIcon(*painter, rect, format);
@@ -145,11 +158,11 @@ void AttachmentObject::drawPicture(QPainter &painter, const QRectF &rect, const 
         return;
     }
     const QTransform toDevice = painter.deviceTransform();
-    // Whole pixels of the device: else each one would be mixed of four.
-    const QRect pixels = toDevice.mapRect(rect).toAlignedRect();
-    const PictureCache::Request request {format.stringProperty(AttachmentName), file->bytes,
-                                         pixels.size().expandedTo(QSize(1, 1)),
-                                         !format.boolProperty(AttachmentNoOrient)};
+    // Whole pixels of the device, else each one would be mixed of four; and as many of them
+    // wherever the text is scrolled to.
+    const QRectF place = toDevice.mapRect(rect);
+    const PictureCache::Request request = requestFor(format, file->bytes, place.size());
+    const QRect pixels(place.topLeft().toPoint(), request.size);
     PictureCache::Found found {};
     if (m_palette) {
         found.image = m_pictures.decodedNow(request);
@@ -163,6 +176,62 @@ void AttachmentObject::drawPicture(QPainter &painter, const QRectF &rect, const 
         drawComingPicture(painter, rect, palette());
     } else {
         drawIcon(painter, rect, format);
+    }
+}
+
+// --- What will be seen ----------------------------------------------------------------------
+
+void AttachmentObject::noteSeen(int position, const QPainter &painter)
+{
+    m_seen.first = m_seen.first < 0 ? position : std::min(m_seen.first, position);
+    m_seen.last = std::max(m_seen.last, position);
+    m_seen.scale = painter.deviceTransform().m11();
+    const double resolution = resolutionOf(m_document);
+    if (m_resolution != resolution) {
+        m_resolution = resolution;
+        m_pictures.forgetPages();
+    }
+}
+
+void AttachmentObject::forgetPictures()
+{
+    m_pictures.clear();
+    m_seen = {}; // nothing is prepared for it any more
+    m_preparedAround = {};
+}
+
+// Whoever reads on goes downwards, mostly.
+void AttachmentObject::prepareNeighbours()
+{
+    const Seen seen = std::exchange(m_seen, Seen());
+    if (seen.first < 0 || seen == m_preparedAround) {
+        return;
+    }
+    m_preparedAround = seen;
+    const QTextBlock first = m_document.findBlock(seen.first);
+    const QTextBlock last = m_document.findBlock(seen.last);
+    const bool isForward = seen.first >= m_wasFirst;
+    m_wasFirst = seen.first;
+    prepareFrom(isForward ? last.next() : first.previous(), isForward);
+    prepareFrom(isForward ? first.previous() : last.next(), !isForward);
+}
+
+void AttachmentObject::prepareFrom(const QTextBlock &block, bool isForward)
+{
+    int left = preparedPictures;
+    int looks = lookedThrough;
+    for (QTextBlock at = block; at.isValid() && left > 0 && looks > 0; --looks) {
+        for (auto part = at.begin(); !part.atEnd(); ++part) {
+            const QTextCharFormat format = part.fragment().charFormat();
+            const bool isShown = format.objectType() == attachmentObjectType && isPicture(format);
+            if (isShown && left > 0) {
+                const QSizeF size = intrinsicSize(&m_document, part.fragment().position(), format);
+                m_pictures.prepare(requestFor(format, fileOf(m_document, format)->bytes,
+                                              size * m_preparedAround.scale));
+                --left;
+            }
+        }
+        at = isForward ? at.next() : at.previous();
     }
 }
 

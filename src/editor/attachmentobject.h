@@ -10,6 +10,7 @@
 
 #include <optional>
 
+class QTextBlock;
 class QTextDocument;
 class QTextFormat;
 
@@ -49,18 +50,35 @@ public:
     void drawPicture(QPainter &painter, const QRectF &rect, const QTextFormat &format);
 
     /// Drops all that was decoded.
-    void forgetPictures() { m_pictures.clear(); }
+    void forgetPictures();
 
 private:
     AttachmentObject(QTextDocument *document, std::optional<QPalette> palette);
 
     QPalette palette() const;
+    void noteSeen(int position, const QPainter &painter);
+    void prepareNeighbours();
+    void prepareFrom(const QTextBlock &block, bool isForward);
     void drawIcon(QPainter &painter, const QRectF &rect, const QTextFormat &format);
 
     QTextDocument &m_document; // its parent
     std::optional<QPalette> m_palette;
     PictureCache m_pictures {this};
     QHash<QString, bool> m_canBeShown;
+
+    struct Seen
+    {
+        int first = -1; // positions; nothing was seen while they are negative
+        int last = -1;
+        double scale = 1; // of the text to pixels of the device
+
+        bool operator==(const Seen &) const = default;
+    };
+
+    Seen m_seen; // of this page so far
+    Seen m_preparedAround;
+    int m_wasFirst = 0; // on the page before
+    double m_resolution = 0; // of what is seen
 };
 
 } // namespace quorvane

@@ -1,5 +1,7 @@
 #include "editor/copiedtext.h"
 
+#include "editor/picturefile.h"
+#include "editor/placedattachment.h"
 #include "editor/texteditor.h"
 #include "richtext/body.h"
 #include "richtext/richtextexport.h"
@@ -24,6 +26,7 @@ namespace {
 
 constexpr auto plainFormat = "text/plain"_L1;
 constexpr auto htmlFormat = "text/html"_L1;
+constexpr auto pngFormat = "image/png"_L1;
 // Under the first two it is offered; office programs and others call it by all of these.
 constexpr std::array rtfFormats {"text/rtf"_L1, "application/rtf"_L1, "text/richtext"_L1,
                                  "application/x-rtf"_L1};
@@ -138,6 +141,24 @@ CopiedText::CopiedText(std::unique_ptr<QMimeData> common, const QTextCursor &sel
     for (const AttachmentStore::WrittenEntry &written : placedEntries(*store, names)) {
         m_entries.push_back({*written.entry, written.attributes});
     }
+    m_picture = pictureIn(selection);
+}
+
+/// The picture that is all of the selection.
+std::optional<CopiedText::Picture> CopiedText::pictureIn(const QTextCursor &selection) const
+{
+    const auto attachment = m_length == 1
+        ? attachmentAt(*selection.document(), selection.selectionStart())
+        : std::nullopt;
+    const bool isShown = attachment && attachment->format.intProperty(AttachmentWidth) > 0
+        && attachment->format.intProperty(AttachmentHeight) > 0;
+    if (!isShown || m_entries.empty()) {
+        return std::nullopt;
+    }
+    const QByteArray &bytes = m_entries.front().entry.bytes;
+    const bool isTurned = !attachment->format.boolProperty(AttachmentNoOrient);
+    const std::optional<PictureInfo> info = pictureInfo(bytes, isTurned);
+    return info ? std::optional(Picture {info->type, bytes, isTurned}) : std::nullopt;
 }
 
 void CopiedText::clearClipboards(const TextEditor *source)
@@ -154,7 +175,16 @@ void CopiedText::clearClipboards(const TextEditor *source)
 
 QStringList CopiedText::formats() const
 {
-    return QStringList {rtfdFormat} + offeredRtf + m_common->formats();
+    return QStringList {rtfdFormat} + offeredRtf + pictureFormats() + m_common->formats();
+}
+
+QStringList CopiedText::pictureFormats() const
+{
+    if (!m_picture) {
+        return {};
+    }
+    return m_picture->type == pngFormat ? QStringList {pngFormat}
+                                        : QStringList {m_picture->type, pngFormat};
 }
 
 bool CopiedText::hasFormat(const QString &format) const
@@ -178,6 +208,12 @@ QVariant CopiedText::retrieveData(const QString &format, QMetaType) const
     }
     if (offeredRtf.contains(format)) {
         return rtfFromDocument(*document());
+    }
+    if (m_picture && format == m_picture->type) {
+        return m_picture->bytes;
+    }
+    if (m_picture && format == pngFormat) {
+        return pngOf(m_picture->bytes, m_picture->isTurned);
     }
     if (!m_common->hasFormat(format)) {
         return {}; // an empty answer would be taken for the text

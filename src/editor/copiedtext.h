@@ -22,8 +22,8 @@ class TextEditor;
 inline constexpr QLatin1StringView rtfdFormat("application/x-quorvane-rtfd");
 
 /// What was copied from a text: as a body of its own, as RTF, and in the formats that everyone
-/// knows. Nothing is written before it is asked for, and nothing is given out while the text it
-/// comes from is hidden.
+/// knows; a picture alone also as the file that it is, and as a PNG. Nothing is written before it
+/// is asked for, and nothing is given out while the text it comes from is hidden.
 class CopiedText final : public QMimeData
 {
     Q_OBJECT
@@ -49,7 +49,16 @@ private:
         FlatRtfdAttributes attributes;
     };
 
+    struct Picture
+    {
+        QString type;
+        QByteArray bytes;
+        bool isTurned;
+    };
+
     bool isHidden() const;
+    std::optional<Picture> pictureIn(const QTextCursor &selection) const;
+    QStringList pictureFormats() const;
     std::unique_ptr<QTextDocument> text() const;
     std::unique_ptr<QTextDocument> document() const;
 
@@ -57,6 +66,7 @@ private:
     QTextDocumentFragment m_text;
     std::optional<QTextBlockFormat> m_firstParagraph; // where it was copied from its beginning
     std::vector<Entry> m_entries;
+    std::optional<Picture> m_picture; // where it is all that was copied
     int m_length; // in characters
     bool m_beginsInItem = false; // of a list, or in the midst of one
     bool m_beginsWithItem = false; // and all of it was copied

@@ -4,6 +4,7 @@
 #include "editor/editorview.h"
 #include "editor/printjob.h"
 #include "editor/printpreview.h"
+#include "editor/scrolleddialog.h"
 #include "editor/texteditor.h"
 #include "richtext/body.h"
 
@@ -154,7 +155,9 @@ QPrinter &DocumentPrinter::printer()
 
 void DocumentPrinter::runPageLayout()
 {
-    beginSheet(new QPageSetupDialog(&printer(), &m_window), [](int) {});
+    auto *dialog = new QPageSetupDialog(&printer(), &m_window);
+    scrollWhereTooTall(*dialog);
+    beginSheet(dialog, [](int) {});
 }
 
 void DocumentPrinter::showPreview()
@@ -178,6 +181,7 @@ void DocumentPrinter::showPreview()
 void DocumentPrinter::printDocument()
 {
     auto *dialog = new QPrintDialog(&printer(), &m_window);
+    scrollWhereTooTall(*dialog);
     beginSheet(dialog, [this](int code) {
         if (code == QDialog::Accepted) {
             m_surroundings.mainQueue.addOperation([self = QPointer(this)] {

@@ -1,10 +1,12 @@
 #include "editor/documentwindow.h"
 
+#include "editor/accessiblepopups.h"
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 
+#include <QEvent>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -38,6 +40,7 @@ private:
 DocumentWindow::DocumentWindow(QWidget *parent)
     : QMainWindow(parent)
 {
+    tellOfAccessiblePopups();
     // The window's own menu would bring a hidden toolbar back, on a locked window too.
     setContextMenuPolicy(Qt::NoContextMenu);
     m_pages = new QStackedWidget(this);
@@ -97,7 +100,7 @@ void DocumentWindow::showLockedAppearance()
 {
     m_editor->setContentHidden(true);
     m_pages->setCurrentWidget(m_lockedPage);
-    updateFormatting();
+    m_commands->validate();
     m_lockedPage->focusPassword();
 }
 
@@ -105,7 +108,7 @@ void DocumentWindow::showEditorAppearance()
 {
     m_pages->setCurrentWidget(m_editorPage);
     m_editor->setContentHidden(false);
-    updateFormatting();
+    m_commands->validate();
     m_editor->setFocus();
 }
 
@@ -116,18 +119,20 @@ bool DocumentWindow::showsLockedAppearance() const
 
 void DocumentWindow::setReadOnly(bool readOnly)
 {
-    m_readOnly = readOnly;
     m_editor->setReadOnly(readOnly);
     if (readOnly) { // the caret goes on leading through the text
         m_editor->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     }
-    updateFormatting();
+    m_commands->validate();
 }
 
-void DocumentWindow::updateFormatting()
+// Nothing runs while a sheet is up. It is told before the sheet is known to be up, or gone.
+bool DocumentWindow::event(QEvent *event)
 {
-    m_toolbar->setFormattingEnabled(!m_readOnly && !showsLockedAppearance());
-    m_commands->validate();
+    if (event->type() == QEvent::WindowBlocked || event->type() == QEvent::WindowUnblocked) {
+        m_commands->validateLater();
+    }
+    return QMainWindow::event(event);
 }
 
 } // namespace quorvane

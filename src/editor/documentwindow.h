@@ -51,11 +51,13 @@ public:
 
     void setReadOnly(bool readOnly);
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     class Toolbar;
 
     void followEditor();
-    void updateFormatting();
 
     QStackedWidget *m_pages = nullptr;
     LockedPage *m_lockedPage = nullptr;
@@ -65,7 +67,6 @@ private:
     TextCommands *m_commands = nullptr;
     FormatToolbar *m_toolbar = nullptr;
     std::unique_ptr<Toolbar> m_modernToolbar;
-    bool m_readOnly = false;
 };
 
 } // namespace quorvane

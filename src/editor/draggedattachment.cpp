@@ -33,13 +33,11 @@ QVariant DraggedAttachment::retrieveData(const QString &format, QMetaType type) 
     if (format != fileFormat) {
         return m_text->hasFormat(format) ? QVariant(m_text->data(format)) : QVariant();
     }
-    if (!m_file) {
-        m_file = m_makeFile();
-    }
-    if (!m_file) {
+    const std::optional<QString> file = m_makeFile();
+    if (!file) {
         return {};
     }
-    const QUrl url = QUrl::fromLocalFile(*m_file);
+    const QUrl url = QUrl::fromLocalFile(*file);
     return type.id() == QMetaType::QByteArray ? QVariant(url.toEncoded() + "\r\n")
                                               : QVariant(QVariantList {url});
 }

@@ -17,7 +17,7 @@ class DraggedAttachment final : public QMimeData
 
 public:
     /// \a text is the same attachment as a text. \a makeFile gives the path of the file, or
-    /// nothing.
+    /// nothing; it is called each time that one asks.
     DraggedAttachment(std::unique_ptr<QMimeData> text,
                       std::function<std::optional<QString>()> makeFile);
 
@@ -30,7 +30,6 @@ protected:
 private:
     std::unique_ptr<QMimeData> m_text;
     std::function<std::optional<QString>()> m_makeFile;
-    mutable std::optional<QString> m_file; // once somebody has asked
 };
 
 } // namespace quorvane

@@ -1,17 +1,19 @@
 #include "editor/fontfields.h"
 
+#include "editor/fontfamilybox.h"
 #include "editor/fontsizes.h"
 #include "editor/texteditor.h"
 
-#include <QDoubleValidator>
 #include <QFocusEvent>
-#include <QFontComboBox>
 #include <QFontDatabase>
 #include <QLineEdit>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QToolTip>
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -20,7 +22,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr int fractionDigits = 2;
+constexpr double fractions = 100;
 constexpr int narrowWidth = 108;
 constexpr int wideWidth = 180;
 constexpr int sizeWidth = 52;
@@ -28,6 +30,17 @@ constexpr int sizeWidth = 52;
 QString sizeText(double size)
 {
     return QLocale().toString(size, 'g', QLocale::FloatingPointShortest);
+}
+
+/// Of what people write: whatever the locale, comma and point both stand before a fraction.
+std::optional<double> typedSize(QString text)
+{
+    text.replace(u',', u'.');
+    static const QRegularExpression form(u"^\\s*(\\d+(\\.\\d*)?|\\.\\d+)\\s*(pt)?\\s*$"_s);
+    const QRegularExpressionMatch match = form.match(text);
+    const double size = std::round(match.captured(1).toDouble() * fractions) / fractions;
+    const bool isOne = match.hasMatch() && size >= smallestFontSize && size <= largestFontSize;
+    return isOne ? std::optional(size) : std::nullopt;
 }
 
 QString missingText(const QString &family)
@@ -53,13 +66,14 @@ FontFields::FontFields(TextEditor &editor, QWidget *parent)
 
 void FontFields::makeFamilies(QWidget *parent)
 {
-    m_family = new QFontComboBox(parent);
+    m_family = new FontFamilyBox(parent);
     m_family->setAccessibleName(u"Font"_s);
     m_family->setAccessibleDescription(u"Font"_s); // the tool tip may say more
+    m_family->lineEdit()->setAccessibleName(u"Font"_s);
     m_family->setToolTip(u"Font"_s);
     m_family->setFixedWidth(narrowWidth);
     m_family->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_family->lineEdit()->installEventFilter(this);
+    m_family->installEventFilter(this);
     connect(m_family, &QComboBox::textActivated, this, &FontFields::applyFamily);
     connect(m_family->lineEdit(), &QLineEdit::returnPressed, this, [this] {
         const QString typed = m_family->lineEdit()->text().trimmed();
@@ -73,26 +87,23 @@ void FontFields::makeFamilies(QWidget *parent)
 void FontFields::makeSizes(QWidget *parent)
 {
     m_size = new QComboBox(parent);
+    m_size->setObjectName(u"fontSize"_s);
     m_size->setAccessibleName(u"Font Size"_s);
     m_size->setToolTip(u"Font Size"_s);
     m_size->setEditable(true);
+    m_size->lineEdit()->setAccessibleName(u"Font Size"_s);
     m_size->setInsertPolicy(QComboBox::NoInsert);
     m_size->setCompleter(nullptr);
     for (const int size : offeredFontSizes) {
         m_size->addItem(sizeText(size));
     }
     m_size->setMaxVisibleItems(int(offeredFontSizes.size()));
-    m_size->setValidator(
-        new QDoubleValidator(smallestFontSize, largestFontSize, fractionDigits, m_size));
     m_size->setFixedWidth(sizeWidth);
-    m_size->lineEdit()->installEventFilter(this);
+    m_size->installEventFilter(this);
     connect(m_size, &QComboBox::activated, this,
             [this](int index) { applySize(m_size->itemText(index)); });
-    connect(m_size->lineEdit(), &QLineEdit::returnPressed, this, [this] {
-        if (m_size->findText(m_size->currentText()) < 0) { // else it was activated already
-            applySize(m_size->currentText());
-        }
-    });
+    connect(m_size->lineEdit(), &QLineEdit::returnPressed, this,
+            [this] { applySize(m_size->currentText()); });
 }
 
 void FontFields::setEnabled(bool enabled)
@@ -106,12 +117,13 @@ void FontFields::setRoomy(bool roomy)
     m_family->setFixedWidth(roomy ? wideWidth : narrowWidth);
 }
 
-// What was typed and not confirmed was not meant.
+// What was typed and not confirmed was not meant. The field itself would take it up if it is one of
+// its items.
 bool FontFields::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FocusOut
         && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason) {
-        showLater();
+        show();
     }
     return QObject::eventFilter(watched, event);
 }
@@ -138,14 +150,18 @@ void FontFields::tellOfMissing(const QString &family)
 
 void FontFields::applySize(const QString &text)
 {
-    bool isNumber = false;
-    const double size = QLocale().toDouble(text, &isNumber);
-    if (!isNumber || size < smallestFontSize || size > largestFontSize) {
+    const std::optional<double> size = typedSize(text);
+    if (!size) {
         show();
+        m_size->lineEdit()->selectAll();
+        QToolTip::showText(m_size->mapToGlobal(m_size->rect().bottomLeft()),
+                           u"A font size is a number from %1 to %2."_s.arg(
+                               sizeText(smallestFontSize), sizeText(largestFontSize)),
+                           m_size);
         return;
     }
     QTextCharFormat look;
-    look.setFontPointSize(size);
+    look.setFontPointSize(*size);
     apply(look);
 }
 
@@ -196,6 +212,8 @@ void FontFields::show()
     };
     showFamily(common(familyOf));
     if (const QString size = common(sizeOf); m_size->currentText() != size) {
+        const QSignalBlocker quiet(m_size);
+        m_size->setCurrentIndex(m_size->findText(size));
         m_size->setEditText(size);
     }
 }

@@ -4,12 +4,12 @@
 #include <QString>
 
 class QComboBox;
-class QFontComboBox;
 class QTextCharFormat;
 class QWidget;
 
 namespace quorvane {
 
+class FontFamilyBox;
 class TextEditor;
 
 /// The fields that show and set the font of a text. They are empty where a selection has several.
@@ -23,7 +23,7 @@ public:
 
     QComboBox *size() const { return m_size; }
 
-    QFontComboBox *family() const { return m_family; }
+    FontFamilyBox *family() const { return m_family; }
 
     void setEnabled(bool enabled);
     /// Whether long names of families have room.
@@ -46,7 +46,7 @@ private:
     void tellOfMissing(const QString &family);
 
     TextEditor &m_editor;
-    QFontComboBox *m_family = nullptr;
+    FontFamilyBox *m_family = nullptr;
     QComboBox *m_size = nullptr;
     QString m_shownFamily;
     bool m_shows = false; // in this turn

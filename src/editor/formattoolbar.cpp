@@ -1,5 +1,6 @@
 #include "editor/formattoolbar.h"
 
+#include "editor/fontfamilybox.h"
 #include "editor/fontfields.h"
 #include "editor/glyphicon.h"
 #include "editor/paragraphstylebox.h"
@@ -7,7 +8,6 @@
 #include "editor/toolstrip.h"
 
 #include <QApplication>
-#include <QFontComboBox>
 #include <QKeyEvent>
 #include <QLayout>
 #include <QLineEdit>
@@ -15,6 +15,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -81,6 +82,8 @@ FormatToolbar::FormatToolbar(TextEditor &editor, TextCommands &commands, QWidget
     addGroups();
     QToolButton *find = button(TextCommand::Find);
     addWidget(find);
+    orderTabs();
+    connect(m_strip, &ToolStrip::moved, this, &FormatToolbar::orderTabs);
     defineKey();
     connect(&m_editor, &TextEditor::contentHiddenChanged, m_strip, &ToolStrip::closePanel);
 }
@@ -128,6 +131,12 @@ void FormatToolbar::addGroups()
         6);
     addTool(m_strip->moreButton());
     connect(m_fonts, &FontFields::applied, m_strip, &ToolStrip::closePanel);
+    const QAction *bigger = &m_commands.action(Command::Bigger);
+    const auto followSizes = [this, bigger] {
+        m_fonts->setEnabled(bigger->isEnabled());
+    };
+    connect(bigger, &QAction::changed, m_fonts, followSizes);
+    followSizes();
 }
 
 void FormatToolbar::addTool(QWidget *tool)
@@ -221,12 +230,8 @@ void FormatToolbar::addLockAction(QAction *action)
         lock->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         lock->setFocusPolicy(Qt::TabFocus);
         addTool(lock);
+        orderTabs();
     }
-}
-
-void FormatToolbar::setFormattingEnabled(bool enabled)
-{
-    m_fonts->setEnabled(enabled);
 }
 
 void FormatToolbar::resizeEvent(QResizeEvent *event)
@@ -300,6 +305,21 @@ bool FormatToolbar::eventFilter(QObject *watched, QEvent *event)
         return true;
     }
     return QToolBar::eventFilter(watched, event);
+}
+
+// As the tools stand on the screen, in the bar and in the panel, and to the text behind the last.
+void FormatToolbar::orderTabs()
+{
+    QWidget *lastInBar = nullptr;
+    QWidget *lastInPanel = nullptr;
+    for (QWidget *tool : std::as_const(m_tools)) {
+        QWidget *&last = m_strip->isInPanel(*tool) ? lastInPanel : lastInBar;
+        if (last) {
+            setTabOrder(last, tool);
+        }
+        last = tool;
+    }
+    setTabOrder(lastInBar, &m_editor);
 }
 
 void FormatToolbar::moveFocus(const QObject *from, int step)

@@ -25,10 +25,8 @@ public:
     /// \a editor and \a commands outlive the bar.
     FormatToolbar(TextEditor &editor, TextCommands &commands, QWidget *parent = nullptr);
 
-    /// Puts the action at the far end of the bar. setFormattingEnabled leaves it alone.
+    /// Puts the action at the far end of the bar.
     void addLockAction(QAction *action);
-    /// Off for a text that cannot be edited.
-    void setFormattingEnabled(bool enabled);
 
     /// What the bar shows for a command: its button, or the one that leads to it. Null where the
     /// bar is not seen.
@@ -49,6 +47,7 @@ private:
     void followMenu(QToolButton &button, bool showsCurrent);
     void addTool(QWidget *tool);
     void defineKey();
+    void orderTabs();
     void moveFocus(const QObject *from, int step);
     void leave();
 

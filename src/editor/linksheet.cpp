@@ -3,6 +3,7 @@
 #include "editor/textlinks.h"
 
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -26,8 +27,17 @@ LinkSheet::LinkSheet(const std::optional<QString> &text, const QString &address,
         m_text->setPlaceholderText(u"The address"_s);
         addField(u"&Text:"_s, m_text);
     }
-    const auto judge = [this] {
-        confirmButton().setEnabled(!this->address().isEmpty());
+    auto *fault = new QLabel(this);
+    fault->setTextFormat(Qt::PlainText);
+    fault->setWordWrap(true);
+    fault->setMinimumHeight(2 * fault->fontMetrics().lineSpacing()); // the sheet stays as it is
+    fault->setAlignment(Qt::AlignLeading | Qt::AlignTop);
+    form().addRow(fault);
+    const auto judge = [this, fault] {
+        const std::optional<QString> what = faultOfAddress(m_address->text());
+        fault->setText(what.value_or(QString()));
+        m_address->setAccessibleDescription(fault->text());
+        confirmButton().setEnabled(!what && !this->address().isEmpty());
     };
     connect(m_address, &QLineEdit::textChanged, this, judge);
     judge();

@@ -9,6 +9,7 @@
 #include "richtext/textproperties.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -192,13 +193,16 @@ void ListEditing::toggleDone()
 
 void ListEditing::fillStyles(QMenu &menu)
 {
+    delete menu.findChild<QActionGroup *>(); // of its former items
+    auto *group = new QActionGroup(&menu);
+    group->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
     for (const StyleRow &row : bulletStyles) {
         QTextListFormat style;
         if (row.marker != 0) {
             style.setProperty(ListMarker, QString(QChar(row.marker)));
         }
         setListKind(style, row.kind);
-        addStyle(menu, QString::fromUtf16(row.title), style);
+        addStyle(menu, *group, QString::fromUtf16(row.title), style);
     }
     menu.addSeparator();
     for (const QTextListFormat::Style kind : numberStyles) {
@@ -212,7 +216,7 @@ void ListEditing::fillStyles(QMenu &menu)
             for (int number = 1; number <= 3; ++number) {
                 sample << numberText(kind, number) + suffix;
             }
-            addStyle(menu, sample.join(u"  "_s), style);
+            addStyle(menu, *group, sample.join(u"  "_s), style);
         }
     }
     menu.addSeparator();
@@ -230,7 +234,8 @@ void ListEditing::fillStyles(QMenu &menu)
     addNumbering(u"&Continue Numbering"_s, u"Continue Numbering"_s, continueNumbers);
 }
 
-void ListEditing::addStyle(QMenu &menu, const QString &title, const QTextListFormat &style)
+void ListEditing::addStyle(QMenu &menu, QActionGroup &group, const QString &title,
+                           const QTextListFormat &style)
 {
     const QTextList *list = m_editor.textCursor().currentList();
     const bool isOn = list && listKind(list->format()) == listKind(style)
@@ -238,8 +243,9 @@ void ListEditing::addStyle(QMenu &menu, const QString &title, const QTextListFor
         && (!isNumbered(listKind(style))
             || numberSuffixOf(list->format()) == numberSuffixOf(style));
     QAction *action = menu.addAction(title);
-    action->setCheckable(isOn); // else each would have an empty box
+    action->setCheckable(true);
     action->setChecked(isOn);
+    action->setActionGroup(&group);
     action->setEnabled(!m_editor.isReadOnly());
     connect(action, &QAction::triggered, this, [this, style] { applyStyle(style); });
 }

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class QActionGroup;
 class QKeyEvent;
 class QMenu;
 class QMouseEvent;
@@ -35,7 +36,8 @@ private:
     void leaveLists(const QString &name);
     void toggleDone();
     void fillStyles(QMenu &menu);
-    void addStyle(QMenu &menu, const QString &title, const QTextListFormat &style);
+    void addStyle(QMenu &menu, QActionGroup &group, const QString &title,
+                  const QTextListFormat &style);
     void applyStyle(const QTextListFormat &style);
 
     bool pressKey(const QKeyEvent &event);

@@ -6,6 +6,7 @@
 
 #include <QTextBlock>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTextList>
 
 #include <algorithm>
@@ -130,7 +131,7 @@ QTextListFormat newListFormat(ListLook look, int level)
     }
     QTextListFormat format;
     format.setIndent(level);
-    format.setStyle(usualKind(look, level));
+    setListKind(format, usualKind(look, level));
     return format;
 }
 
@@ -217,12 +218,12 @@ void leaveList(const QTextBlock &block, LeftPlace place)
     if (level == 0) {
         return;
     }
-    changeBlock(block, [=](QTextBlockFormat &format) {
+    changeBlock(block, [=, &block](QTextBlockFormat &format) {
         format.setObjectIndex(-1);
         format.clearProperty(ListFirstIndent);
         format.setIndent(0);
-        setIndents(format, place == LeftPlace::Kept ? format.leftMargin() + level * indentStep : 0,
-                   0);
+        const double indent = level * block.document()->indentWidth();
+        setIndents(format, place == LeftPlace::Kept ? format.leftMargin() + indent : 0, 0);
     });
     partDeeper(block);
 }

@@ -7,6 +7,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPalette>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -88,7 +89,21 @@ void drawBox(QPainter &painter, const Mark &mark, bool isDone)
     painter.restore();
 }
 
-void drawText(QPainter &painter, const Mark &mark, const QString &text)
+/// Fonts draw bullets where they like. This brings them to the middle of small letters, half an em
+/// (which is what these are high) from the text.
+QPointF bulletShift(const Mark &mark, const QString &text, double width)
+{
+    const QFontMetricsF metrics = mark.metrics();
+    QPainterPath outline; // the tight rectangle of the metrics reaches down to the baseline
+    outline.addText(0, 0, mark.device ? QFont(mark.font, mark.device) : mark.font, text);
+    const QRectF ink = outline.boundingRect();
+    const double space = metrics.horizontalAdvance(u' ');
+    const double behind = mark.isRightToLeft ? ink.left() : width - ink.right();
+    const double gap = metrics.xHeight() - space - behind;
+    return {mark.isRightToLeft ? gap : -gap, -metrics.xHeight() / 2 - ink.center().y()};
+}
+
+void drawText(QPainter &painter, const Mark &mark, const QString &text, bool isBullet)
 {
     QTextLayout layout(text, mark.font, mark.device); // sized for the device, as the text is
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
@@ -103,7 +118,8 @@ void drawText(QPainter &painter, const Mark &mark, const QString &text)
     layout.endLayout();
     const double width = line.naturalTextWidth();
     const double left = mark.isRightToLeft ? mark.right : mark.right - width;
-    layout.draw(&painter, QPointF(left, mark.baseline - line.ascent()));
+    const QPointF place(left, mark.baseline - line.ascent());
+    layout.draw(&painter, isBullet ? place + bulletShift(mark, text, width) : place);
 }
 
 } // namespace
@@ -140,7 +156,7 @@ void drawListMarks(QPainter &painter, const QTextBlock &first, const QRectF &vie
         if (isChecklistItem(block)) {
             drawBox(painter, mark, isDone(block));
         } else {
-            drawText(painter, mark, listMarkOf(block));
+            drawText(painter, mark, listMarkOf(block), !isNumbered(listKind(list->format())));
         }
     }
 }

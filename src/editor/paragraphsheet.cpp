@@ -7,10 +7,8 @@
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
-#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -70,7 +68,7 @@ ParagraphSheet::ParagraphSheet(const QTextBlockFormat &format, bool isListItem, 
     form->addRow(QString(), m_pageBreak);
     column().addLayout(form);
     column().addStretch(1);
-    addButtons();
+    addButtons(u"OK"_s, u"Cancel"_s);
     setMinimumWidth(smallestWidth);
 }
 
@@ -153,15 +151,6 @@ LengthField *ParagraphSheet::addLength(QFormLayout &form, const QString &title, 
             [field] { field->setProperty("touched", true); });
     form.addRow(title, field);
     return field;
-}
-
-void ParagraphSheet::addButtons()
-{
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setDefault(true);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    column().addWidget(buttons);
 }
 
 void ParagraphSheet::applyTo(QTextBlockFormat &format) const

@@ -32,7 +32,6 @@ private:
     void addAlignment(QFormLayout &form);
     void addSpacing(QFormLayout &form);
     void addIndents(QFormLayout &form, bool isListItem);
-    void addButtons();
     LengthField *addLength(QFormLayout &form, const QString &title, bool isIndent, double pixels);
     void showSpacingUnit();
 

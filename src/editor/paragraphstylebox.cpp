@@ -2,9 +2,11 @@
 
 #include "editor/textcommands.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QKeyEvent>
 
+#include <algorithm>
 #include <iterator>
 
 using namespace Qt::StringLiterals;
@@ -62,6 +64,19 @@ void ParagraphStyleBox::follow()
     }
     setCurrentIndex(current);
     setEnabled(m_commands.action(TextCommand::BodyText).isEnabled());
+}
+
+// The list itself asks for room in its own font only.
+void ParagraphStyleBox::showPopup()
+{
+    constexpr int margins = 40;
+    int widest = 0;
+    for (int index = 0; index < count(); ++index) {
+        const QFontMetrics metrics(itemData(index, Qt::FontRole).value<QFont>());
+        widest = std::max(widest, metrics.horizontalAdvance(itemText(index)));
+    }
+    view()->setMinimumWidth(widest + margins);
+    QComboBox::showPopup();
 }
 
 // Each step of an arrow key would style the paragraph anew.

@@ -14,6 +14,8 @@ class ParagraphStyleBox final : public QComboBox
 public:
     explicit ParagraphStyleBox(TextCommands &commands, QWidget *parent = nullptr);
 
+    void showPopup() override;
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 

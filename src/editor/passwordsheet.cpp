@@ -7,7 +7,6 @@
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QLineEdit>
-#include <QPushButton>
 
 #include <utility>
 
@@ -92,7 +91,7 @@ PasswordSheet::PasswordSheet(Kind kind, QWidget *host)
     addFields(*form);
     column().addLayout(form);
     column().addStretch(1);
-    addButtons();
+    addButtons(textsOf(kind).accept, textsOf(kind).decline);
     setMinimumWidth(480);
 }
 
@@ -154,24 +153,6 @@ void PasswordSheet::describeFields()
             field->setAccessibleDescription(QStringList({capsLock, meter}).join(u' ').trimmed());
         }
     }
-}
-
-void PasswordSheet::addButtons()
-{
-    const SheetTexts texts = textsOf(m_kind);
-    auto *row = new QHBoxLayout;
-    row->addStretch(1);
-    auto *accepts = new QPushButton(texts.accept, this);
-    accepts->setDefault(true);
-    connect(accepts, &QPushButton::clicked, this, &PasswordSheet::accept);
-    accepts->setMinimumHeight(28);
-    row->addWidget(accepts);
-    auto *declines = new QPushButton(texts.decline, this);
-    declines->setAutoDefault(false);
-    connect(declines, &QPushButton::clicked, this, &PasswordSheet::reject);
-    declines->setMinimumHeight(28);
-    row->addWidget(declines);
-    column().addLayout(row);
 }
 
 void PasswordSheet::setPrevious(const QString &password)

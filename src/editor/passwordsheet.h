@@ -60,7 +60,6 @@ signals:
 private:
     void addFields(QFormLayout &form);
     QLineEdit *addField(QFormLayout &form, const QString &name);
-    void addButtons();
     void setEcho(bool clear);
     void judge();
     void describeFields();

@@ -3,6 +3,7 @@
 #include "editor/heightestimate.h"
 #include "editor/picturefile.h"
 #include "editor/placedattachment.h"
+#include "editor/tableshape.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/body.h"
 
@@ -11,6 +12,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextTable>
 #include <QUrl>
 
 #include <algorithm>
@@ -154,6 +156,33 @@ void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
     cursor.setCharFormat(format);
 }
 
+void dressTable(QTextTable &table)
+{
+    for (int row = 0; row < table.rows(); ++row) {
+        for (int column = 0; column < table.columns(); ++column) {
+            QTextTableCell cell = table.cellAt(row, column);
+            if (cell.row() == row && cell.column() == column) {
+                QTextTableCellFormat format = cell.format().toTableCellFormat();
+                addUsualLook(format, table.format());
+                cell.setFormat(format);
+            }
+        }
+    }
+}
+
+/// A table of other tables arranges a page, and is to be seen no more than it was meant to be.
+void dressTables(QTextFrame &frame)
+{
+    const QList<QTextFrame *> children = frame.childFrames();
+    for (QTextFrame *child : children) {
+        dressTables(*child);
+    }
+    auto *table = qobject_cast<QTextTable *>(&frame);
+    if (table && children.isEmpty()) {
+        dressTable(*table);
+    }
+}
+
 } // namespace
 
 QByteArray bodyOfHtml(const QString &html, const QFont &font)
@@ -171,6 +200,7 @@ QByteArray bodyOfHtml(const QString &html, const QFont &font)
         adapt(cursor, run->format, font);
         adoptImages(cursor, *run);
     }
+    dressTables(*document->rootFrame());
     cursor.endEditBlock();
     return bodyFromDocument(*document);
 }

@@ -16,6 +16,7 @@ struct PictureInfo
     QSize pixels; ///< As it is shown: turned as the file wants it, where \a isTurned.
     QSizeF natural; ///< In a document's pixels (1/96 inch), by the resolution that the file tells.
     QString ending; ///< Of a name for such a file, without a dot.
+    QString type; ///< By which programs know such a file: "image/png".
 };
 
 /// Nothing where the file is no picture that can be shown: of another kind, broken, or so large
@@ -26,6 +27,10 @@ std::optional<PictureInfo> pictureInfo(const QByteArray &bytes, bool isTurned = 
 /// The picture, no larger than \a most pixels and stretched to that shape; an empty one where it
 /// cannot be decoded after all. May be called from any thread.
 QImage decodedPicture(const QByteArray &bytes, const QSize &most, bool isTurned = true);
+
+/// The file of the picture as a PNG, in its own size where memory allows; empty where it cannot be
+/// decoded after all.
+QByteArray pngOf(const QByteArray &bytes, bool isTurned = true);
 
 /// Extensions, without a dot, of what may be shown.
 QStringList pictureFileTypes();

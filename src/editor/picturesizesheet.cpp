@@ -31,17 +31,15 @@ PictureSizeSheet::PictureSizeSheet(const QString &name, const QSizeF &size, cons
     grid->setColumnStretch(2, 1);
     grid->setHorizontalSpacing(12);
     m_width = addField(*grid, u"&Width:"_s, size.width());
-    m_width->setAccessibleName(u"Width"_s);
-    m_height = addField(*grid, u"&Height:"_s, size.height());
-    m_height->setAccessibleName(u"Height"_s);
-    m_keepsRatio = new QCheckBox(u"&Keep the ratio"_s, this);
-    m_keepsRatio->setChecked(true);
-    grid->addWidget(m_keepsRatio, 2, 1, 1, 2);
     auto *original = new QPushButton(u"&Original Size"_s, this);
     original->setAutoDefault(false);
     grid->addWidget(original, 0, 3);
+    m_height = addField(*grid, u"&Height:"_s, size.height());
+    m_keepsRatio = new QCheckBox(u"&Keep the ratio"_s, this);
+    m_keepsRatio->setChecked(true);
+    grid->addWidget(m_keepsRatio, 2, 1, 1, 2);
     column().addLayout(grid);
-    addButtons();
+    addButtons(u"Resize"_s, u"Cancel"_s);
     connect(m_width, &QDoubleSpinBox::valueChanged, this, [this] { follow(true); });
     connect(m_height, &QDoubleSpinBox::valueChanged, this, [this] { follow(false); });
     connect(m_keepsRatio, &QCheckBox::toggled, this, [this](bool keeps) {
@@ -68,26 +66,14 @@ QDoubleSpinBox *PictureSizeSheet::addField(QGridLayout &grid, const QString &tit
     return field;
 }
 
-void PictureSizeSheet::addButtons()
-{
-    auto *row = new QHBoxLayout;
-    row->addStretch(1);
-    const auto add = [&](const QString &title, int code) {
-        auto *button = new QPushButton(title, this);
-        button->setMinimumHeight(28);
-        button->setAutoDefault(false);
-        connect(button, &QPushButton::clicked, this, [this, code] { emit answered(code); });
-        row->addWidget(button);
-        return button;
-    };
-    add(u"Cancel"_s, QDialog::Rejected);
-    add(u"Resize"_s, QDialog::Accepted)->setDefault(true);
-    column().addLayout(row);
-}
-
 QSizeF PictureSizeSheet::chosenSize() const
 {
     return {m_width->value(), m_height->value()};
+}
+
+void PictureSizeSheet::accept()
+{
+    emit answered(QDialog::Accepted);
 }
 
 void PictureSizeSheet::reject()

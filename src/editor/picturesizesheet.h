@@ -20,6 +20,7 @@ public:
 
     QSizeF chosenSize() const;
 
+    void accept() override;
     void reject() override;
 
 signals:
@@ -31,7 +32,6 @@ protected:
 
 private:
     QDoubleSpinBox *addField(QGridLayout &grid, const QString &title, double value);
-    void addButtons();
     void follow(bool width);
     void showOriginal();
 

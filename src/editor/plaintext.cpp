@@ -11,19 +11,11 @@ namespace quorvane {
 
 namespace {
 
-constexpr char16_t cellBegins = 0xfdd0;
-
-bool standsFirst(const QTextDocument &document, const QTextBlock &block)
-{
-    const int position = block.position();
-    return position == 0 || document.characterAt(position - 1) == cellBegins;
-}
-
 /// An empty paragraph that is no part of the text: the toolkit wants one before a table.
-bool isScaffold(const QTextDocument &document, const QTextBlock &block)
+bool isScaffold(const QTextBlock &block)
 {
     if (block.length() > 1 || !block.blockFormat().boolProperty(BeforeTable)
-        || !standsFirst(document, block) || !block.next().isValid()) {
+        || !block.next().isValid()) {
         return false;
     }
     const QTextTable *within = QTextCursor(block).currentTable();
@@ -59,7 +51,7 @@ std::unique_ptr<QTextDocument> plainCopy(const QTextDocument &document,
     cursor.setBlockCharFormat(format);
     bool isFirst = true;
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        if (isScaffold(document, block)) {
+        if (isScaffold(block)) {
             continue;
         }
         if (!isFirst) {

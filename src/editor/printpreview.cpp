@@ -8,6 +8,7 @@
 #include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QPushButton>
+#include <QScreen>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -18,6 +19,7 @@ namespace quorvane {
 namespace {
 
 constexpr QSize usualSize(820, 760);
+constexpr int titleBar = 40; // or less
 
 QWidget *spacer(QWidget *parent)
 {
@@ -51,7 +53,8 @@ PrintPreview::PrintPreview(const QTextDocument &content, QPrinter &printer, QWid
     connect(m_pages, &QPrintPreviewWidget::paintRequested, this,
             [this](QPrinter *paper) { paint(*paper); });
     connect(m_pages, &QPrintPreviewWidget::previewChanged, this, &PrintPreview::showPage);
-    resize(usualSize);
+    const QSize room = screen()->availableSize() - QSize(0, titleBar);
+    resize(usualSize.boundedTo(room));
     m_pages->fitInView();
 }
 

@@ -3,7 +3,6 @@
 #include "editor/publicnoteview.h"
 
 #include <QBoxLayout>
-#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -18,14 +17,7 @@ PublicNoteSheet::PublicNoteSheet(QWidget *host)
 {
     m_view->setMinimumSize(400, 140);
     column().addWidget(m_view, 1);
-    auto *row = new QHBoxLayout;
-    row->addStretch(1);
-    auto *close = new QPushButton(u"Close"_s, this);
-    close->setDefault(true);
-    close->setMinimumHeight(28);
-    connect(close, &QPushButton::clicked, this, &PublicNoteSheet::reject);
-    row->addWidget(close);
-    column().addLayout(row);
+    addCloseButton(u"Close"_s);
     resize(480, 340);
 }
 

@@ -12,12 +12,6 @@ namespace quorvane {
 
 namespace {
 
-struct SelectedRange
-{
-    int from;
-    int to;
-};
-
 /// A stretch of one look within a block, or the end of the block.
 struct Run
 {
@@ -50,32 +44,6 @@ void forEachRun(const QTextDocument &document, const SelectedRange &range, bool 
             take({end - 1, end, block.next().charFormatIndex(), block.next().charFormat()});
         }
     }
-}
-
-/// What is selected, as stretches of the text: one, or one for each cell of a table.
-QList<SelectedRange> selectedRanges(const QTextCursor &cursor)
-{
-    int row = -1;
-    int rows = 0;
-    int column = -1;
-    int columns = 0;
-    if (cursor.hasComplexSelection()) {
-        cursor.selectedTableCells(&row, &rows, &column, &columns);
-    }
-    if (row < 0) {
-        return {{cursor.selectionStart(), cursor.selectionEnd()}};
-    }
-    QList<SelectedRange> ranges;
-    const QTextTable *table = cursor.currentTable();
-    for (int y = row; y < row + rows; ++y) {
-        for (int x = column; x < column + columns; ++x) {
-            const QTextTableCell cell = table->cellAt(y, x);
-            if (cell.row() == y && cell.column() == x) { // else a merged one that was here already
-                ranges.push_back({cell.firstPosition(), cell.lastPosition()});
-            }
-        }
-    }
-    return ranges;
 }
 
 void collectLooks(const QTextCursor &cursor, bool withEnds, QList<QTextCharFormat> &looks)
@@ -112,6 +80,31 @@ QString linkBehind(const QTextCursor &cursor, int position)
 }
 
 } // namespace
+
+QList<SelectedRange> selectedRanges(const QTextCursor &cursor)
+{
+    int row = -1;
+    int rows = 0;
+    int column = -1;
+    int columns = 0;
+    if (cursor.hasComplexSelection()) {
+        cursor.selectedTableCells(&row, &rows, &column, &columns);
+    }
+    if (row < 0) {
+        return {{cursor.selectionStart(), cursor.selectionEnd()}};
+    }
+    QList<SelectedRange> ranges;
+    const QTextTable *table = cursor.currentTable();
+    for (int y = row; y < row + rows; ++y) {
+        for (int x = column; x < column + columns; ++x) {
+            const QTextTableCell cell = table->cellAt(y, x);
+            if (cell.row() == y && cell.column() == x) { // else a merged one that was here already
+                ranges.push_back({cell.firstPosition(), cell.lastPosition()});
+            }
+        }
+    }
+    return ranges;
+}
 
 QList<QTextCharFormat> selectedLooks(const QTextCursor &cursor)
 {

@@ -8,6 +8,15 @@
 
 namespace quorvane {
 
+struct SelectedRange
+{
+    int from;
+    int to;
+};
+
+/// What is selected, as stretches of the text: one, or one for each cell of a table.
+QList<SelectedRange> selectedRanges(const QTextCursor &cursor);
+
 /// The looks that the characters of a selection have, each of them once; those of its paragraphs'
 /// ends where there is nothing but these.
 QList<QTextCharFormat> selectedLooks(const QTextCursor &cursor);

@@ -1,10 +1,12 @@
 #include "editor/statusbar.h"
 
+#include "editor/palelabel.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
 
 #include <QAction>
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
@@ -33,6 +35,7 @@ QString counted(qint64 count, const QString &one, const QString &many)
 StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     : m_editor(editor)
     , m_label(new QLabel(this))
+    , m_readOnly(new PaleLabel(u"Read only"_s, this))
     , m_zoom(new QToolButton(this))
 {
     setFrameShape(QFrame::NoFrame);
@@ -46,6 +49,7 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(14, 1, 6, 1);
     row->addWidget(m_label, 1);
+    row->addWidget(m_readOnly);
     row->addWidget(m_zoom);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &StatusBar::countOn);
@@ -54,7 +58,7 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
     connect(&editor, &QTextEdit::selectionChanged, this, &StatusBar::begin);
     connect(&editor, &TextEditor::contentReplaced, this, &StatusBar::begin);
     connect(&editor, &TextEditor::contentHiddenChanged, this, [this] {
-        m_label->clear();
+        tell({});
         begin();
     });
     connect(&editor, &TextEditor::zoomChanged, this, &StatusBar::showZoom);
@@ -67,13 +71,30 @@ StatusBar::StatusBar(TextEditor &editor, TextCommands &commands)
         [this] {
             return MenuItemState {true, {}, !isHidden()};
         });
+    m_readOnly->setVisible(editor.isReadOnly());
+    editor.installEventFilter(this);
     showZoom();
     begin();
 }
 
+bool StatusBar::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ReadOnlyChange) {
+        m_readOnly->setVisible(m_editor.isReadOnly());
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+void StatusBar::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    layout()->activate();
+    showWhatFits();
+}
+
 void StatusBar::begin()
 {
-    m_next = -1;
+    m_left.clear();
     m_timer.start(pauseMilliseconds);
 }
 
@@ -83,22 +104,26 @@ void StatusBar::countOn()
         return;
     }
     const QTextDocument &text = *m_editor.content();
-    if (m_next < 0) {
+    if (m_left.isEmpty()) {
         const QTextCursor caret = m_editor.textCursor();
         m_ofSelection = caret.hasSelection();
-        m_next = m_ofSelection ? caret.selectionStart() : 0;
-        m_end = m_ofSelection ? caret.selectionEnd() : text.characterCount();
+        m_left = m_ofSelection ? selectedRanges(caret)
+                               : QList<SelectedRange> {{0, text.characterCount()}};
         m_counts = {};
     }
     QElapsedTimer clock;
     clock.start();
-    QTextBlock block = text.findBlock(m_next);
-    for (int done = 0; block.isValid() && m_next < m_end; block = block.next()) {
-        const int from = m_next - block.position();
-        const int length = std::min(block.length() - 1, m_end - block.position()) - from;
+    for (int done = 1; !m_left.isEmpty(); ++done) {
+        SelectedRange &range = m_left.last();
+        const QTextBlock block = text.findBlock(range.from);
+        const int from = range.from - block.position();
+        const int length = std::min(block.length() - 1, range.to - block.position()) - from;
         m_counts += countsOf(QStringView(block.text()).mid(from, length));
-        m_next = block.position() + block.length();
-        if (++done % blocksAtOnce == 0 && clock.hasExpired(sliceMilliseconds)) {
+        range.from = block.position() + block.length();
+        if (range.from >= range.to) {
+            m_left.removeLast();
+        }
+        if (done % blocksAtOnce == 0 && clock.hasExpired(sliceMilliseconds)) {
             m_timer.start(0);
             return;
         }
@@ -111,8 +136,28 @@ void StatusBar::showCounts()
     const QStringList parts {counted(m_counts.words, u"word"_s, u"words"_s),
                              counted(m_counts.characters, u"character"_s, u"characters"_s),
                              counted(m_counts.paragraphs, u"paragraph"_s, u"paragraphs"_s)};
-    const QString what = parts.join(u"  ·  "_s);
-    m_label->setText(m_ofSelection ? u"Selected:  "_s + what : what);
+    tell(m_ofSelection ? QStringList(u"Selected:  "_s + parts.first()) + parts.sliced(1) : parts);
+}
+
+void StatusBar::tell(const QStringList &parts)
+{
+    m_parts = parts;
+    m_label->setAccessibleName(parts.join(u", "_s));
+    showWhatFits();
+}
+
+void StatusBar::showWhatFits()
+{
+    const auto textOf = [this](qsizetype count) {
+        return m_parts.first(count).join(u"  ·  "_s);
+    };
+    qsizetype count = m_parts.size();
+    while (count > 1
+           && m_label->fontMetrics().horizontalAdvance(textOf(count)) > m_label->width()) {
+        --count;
+    }
+    m_label->setText(textOf(count));
+    m_label->setToolTip(count < m_parts.size() ? textOf(m_parts.size()) : QString());
 }
 
 void StatusBar::showZoom()

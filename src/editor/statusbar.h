@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/selectedtext.h"
 #include "editor/textcounts.h"
 
 #include <QFrame>
@@ -22,18 +23,26 @@ class StatusBar final : public QFrame
 public:
     StatusBar(TextEditor &editor, TextCommands &commands);
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void begin();
     void countOn();
     void showCounts();
+    void tell(const QStringList &parts);
+    void showWhatFits();
     void showZoom();
 
     TextEditor &m_editor;
     QLabel *m_label = nullptr;
+    QStringList m_parts; // of what it says, the most wanted first
+    QLabel *m_readOnly = nullptr;
     QToolButton *m_zoom = nullptr;
     QTimer m_timer;
-    int m_next = 0; // where counting goes on
-    int m_end = 0;
+    QList<SelectedRange> m_left; // to be counted, from the end
     bool m_ofSelection = false;
     TextCounts m_counts; // so far
 };

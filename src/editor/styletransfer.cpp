@@ -124,7 +124,10 @@ StyleTransfer::StyleTransfer(TextEditor &editor, TextCommands &commands, StyleMe
     commands.define(
         TextCommand::ClearFormatting, [this] { clearFormatting(); }, writes);
     commands.define(
-        TextCommand::PasteAndMatchStyle, [this] { m_editor.pasteAndMatchStyle(); }, writes);
+        TextCommand::PasteAndMatchStyle, [this] { m_editor.pasteAndMatchStyle(); },
+        [this] {
+            return MenuItemState {m_offer.isFor(m_editor), {}, {}};
+        });
 }
 
 // Of the first character that is selected, or of the one before the caret.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editor/pasteoffer.h"
+
 #include <QObject>
 
 namespace quorvane {
@@ -22,6 +24,7 @@ private:
 
     TextEditor &m_editor;
     StyleMemory &m_memory;
+    PasteOffer m_offer;
 };
 
 } // namespace quorvane

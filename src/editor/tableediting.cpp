@@ -6,10 +6,12 @@
 #include "editor/textcommands.h"
 #include "editor/textcontextmenu.h"
 #include "editor/texteditor.h"
+#include "richtext/textproperties.h"
 
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPointer>
+#include <QTextBlock>
 #include <QTextTable>
 
 #include <algorithm>
@@ -274,6 +276,10 @@ bool TableEditing::eventFilter(QObject *watched, QEvent *event)
 
 bool TableEditing::takesKey(const QKeyEvent &key)
 {
+    const bool isReturn = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+    if (isReturn && (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+        return writeBeforeTable();
+    }
     const bool isTab = key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
     const bool isDeletion = key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete;
     if ((!isTab && !isDeletion) || m_editor.isContentHidden()
@@ -288,6 +294,25 @@ bool TableEditing::takesKey(const QKeyEvent &key)
     }
     const bool isBack = key.key() == Qt::Key_Backtab || key.modifiers().testFlag(Qt::ShiftModifier);
     return goToCell(!isBack);
+}
+
+// The paragraph that the toolkit wants before a table cannot be seen: one to write in comes first.
+bool TableEditing::writeBeforeTable()
+{
+    const QTextCursor caret = m_editor.textCursor();
+    const bool isThere = !caret.hasSelection() && caret.block().length() == 1
+        && caret.blockFormat().boolProperty(BeforeTable);
+    if (!isThere || m_editor.isReadOnly() || m_editor.isContentHidden()
+        || !m_editor.hasRoomFor(2 * m_editor.cursorRect().height())) {
+        return false;
+    }
+    return m_editor.edit(u"Typing"_s, [](QTextCursor &cursor) {
+        cursor.insertBlock();
+        cursor.movePosition(QTextCursor::PreviousBlock);
+        QTextBlockFormat format = cursor.blockFormat();
+        format.clearProperty(BeforeTable);
+        cursor.setBlockFormat(format);
+    });
 }
 
 bool TableEditing::goToCell(bool forward)

@@ -53,6 +53,7 @@ private:
     void addToMenu(QMenu &menu, const QTextCursor &at);
     std::optional<Target> target() const;
     bool takesKey(const QKeyEvent &key);
+    bool writeBeforeTable();
     bool goToCell(bool forward);
     bool typeTab();
     bool removeSelectedTable();

@@ -205,13 +205,7 @@ QTextTableCellFormat newCellFormat(const QTextCharFormat &text)
     for (const int property : fontProperties) {
         format.setProperty(property, text.property(property));
     }
-    format.setBorder(borderWidth);
-    format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
-    format.setBorderBrush(QColor(borderColour));
-    format.setLeftPadding(sidePadding);
-    format.setRightPadding(sidePadding);
-    format.setTopPadding(upperPadding);
-    format.setBottomPadding(upperPadding);
+    addUsualLook(format, QTextTableFormat());
     return format;
 }
 
@@ -245,6 +239,47 @@ QTextBlockFormat makeWay(QTextCursor &cursor)
 }
 
 } // namespace
+
+void addUsualLook(QTextTableCellFormat &format, const QTextTableFormat &table)
+{
+    struct Side
+    {
+        QTextFormat::Property width;
+        QTextFormat::Property style;
+        QTextFormat::Property brush;
+        QTextFormat::Property padding;
+        double usualPadding;
+    };
+
+    constexpr Side sides[] = {
+        {QTextFormat::TableCellTopBorder, QTextFormat::TableCellTopBorderStyle,
+         QTextFormat::TableCellTopBorderBrush, QTextFormat::TableCellTopPadding, upperPadding},
+        {QTextFormat::TableCellBottomBorder, QTextFormat::TableCellBottomBorderStyle,
+         QTextFormat::TableCellBottomBorderBrush, QTextFormat::TableCellBottomPadding,
+         upperPadding},
+        {QTextFormat::TableCellLeftBorder, QTextFormat::TableCellLeftBorderStyle,
+         QTextFormat::TableCellLeftBorderBrush, QTextFormat::TableCellLeftPadding, sidePadding},
+        {QTextFormat::TableCellRightBorder, QTextFormat::TableCellRightBorderStyle,
+         QTextFormat::TableCellRightBorderBrush, QTextFormat::TableCellRightPadding, sidePadding},
+    };
+    const QColor told = table.borderBrush().color();
+    const QColor colour = told.isValid() && told != Qt::darkGray && told != Qt::black // by default
+        ? told
+        : QColor(borderColour);
+    for (const Side &side : sides) {
+        const bool isTold = format.hasProperty(side.width)
+            || (format.hasProperty(side.brush) && table.border() <= 0); // there is to be none
+        if (!isTold) {
+            format.setProperty(side.width, table.border() > 0 ? table.border() : borderWidth);
+            format.setProperty(side.style, QTextFrameFormat::BorderStyle_Solid);
+            format.setProperty(side.brush, QBrush(colour));
+        }
+        if (!format.hasProperty(side.padding)) {
+            format.setProperty(side.padding,
+                               table.cellPadding() > 0 ? table.cellPadding() : side.usualPadding);
+        }
+    }
+}
 
 int tableDepthAt(const QTextCursor &cursor)
 {

@@ -2,6 +2,8 @@
 
 class QTextCursor;
 class QTextTable;
+class QTextTableCellFormat;
+class QTextTableFormat;
 
 namespace quorvane {
 
@@ -27,6 +29,10 @@ int tableDepthAt(const QTextCursor &cursor);
 /// Puts a table behind the selection, as wide as the text, with thin borders and the look of the
 /// text around; the cursor goes to the first cell. There is a paragraph before it and one behind.
 QTextTable *insertTable(QTextCursor &cursor, int rows, int columns, bool hasHeader);
+
+/// Gives a cell the borders and the padding of its table, or of a new one, where it has none of its
+/// own.
+void addUsualLook(QTextTableCellFormat &format, const QTextTableFormat &table);
 
 // The toolkit's own operations put cells in wrong places where merged ones are near, and give new
 // cells no look. These keep both: what a merged cell covers grows and shrinks with the table, new

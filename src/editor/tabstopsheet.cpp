@@ -5,9 +5,7 @@
 
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QPushButton>
 
 #include <cmath>
 
@@ -48,12 +46,8 @@ TabStopSheet::TabStopSheet(const TabStop &stop, QWidget *host)
     form->addRow(u"&Alignment:"_s, m_type);
     form->addRow(u"&Leader:"_s, m_leader);
     column().addLayout(form);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setDefault(true);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column().addStretch(1);
-    column().addWidget(buttons);
+    addButtons(u"OK"_s, u"Cancel"_s);
     setMinimumWidth(smallestWidth);
 }
 

@@ -1,6 +1,7 @@
 #include "editor/textcommands.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QWidget>
@@ -61,7 +62,7 @@ QList<Row> rows()
         {Command::WiderSpacing, u"&1½ Spacing"_s, {Qt::CTRL | Qt::Key_5}},
         {Command::DoubleSpacing, u"&Double Spacing"_s, {Qt::CTRL | Qt::Key_2}},
         {Command::Paragraph, u"&Paragraph…"_s, {}},
-        {Command::IncreaseIndent, u"&Increase Indent"_s, {Qt::ALT | Qt::SHIFT | Qt::Key_Right}},
+        {Command::IncreaseIndent, u"I&ncrease Indent"_s, {Qt::ALT | Qt::SHIFT | Qt::Key_Right}},
         {Command::DecreaseIndent, u"&Decrease Indent"_s, {Qt::ALT | Qt::SHIFT | Qt::Key_Left}},
         {Command::BulletedList, u"&Bulleted List"_s, {ctrlShift | Qt::Key_8}},
         {Command::NumberedList, u"&Numbered List"_s, {ctrlShift | Qt::Key_7}},
@@ -105,6 +106,20 @@ QList<Row> rows()
     };
 }
 
+/// Of each of these, a paragraph has one at most.
+const QList<QList<TextCommand>> &choices()
+{
+    using Command = TextCommand;
+    static const QList<QList<TextCommand>> all = {
+        {Command::AlignLeft, Command::AlignCentre, Command::AlignRight, Command::Justify},
+        {Command::SingleSpacing, Command::WiderSpacing, Command::DoubleSpacing},
+        {Command::BulletedList, Command::NumberedList, Command::Checklist},
+        {Command::BodyText, Command::Heading1, Command::Heading2, Command::Heading3,
+         Command::Heading4, Command::Heading5, Command::Heading6},
+    };
+    return all;
+}
+
 } // namespace
 
 TextCommands::TextCommands(QObject *parent)
@@ -117,6 +132,13 @@ TextCommands::TextCommands(QObject *parent)
         action->setEnabled(false);
         m_keys += QSet(row.shortcuts.begin(), row.shortcuts.end());
         m_commands[row.command].action = action;
+    }
+    for (const QList<TextCommand> &choice : choices()) {
+        auto *group = new QActionGroup(this);
+        group->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+        for (const TextCommand command : choice) {
+            group->addAction(m_commands[command].action);
+        }
     }
 }
 

@@ -49,17 +49,19 @@ void TextContextMenu::addUsual(QMenu &menu)
 {
     const bool writes = !m_editor.isReadOnly();
     const bool selected = m_editor.textCursor().hasSelection();
-    const auto add = [&](const QString &title, bool enabled, void (QTextEdit::*run)()) {
+    const auto add = [&](const QString &title, QKeySequence::StandardKey key, bool enabled,
+                         void (QTextEdit::*run)()) {
         QAction *action = menu.addAction(title);
+        action->setShortcut(key); // to be read: the menu is gone before anybody presses it
         action->setEnabled(enabled);
         connect(action, &QAction::triggered, &m_editor, run);
     };
-    add(u"Cu&t"_s, writes && selected, &QTextEdit::cut);
-    add(u"&Copy"_s, selected, &QTextEdit::copy);
-    add(u"&Paste"_s, writes && m_editor.canPaste(), &QTextEdit::paste);
+    add(u"Cu&t"_s, QKeySequence::Cut, writes && selected, &QTextEdit::cut);
+    add(u"&Copy"_s, QKeySequence::Copy, selected, &QTextEdit::copy);
+    add(u"&Paste"_s, QKeySequence::Paste, writes && m_editor.canPaste(), &QTextEdit::paste);
     menu.addAction(&m_commands.action(TextCommand::PasteAndMatchStyle));
     menu.addSeparator();
-    add(u"Select &All"_s, true, &QTextEdit::selectAll);
+    add(u"Select &All"_s, QKeySequence::SelectAll, true, &QTextEdit::selectAll);
 }
 
 } // namespace quorvane

@@ -18,10 +18,10 @@ bool isIdeograph(char32_t character)
     }
 }
 
-bool joins(char32_t character)
+/// Dashes do so without blanks around them, too.
+bool partsWords(char32_t character)
 {
-    return character == U'\'' || character == U'-' || character == U'\u2019'
-        || character == U'\u00ad' || character == U'\u2011';
+    return QChar::isSpace(character) || character == U'\u2013' || character == U'\u2014';
 }
 
 } // namespace
@@ -38,7 +38,6 @@ TextCounts countsOf(QStringView paragraph)
 {
     TextCounts counts;
     bool isInWord = false;
-    bool mayJoin = false; // the last character was one that only letters make part of a word
     bool hasContent = false;
     for (qsizetype index = 0; index < paragraph.size(); ++index) {
         char32_t character = paragraph.at(index).unicode();
@@ -49,14 +48,14 @@ TextCounts countsOf(QStringView paragraph)
         }
         ++counts.characters;
         hasContent = hasContent || !QChar::isSpace(character);
-        const bool isLetter = QChar::isLetterOrNumber(character) || QChar::isMark(character);
-        if (isLetter && (isIdeograph(character) || (!isInWord && !mayJoin))) {
+        if (isIdeograph(character)) {
             ++counts.words;
-        }
-        mayJoin = isInWord && joins(character);
-        isInWord = isLetter && !isIdeograph(character);
-        if (isLetter) {
-            mayJoin = false;
+            isInWord = false;
+        } else if (partsWords(character)) {
+            isInWord = false;
+        } else if (!isInWord && QChar::isLetterOrNumber(character)) {
+            ++counts.words;
+            isInWord = true;
         }
     }
     counts.paragraphs = hasContent ? 1 : 0;

@@ -17,8 +17,8 @@ struct TextCounts
     bool operator==(const TextCounts &) const = default;
 };
 
-/// The counts of one paragraph. A word is a run of letters, digits and marks; an apostrophe or a
-/// hyphen between two letters belongs to it; each ideograph is a word.
+/// The counts of one paragraph. Words are parted by blanks and dashes, and have a letter or a digit
+/// in them; each ideograph is a word.
 TextCounts countsOf(QStringView paragraph);
 
 } // namespace quorvane

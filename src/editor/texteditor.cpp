@@ -265,7 +265,10 @@ bool TextEditor::edit(const QString &name, const std::function<void(QTextCursor 
         cursor.beginEditBlock();
         change(cursor);
         cursor.endEditBlock();
-        setTextCursor(cursor);
+        const QTextCursor caret = textCursor();
+        if (cursor.position() != caret.position() || cursor.anchor() != caret.anchor()) {
+            setTextCursor(cursor); // scrolls to it
+        }
     });
     return true;
 }
@@ -338,6 +341,12 @@ void TextEditor::keyPressEvent(QKeyEvent *event)
     m_unsettled.reset();
     if (!isReadOnly() && insertsText(event->text()) && !hasRoomFor(2 * cursorRect().height())) {
         refuse();
+        return;
+    }
+    const bool undoes = event->matches(QKeySequence::Undo);
+    if (!isReadOnly() && (undoes || event->matches(QKeySequence::Redo))) {
+        m_typed = 0;
+        undoes ? undo() : redo();
         return;
     }
     const UndoNames::Scope scope(m_undoNames, stepOf(*event));
@@ -428,7 +437,9 @@ void TextEditor::wheelEvent(QWheelEvent *event)
 {
     m_unsettled.reset();
     if (!event->modifiers().testFlag(Qt::ControlModifier)) {
-        QTextEdit::wheelEvent(event);
+        if (!m_scrolling.take(*event)) {
+            QTextEdit::wheelEvent(event);
+        }
         return;
     }
     m_wheelTurn += event->angleDelta().y();

@@ -2,6 +2,7 @@
 
 #include "editor/firstlook.h"
 #include "editor/layoutguard.h"
+#include "editor/smoothscrolling.h"
 #include "editor/textspan.h"
 #include "editor/undonames.h"
 #include "editor/zoomeddevice.h"
@@ -118,6 +119,11 @@ public:
 
     QVariant loadResource(int type, const QUrl &name) override;
 
+public slots: // in the place of the toolkit's, which menus call by name
+    /// Take back a step, or do it again. The view stays where it is as long as the change is seen.
+    void undo();
+    void redo();
+
 signals:
     /// An edit was refused, or an undo or a program has made the text taller than it should be.
     void tooTall();
@@ -199,6 +205,7 @@ private:
     void pinWrap();
     void paginate();
 
+    void keepInView(const std::function<void()> &change);
     Place place() const;
     void restore(const Place &place);
     void restoreScroll(const Place &place);
@@ -225,6 +232,7 @@ private:
 
     Place m_place; // of the hidden content
     std::optional<Place> m_unsettled; // to be found again when the window has its size
+    SmoothScrolling m_scrolling {*this};
     QTimer m_settling;
 };
 

@@ -96,6 +96,36 @@ TextSpan TextEditor::spanIn(const QRect &view) const
     return {from, end - from};
 }
 
+void TextEditor::undo()
+{
+    keepInView([this] { QTextEdit::undo(); });
+}
+
+void TextEditor::redo()
+{
+    keepInView([this] { QTextEdit::redo(); });
+}
+
+// The toolkit goes to the end of what has changed.
+void TextEditor::keepInView(const std::function<void()> &change)
+{
+    std::optional<TextSpan> changed;
+    const auto note = [&changed](int position, int, int added) {
+        const int from = changed ? std::min(changed->from, position) : position;
+        const int end = std::max(changed ? changed->end() : 0, position + added);
+        changed = TextSpan {from, end - from};
+    };
+    const auto noting = connect(m_content.get(), &QTextDocument::contentsChange, this, note);
+    const int scroll = verticalScrollBar()->value();
+    change();
+    disconnect(noting);
+    verticalScrollBar()->setValue(scroll);
+    const TextSpan inView = spanIn(viewport()->rect());
+    if (changed && (changed->from > inView.end() || changed->end() < inView.from)) {
+        ensureCursorVisible();
+    }
+}
+
 TextEditor::Place TextEditor::place() const
 {
     const QTextCursor cursor = textCursor();

@@ -3,6 +3,7 @@
 #include "editor/insertion.h"
 #include "editor/texteditor.h"
 
+#include <QLocale>
 #include <QTextDocument>
 
 #include <algorithm>
@@ -35,12 +36,13 @@ bool holdsObject(const QString &subject, const TextSpan &span)
 
 QString outcomeOf(qsizetype replaced, int left)
 {
-    QString words =
-        replaced == 1 ? u"Replaced 1 match."_s : u"Replaced %1 matches."_s.arg(replaced);
+    const QLocale locale;
+    QString words = replaced == 1 ? u"Replaced 1 match."_s
+                                  : u"Replaced %1 matches."_s.arg(locale.toString(replaced));
     if (left > 0) {
-        words += left == 1
-            ? u" 1 match holds a picture or a file and was left as it is."_s
-            : u" %1 matches hold pictures or files and were left as they are."_s.arg(left);
+        words += left == 1 ? u" 1 match holds a picture or a file and was left as it is."_s
+                           : u" %1 matches hold pictures or files and were left as they are."_s.arg(
+                               locale.toString(left));
     }
     return words;
 }

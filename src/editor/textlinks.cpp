@@ -9,6 +9,7 @@
 #include <QTextDocument>
 #include <QUrl>
 
+#include <algorithm>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -38,8 +39,8 @@ bool isWeb(const QString &text)
 bool isBehindAddress(QStringView text)
 {
     const QChar last = text.back();
-    const bool isOwn = (last == u')' && text.contains(u'('))
-        || (last == u']' && text.contains(u'[')) || (last == u'}' && text.contains(u'{'));
+    const qsizetype bracket = u")]}"_s.indexOf(last);
+    const bool isOwn = bracket >= 0 && text.count(last) <= text.count(u"([{"_s.at(bracket));
     return closing.contains(last) && !isOwn;
 }
 
@@ -141,6 +142,22 @@ QString completedAddress(const QString &typed)
         return QUrl::fromLocalFile(text).toString(QUrl::FullyEncoded);
     }
     return isMail(text) ? u"mailto:"_s + text : u"https://"_s + text;
+}
+
+std::optional<QString> faultOfAddress(const QString &typed)
+{
+    const QString text = typed.trimmed();
+    const bool isPath = text.startsWith(u'/');
+    if (!isPath && std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); })) {
+        return u"An address has no blanks in it. In the name of a file, %20 stands for one."_s;
+    }
+    const QString address = completedAddress(text);
+    const QUrl url(address, QUrl::StrictMode);
+    const bool isWeb = url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
+    const bool isWhole = !url.isEmpty() && url.isValid() && (!isWeb || !url.host().isEmpty());
+    return text.isEmpty() || isWhole
+        ? std::nullopt
+        : std::optional(u"“%1” is no address that can be opened."_s.arg(address));
 }
 
 std::optional<PlainAddress> addressIn(const QString &word)

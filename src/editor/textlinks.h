@@ -30,6 +30,9 @@ void addLink(QTextCharFormat &format, const QString &address);
 /// An address as somebody types it, with its scheme: https where none is told, mailto for mail.
 QString completedAddress(const QString &typed);
 
+/// What is wrong with an address as it was typed; nothing where it can be one.
+std::optional<QString> faultOfAddress(const QString &typed);
+
 /// Part of a text that can be nothing but an address.
 struct PlainAddress
 {

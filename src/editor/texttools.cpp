@@ -14,6 +14,7 @@
 #include "editor/linkediting.h"
 #include "editor/linkfollowing.h"
 #include "editor/listediting.h"
+#include "editor/objectselection.h"
 #include "editor/paragraphbreaks.h"
 #include "editor/paragraphstyles.h"
 #include "editor/pictureediting.h"
@@ -66,6 +67,7 @@ struct TextTools::Tools
     TableMarks tableMarks {editor};
     ColumnResizing columns {editor};
     CharacterStyles characters {editor, commands};
+    ObjectSelection objectSelection {editor};
     AttachmentInsertion insertion;
     AttachmentEditing attachments;
     PictureEditing pictures; // its handles come before what lies under them

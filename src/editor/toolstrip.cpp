@@ -98,6 +98,11 @@ void ToolStrip::closePanel()
     m_panel->close();
 }
 
+bool ToolStrip::isInPanel(const QWidget &tool) const
+{
+    return m_panel->isAncestorOf(&tool);
+}
+
 int ToolStrip::widthOfFitting() const
 {
     int width = -groupDistance;
@@ -168,6 +173,7 @@ void ToolStrip::fillPanel()
             group.box->show();
         }
     }
+    emit moved();
 }
 
 QSize ToolStrip::sizeHint() const

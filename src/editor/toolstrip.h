@@ -26,8 +26,14 @@ public:
 
     void closePanel();
 
+    bool isInPanel(const QWidget &tool) const;
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+
+signals:
+    /// Tools went into the panel, or came back.
+    void moved();
 
 protected:
     bool event(QEvent *event) override;

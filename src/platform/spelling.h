@@ -19,9 +19,10 @@ public:
     virtual bool knows(const QString &word) = 0;
     /// The best first.
     virtual QStringList suggestions(const QString &word) = 0;
-    /// Writes the word into the person's own list. Nothing else here ever writes a word.
+    /// Writes the word into the person's own list of this language. Nothing else here ever writes a
+    /// word.
     virtual void learn(const QString &word) = 0;
-    /// Takes the word for known as long as the program runs.
+    /// Takes the word for known in every language as long as the program runs.
     virtual void ignore(const QString &word) = 0;
 };
 

@@ -1,7 +1,5 @@
 #include "platform_qt/enchantspelling.h"
 
-#include <QSet>
-
 #include <utility>
 
 #include <enchant-2/enchant.h>
@@ -45,7 +43,7 @@ public:
     bool knows(const QString &word) override
     {
         const QByteArray utf8 = word.toUtf8();
-        return m_ignored.contains(word)
+        return m_spelling.m_ignored.contains(word)
             || enchant_dict_check(m_dictionary, utf8.constData(), utf8.size()) <= 0;
     }
 
@@ -73,7 +71,7 @@ public:
 
     void ignore(const QString &word) override
     {
-        m_ignored.insert(word);
+        m_spelling.m_ignored.insert(word);
         emit m_spelling.wordsChanged();
     }
 
@@ -81,7 +79,6 @@ private:
     EnchantSpelling &m_spelling;
     Broker m_broker {nullptr, enchant_broker_free};
     EnchantDict *m_dictionary = nullptr;
-    QSet<QString> m_ignored;
 };
 
 EnchantSpelling::EnchantSpelling()

@@ -2,6 +2,8 @@
 
 #include "platform/spelling.h"
 
+#include <QSet>
+#include <QString>
 #include <QThreadPool>
 
 #include <map>
@@ -36,6 +38,7 @@ private:
     void answer(Entry &entry);
 
     std::map<QString, Entry> m_entries;
+    QSet<QString> m_ignored; // in every language
     QThreadPool m_readers;
 };
 

@@ -82,7 +82,7 @@ void setListKind(QTextListFormat &format, QTextListFormat::Style kind)
 {
     const bool isOwn = isNumbered(kind)
         ? format.hasProperty(ListStart) || format.hasProperty(ListLevelText)
-        : kind == QTextListFormat::ListDisc && format.hasProperty(ListMarker);
+        : kind >= QTextListFormat::ListSquare && kind <= QTextListFormat::ListDisc;
     format.setStyle(isOwn ? QTextListFormat::ListStyleUndefined : kind);
     if (isOwn) {
         format.setProperty(ListKind, int(kind));

@@ -7,9 +7,9 @@ class QTextBlock;
 
 namespace quorvane {
 
-/// What stands before the items of a list. Marks that the toolkit cannot show as they are
-/// (ListMarker, ListStart, ListLevelText) have ListStyleUndefined, so that it shows none, and their
-/// style in ListKind.
+/// What stands before the items of a list. Marks that the toolkit cannot show as they are (bullets,
+/// ListStart, ListLevelText) have ListStyleUndefined, so that it shows none, and their style in
+/// ListKind.
 QTextListFormat::Style listKind(const QTextListFormat &format);
 
 bool isNumbered(QTextListFormat::Style kind);

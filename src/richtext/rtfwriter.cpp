@@ -107,7 +107,6 @@ QByteArray RtfWriter::documentWords()
 void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &end,
                            const char *lastEnding)
 {
-    bool isFirst = true;
     while (at != end) {
         QTextFrame *child = at.currentFrame();
         const QTextBlock block = at.currentBlock();
@@ -116,10 +115,9 @@ void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &
             writeChild(*child);
         } else if (at == end) {
             writeBlock(block, lastEnding);
-        } else if (!isFirst || !standsBeforeTable(block, at)) {
+        } else if (!standsBeforeTable(block, at)) {
             writeBlock(block, paragraphEnding);
         }
-        isFirst = false;
     }
 }
 

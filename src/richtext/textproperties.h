@@ -95,8 +95,7 @@ enum TextProperty {
     ListFirstIndent, ///< int, twips, \fi of a list's paragraph where it is not the platform's,
                      ///< -\li.
     BeforeTable, ///< true on an empty paragraph that is only there because Qt wants one before a
-    ///< table. Not written while it is empty, the first one of the document or of its
-    ///< cell, and a table follows at once.
+    ///< table. Not written while it is empty, and a table follows at once: it cannot be seen.
     // On a QTextListFormat.
     ListStart, ///< int, \levelstartat where it is not 1.
     ListMarker, ///< QString, a bullet that is none of Qt's ("\u2043", "-"); the kind is ListDisc.

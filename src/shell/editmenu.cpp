@@ -105,7 +105,7 @@ QWidget *EditMenu::text() const
     return text && text->isVisibleTo(&m_window) ? text : nullptr;
 }
 
-EditMenu::Abilities EditMenu::abilities() const
+EditMenu::Abilities EditMenu::abilities()
 {
     const QWidget *edited = text();
     if (const auto *field = qobject_cast<const QLineEdit *>(edited)) {
@@ -115,7 +115,11 @@ EditMenu::Abilities EditMenu::abilities() const
         return abilitiesOf(*plain);
     }
     const auto *rich = qobject_cast<const QTextEdit *>(edited);
-    return rich ? abilitiesOf(*rich) : Abilities();
+    Abilities abilities = rich ? abilitiesOf(*rich) : Abilities();
+    if (const auto *editor = qobject_cast<const TextEditor *>(edited)) {
+        abilities.paste = m_offer.isFor(*editor);
+    }
+    return abilities;
 }
 
 void EditMenu::deleteSelection()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editor/pasteoffer.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -34,11 +36,12 @@ public:
 
 private:
     QWidget *text() const; // null where there is none to act on
-    Abilities abilities() const;
+    Abilities abilities();
     void deleteSelection();
 
     QMainWindow &m_window;
     QPointer<QWidget> m_last;
+    PasteOffer m_offer;
 };
 
 } // namespace quorvane

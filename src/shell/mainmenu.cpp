@@ -13,6 +13,7 @@
 #include "shell/windowmenu.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QEvent>
 #include <QMainWindow>
 #include <QMenu>
@@ -46,13 +47,13 @@ const CommandRow &rowOf(DocumentAction action)
         {Action::ExportToTEXT, u"To &Plain Text…"_s, {}},
         {Action::ExportToRTF, u"To &RTF…"_s, {}},
         {Action::ExportToRTFD, u"To RTF&D…"_s, {}},
-        {Action::DocumentPassword, u"Document Pass&word…"_s, {}},
+        {Action::DocumentPassword, u"&Document Password…"_s, {}},
         {Action::EditPublicNote, u"Public No&te…"_s, {}},
         {Action::LockDocument, u"&Lock Document…"_s, Qt::CTRL | Qt::Key_L},
         {Action::RunPageLayout, u"Page Set&up…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_P},
         {Action::PrintPreview, u"Print Previe&w…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O},
         {Action::PrintDocument, u"&Print…"_s, QKeySequence::Print},
-        {Action::MakePlainText, u"Make &Plain Text…"_s, {}},
+        {Action::MakePlainText, u"Make Plain &Text…"_s, {}},
         {Action::SwitchReadAndWrite, u"Prevent Editing"_s, {}},
         {Action::SetReadOnly, u"Read &Only"_s, {}},
         {Action::SetReadAndWrite, u"Read and &Write"_s, {}},
@@ -92,12 +93,15 @@ MainMenu::MainMenu(QMainWindow &window, const MenuSurroundings &surroundings,
     m_items->validate();
 }
 
-// A key that nobody in the window wants for himself goes to the shortcuts next.
 bool MainMenu::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
+        // A key that nobody in the window wants for himself goes to the shortcuts next.
         m_items->validate();
         m_textCommands->validate();
+    } else if (event->type() == QEvent::WindowBlocked || event->type() == QEvent::WindowUnblocked) {
+        // The sheet is not yet known to be up, or gone.
+        QMetaObject::invokeMethod(m_items, &MenuItems::validate, Qt::QueuedConnection);
     }
     return QObject::eventFilter(watched, event);
 }
@@ -151,15 +155,25 @@ void MainMenu::addCommand(QMenu &menu, DocumentAction action)
         return;
     }
     MyDocument *document = &m_document->document;
+    const auto hasSheet = [document] {
+        const NSWindow *window = document->windowForSheet();
+        return window && window->attachedSheet();
+    };
     QAction *item = m_items->add(
         menu, row.title, row.shortcut,
-        [document, run = command->second] {
+        [hasSheet, run = command->second] {
             // A sheet keeps people from the menus, but not assistive programs.
-            if (!document->windowForSheet() || !document->windowForSheet()->attachedSheet()) {
+            if (!hasSheet()) {
                 run();
             }
         },
-        [document, action] { return document->validateMenuItem(action); });
+        [document, action, hasSheet] {
+            MenuItemState state = document->validateMenuItem(action);
+            // This one is seen in the toolbar, too.
+            const bool isHeld = action == DocumentAction::LockDocument && hasSheet();
+            state.enabled = state.enabled && !isHeld;
+            return state;
+        });
     if (action == DocumentAction::LockDocument) {
         showLockInToolbar(*item);
     }
@@ -273,7 +287,12 @@ void MainMenu::buildFormatMenu()
     menu->addSeparator();
     addCommands(*menu, {Action::MakePlainText});
     menu->addSeparator();
-    addCommands(*menu, {Action::SwitchReadAndWrite, Action::SetReadOnly, Action::SetReadAndWrite});
+    addCommands(*menu, {Action::SwitchReadAndWrite});
+    auto *access = new QActionGroup(menu);
+    for (const Action action : {Action::SetReadOnly, Action::SetReadAndWrite}) {
+        addCommand(*menu, action);
+        access->addAction(menu->actions().last());
+    }
 }
 
 void MainMenu::buildTableMenu()

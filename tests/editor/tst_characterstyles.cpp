@@ -14,6 +14,7 @@
 #include "support/writtentext.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QClipboard>
 #include <QColorDialog>
 #include <QMimeData>
@@ -278,6 +279,14 @@ private slots:
         ColourPalette *shown = openPalette(choose);
         QVERIFY(shown);
         QVERIFY2(named(*shown, none)->isChecked(), "nothing has a colour yet");
+        QStringList offered;
+        auto *window = QAccessible::queryAccessibleInterface(&m_bench->window);
+        auto *popup = window->child(window->childCount() - 1);
+        for (int i = 0; i < popup->childCount(); ++i) {
+            offered << popup->child(i)->text(QAccessible::Name);
+        }
+        QCOMPARE(popup->object(), shown);
+        QVERIFY(offered.contains(swatch) && offered.contains(none));
         QTest::mouseClick(named(*shown, swatch), Qt::LeftButton);
         QTRY_VERIFY(!palette());
         QCOMPARE(m_bench->window.focusWidget(), &m_bench->editor());

@@ -1,5 +1,6 @@
 #include "editor/copiedtext.h"
 #include "editor/heightestimate.h"
+#include "editor/objectselection.h"
 #include "editor/texteditor.h"
 #include "richtext/attachmentstore.h"
 #include "richtext/body.h"
@@ -67,13 +68,13 @@ std::map<QByteArray, FlatRtfdEntry> entriesOf(const QByteArray &body)
     return entries;
 }
 
-QByteArray pictureOf(Qt::GlobalColor colour)
+QByteArray pictureOf(Qt::GlobalColor colour, const char *format = "PNG")
 {
     QImage image(8, 8, QImage::Format_RGB32);
     image.fill(colour);
     QBuffer png;
     png.open(QIODevice::WriteOnly);
-    image.save(&png, "PNG");
+    image.save(&png, format);
     return png.data();
 }
 
@@ -132,10 +133,13 @@ private slots:
     void attachmentsTakeTheRoomThatWasEstimated_data();
     void attachmentsTakeTheRoomThatWasEstimated();
     void aPictureIsDrawn();
+    void onlyTheSelectedPictureHasTheColourOfTheSelection();
     void textInUtf8AloneIsTaken();
     void whatSaysMostIsTaken_data();
     void whatSaysMostIsTaken();
     void aDragGivesOutNothingOnceItsTextIsHidden();
+    void aPictureAloneIsOfferedAsOne_data();
+    void aPictureAloneIsOfferedAsOne();
     void wordsOfAnItemAreNoItem();
 };
 
@@ -343,6 +347,28 @@ void TestCopiedText::aPictureIsDrawn()
     QCOMPARE(shown.pixelColor(64, 64), QColor(Qt::red));
 }
 
+void TestCopiedText::onlyTheSelectedPictureHasTheColourOfTheSelection()
+{
+    const QByteArray body =
+        writeFlatRtfd({{"a.png", FlatRtfdEntry::Kind::File, pictureOf(Qt::red), {}},
+                       {"TXT.rtf",
+                        FlatRtfdEntry::Kind::File,
+                        "{\\rtf1 {{\\NeXTGraphic a.png \\width600 \\height600\n}\xac}"
+                        "{{\\NeXTGraphic a.png \\width1500 \\height1500\n}\xac}}",
+                        {}}});
+    const EditorPtr editor = editorOf(body);
+    const ObjectSelection selection(*editor);
+    editor->resize(400, 300);
+    editor->show();
+    QTextCursor cursor(editor->content());
+    cursor.setPosition(1, QTextCursor::KeepAnchor);
+    editor->setTextCursor(cursor);
+    const QImage shown = editor->viewport()->grab().toImage();
+    const QColor paper = editor->palette().color(QPalette::Base);
+    QCOMPARE(shown.pixelColor(34, 24), paper); // above it
+    QVERIFY(shown.pixelColor(34, 94) != paper);
+}
+
 void TestCopiedText::textInUtf8AloneIsTaken()
 {
     const EditorPtr editor = editorOf(QByteArray());
@@ -405,6 +431,56 @@ void TestCopiedText::aDragGivesOutNothingOnceItsTextIsHidden()
             QCOMPARE(dragged.data(format).contains("secret"), !hidden);
         }
     }
+}
+
+void TestCopiedText::aPictureAloneIsOfferedAsOne_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QByteArray>("size");
+    QTest::addColumn<QString>("words"); // beside it
+    QTest::addColumn<QStringList>("types");
+    const QByteArray shown = "\\width1500 \\height1500";
+    const QStringList none;
+    QTest::newRow("a PNG is its file")
+        << pictureOf(Qt::red) << shown << QString() << QStringList {u"image/png"_s};
+    QTest::newRow("a JPEG is its file, and a PNG")
+        << pictureOf(Qt::red, "JPG") << shown << QString()
+        << QStringList {u"image/jpeg"_s, u"image/png"_s};
+    QTest::newRow("words beside it say more") << pictureOf(Qt::red) << shown << u"words"_s << none;
+    QTest::newRow("a file that stands as an icon")
+        << pictureOf(Qt::red) << QByteArray() << QString() << none;
+    QTest::newRow("a file that is no picture") << QByteArray("bytes") << shown << QString() << none;
+}
+
+void TestCopiedText::aPictureAloneIsOfferedAsOne()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QByteArray, size);
+    QFETCH(QString, words);
+    QFETCH(QStringList, types);
+    const EditorPtr editor = editorOf(bodyWithPicture(file, size));
+    editor->moveCursor(QTextCursor::End);
+    editor->insertText(words);
+    editor->selectAll();
+    editor->copy();
+    const QMimeData *copied = QGuiApplication::clipboard()->mimeData();
+    QCOMPARE(copied->formats().filter(u"image/"_s), types);
+    for (const QString &type : types) {
+        const QByteArray given = copied->data(type);
+        QCOMPARE(given == file, type == types.first());
+        QCOMPARE(QImage::fromData(given).size(), QSize(8, 8));
+        QVERIFY(QImage::fromData(given).pixelColor(4, 4).red() > 250);
+    }
+    const EditorPtr other = editorOf("");
+    other->paste();
+    QCOMPARE(entriesOf(bodyFromDocument(*other->content())).at("a.png").bytes, file);
+    const CopiedText dragged(std::make_unique<QMimeData>(), editor->textCursor(), editor.get());
+    editor->setContentHidden(true);
+    for (const QString &format : dragged.formats()) {
+        QCOMPARE(dragged.data(format), QByteArray());
+    }
+    copied = QGuiApplication::clipboard()->mimeData();
+    QVERIFY(!copied || copied->formats().isEmpty());
 }
 
 void TestCopiedText::wordsOfAnItemAreNoItem()

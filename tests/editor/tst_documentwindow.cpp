@@ -2,10 +2,11 @@
 #include "editor/formattoolbar.h"
 #include "editor/lockedpage.h"
 #include "editor/passwordsheet.h"
+#include "editor/statusbar.h"
 #include "support/writtentext.h"
 
-#include <QComboBox>
 #include <QContextMenuEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
@@ -129,20 +130,26 @@ private slots:
         }
     }
 
-    void aSizeThatIsNoneIsNotApplied()
+    void theStatusBarCutsNoWordAndTellsOfAReadOnlyText()
     {
-        TextEditor &editor = m_window->editor();
-        showText(editor, u"text"_s);
+        auto *bar = new StatusBar(m_window->editor(), m_window->commands());
+        m_window->addBelowText(bar);
+        showText(m_window->editor(), u"some words"_s);
         m_window->show();
-        auto *size = named<QComboBox>(m_window->formatToolbar(), u"Font Size"_s);
-        const QString before = size->currentText();
-        editor.selectAll();
-        for (const QString &typed : {u"0"_s, u"12x"_s, u"5000"_s, u""_s}) {
-            size->setEditText(typed);
-            emit size->lineEdit()->returnPressed();
-            QCOMPARE(size->currentText(), before);
+        const auto labels = bar->findChildren<QLabel *>();
+        const QStringList parts {u"2 words"_s, u"10 characters"_s, u"1 paragraph"_s};
+        const auto tells = [&](qsizetype count) {
+            return labels[0]->text() == parts.first(count).join(u"  ·  "_s);
+        };
+        QTRY_VERIFY(tells(3));
+        const int whole = labels[0]->fontMetrics().horizontalAdvance(labels[0]->text());
+        bar->setFixedWidth(bar->width() - labels[0]->width() + whole - 1);
+        QTRY_VERIFY(tells(2));
+        QCOMPARE(labels[0]->accessibleName(), parts.join(u", "_s));
+        for (const bool readOnly : {true, false}) {
+            m_window->setReadOnly(readOnly);
+            QCOMPARE(labels[1]->isVisible(), readOnly);
         }
-        QVERIFY(!editor.content()->isUndoAvailable());
     }
 
     void aReadOnlyTextLeavesOnlyTheLockAction()

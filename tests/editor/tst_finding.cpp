@@ -259,6 +259,10 @@ private slots:
         QTest::newRow("what only leads to a match stays")
             << u"foobar"_s << u"foo\\Kbar"_s << u"<\\0>"_s << true << u"foo<bar>"_s
             << u"Replaced 1 match."_s;
+        QTest::newRow("the beginning of a line") << u"foo foo\nfoo"_s << u"^foo"_s << u"a"_s << true
+                                                 << u"a foo\na"_s << u"Replaced 2 matches."_s;
+        QTest::newRow("the end of a line") << u"foo foo\nfoo"_s << u"foo$"_s << u"a"_s << true
+                                           << u"foo a\na"_s << u"Replaced 2 matches."_s;
         QTest::newRow("nothing") << u"ab"_s << u"c"_s << u"d"_s << false << u"ab"_s
                                  << u"No matches."_s;
     }

@@ -2,11 +2,14 @@
 #include "editor/formattoolbar.h"
 #include "support/writtentext.h"
 
+#include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
-#include <QFontComboBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QToolButton>
+#include <QToolTip>
 #include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
@@ -62,6 +65,38 @@ private:
     {
         m_window->resize(width, 400);
         QTRY_COMPARE(m_window->formatToolbar().width(), width);
+    }
+
+    /// That can be used, as they stand in rows.
+    static QList<QWidget *> shownTools(QWidget &window)
+    {
+        QList<QWidget *> tools;
+        for (auto *widget : window.findChildren<QWidget *>()) {
+            const bool isTool =
+                qobject_cast<QToolButton *>(widget) || qobject_cast<QComboBox *>(widget);
+            if (isTool && widget->isVisible() && widget->isEnabled()
+                && widget->window() == &window) {
+                tools << widget;
+            }
+        }
+        const auto place = [&window](const QWidget *tool) {
+            constexpr int rowHeight = 16; // or less
+            const QPoint middle = tool->mapTo(&window, tool->rect().center());
+            return std::pair(middle.y() / rowHeight, middle.x());
+        };
+        std::sort(tools.begin(), tools.end(),
+                  [&](const QWidget *a, const QWidget *b) { return place(a) < place(b); });
+        return tools;
+    }
+
+    static QList<QWidget *> passedByTab(Qt::Key key, qsizetype steps)
+    {
+        QList<QWidget *> passed;
+        while (passed.size() < steps) {
+            QTest::keyClick(QApplication::focusWidget(), key);
+            passed << QApplication::focusWidget();
+        }
+        return passed;
     }
 
 private slots:
@@ -169,10 +204,56 @@ private slots:
         QVERIFY(editor().hasFocus());
     }
 
+    void tabLeadsFromToolToToolAsTheyStand_data()
+    {
+        QTest::addColumn<QList<int>>("widths");
+        QTest::newRow("all tools have room") << QList {1200};
+        QTest::newRow("some are in the panel") << QList {640};
+        QTest::newRow("some came back from the panel") << QList {480, 1200};
+    }
+
+    void tabLeadsFromToolToToolAsTheyStand()
+    {
+        QFETCH(const QList<int>, widths);
+        std::for_each(widths.begin(), widths.end(), [this](int width) { resizeTo(width); });
+        const QList<QWidget *> inBar = shownTools(*m_window);
+        inBar.first()->setFocus();
+        QCOMPARE(passedByTab(Qt::Key_Tab, inBar.size()), inBar.sliced(1) << &editor());
+        inBar.last()->setFocus();
+        QList<QWidget *> backwards(inBar.rbegin() + 1, inBar.rend());
+        QCOMPARE(passedByTab(Qt::Key_Backtab, backwards.size()), backwards);
+
+        auto *more = tool<QToolButton>(u"More Tools"_s);
+        if (more->isVisible()) {
+            QVERIFY(inBar.contains(more));
+            more->click();
+            const QList<QWidget *> inPanel = shownTools(*QApplication::activePopupWidget());
+            inPanel.first()->setFocus();
+            QCOMPARE(passedByTab(Qt::Key_Tab, inPanel.size() - 1), inPanel.sliced(1));
+        }
+    }
+
+    void listsHaveRoomForTheirNames()
+    {
+        for (const QString &name : {u"Paragraph Style"_s, u"Font"_s}) {
+            auto *box = tool<QComboBox>(name);
+            box->showPopup();
+            for (int i = 0; i < box->count(); ++i) {
+                const QVariant own = box->itemData(i, Qt::FontRole);
+                const QFontMetrics metrics(own.isValid() ? own.value<QFont>() : box->font());
+                const int needed = metrics.horizontalAdvance(box->itemText(i));
+                QVERIFY(box->view()->viewport()->width() > needed + 20);
+                QVERIFY2(!box->itemText(i).contains(u'['), "whose font it is");
+                QCOMPARE(box->findText(box->itemText(i)), i);
+            }
+            box->hidePopup();
+        }
+    }
+
     void theFieldsFollowTheSelectionAndAreEmptyForSeveralFonts()
     {
         auto *size = tool<QComboBox>(u"Font Size"_s);
-        auto *family = tool<QFontComboBox>(u"Font"_s);
+        auto *family = tool<QComboBox>(u"Font"_s);
         QTextCharFormat look;
         look.setFontPointSize(30);
         look.setFontFamilies({u"DejaVu Serif"_s});
@@ -190,9 +271,48 @@ private slots:
         QVERIFY(!bold.isChecked());
     }
 
+    void aSizeIsTypedAsPeopleWriteIt_data()
+    {
+        QTest::addColumn<QString>("set");
+        QTest::newRow("12,5") << u"12.5"_s;
+        QTest::newRow("12.5") << u"12.5"_s;
+        QTest::newRow(" 18 pt ") << u"18"_s;
+        QTest::newRow("14") << u"14"_s;
+        QTest::newRow("-4") << QString();
+        QTest::newRow("0") << QString();
+        QTest::newRow("1639") << QString();
+        QTest::newRow("1e2") << QString();
+        QTest::newRow("nan") << QString();
+        QTest::newRow("large") << QString();
+    }
+
+    void aSizeIsTypedAsPeopleWriteIt()
+    {
+        QFETCH(const QString, set);
+        const QString typed = QString::fromUtf8(QTest::currentDataTag());
+        auto *size = tool<QComboBox>(u"Font Size"_s);
+        editor().selectAll();
+        const QString before = size->currentText();
+        size->setFocus();
+        size->lineEdit()->selectAll();
+        QTest::keyClicks(size, typed);
+        QTest::keyClick(size, Qt::Key_Escape);
+        QVERIFY(editor().hasFocus());
+        QCOMPARE(size->currentText(), before);
+        size->setFocus();
+        size->lineEdit()->selectAll();
+        QTest::keyClicks(size, typed);
+        QTest::keyClick(size, Qt::Key_Return);
+        QCOMPARE(size->currentText(), set.isEmpty() ? before : set);
+        QCOMPARE(editor().hasFocus(), !set.isEmpty());
+        QCOMPARE(editor().content()->isUndoAvailable(), !set.isEmpty() && set != before);
+        QCOMPARE(QToolTip::isVisible(), set.isEmpty());
+        QToolTip::hideText();
+    }
+
     void aFamilyThatIsMissingIsKeptAndToldOf()
     {
-        auto *family = tool<QFontComboBox>(u"Font"_s);
+        auto *family = tool<QComboBox>(u"Font"_s);
         const QString before = family->currentText();
         editor().selectAll();
         family->setFocus();

@@ -187,13 +187,29 @@ private slots:
         QVERIFY(!editor().currentCharFormat().hasProperty(AttachmentName));
     }
 
-    void withoutAnAddressNothingIsConfirmed()
+    void whatIsNoAddressIsNotConfirmed_data()
     {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("nothing") << u"  "_s << u""_s;
+        QTest::newRow("blanks") << u"ftp//bad address"_s << u"An address has no blanks"_s;
+        QTest::newRow("no host") << u"https://"_s << u"“https://” is no address"_s;
+        QTest::newRow("a bad port") << u"a.b:x"_s << u"“https://a.b:x” is no address"_s;
+    }
+
+    void whatIsNoAddressIsNotConfirmed()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, told);
         show(u"one"_s);
         LinkSheet *sheet = askForLink();
-        sheet->findChildren<QLineEdit *>().at(0)->setText(u"  "_s);
+        QLineEdit *field = sheet->findChildren<QLineEdit *>().at(0);
+        field->setText(typed);
         confirm(*sheet);
         QVERIFY(sheet->isVisible());
+        QCOMPARE(field->text(), typed);
+        QVERIFY2(field->accessibleDescription().contains(told),
+                 qPrintable(field->accessibleDescription()));
         m_sheets->answer(modalResponseStop); // as a lock does
         QCOMPARE(marked(content()), u"one"_s);
     }
@@ -223,6 +239,8 @@ private slots:
             << u"(me@example.org) "_s << u"([me@example.org>mailto:me@example.org]) "_s;
         QTest::newRow("with a bracket of its own")
             << u"https://a.b/c_(d) "_s << u"[https://a.b/c_(d)>https://a.b/c_(d)] "_s;
+        QTest::newRow("in brackets, with brackets of its own")
+            << u"(https://a.b/c_(d)). "_s << u"([https://a.b/c_(d)>https://a.b/c_(d)]). "_s;
         QTest::newRow("a name with a point") << u"readme.txt "_s << u"readme.txt "_s;
         QTest::newRow("another scheme") << u"ftp://a.b "_s << u"ftp://a.b "_s;
         QTest::newRow("no host") << u"https:// "_s << u"https:// "_s;

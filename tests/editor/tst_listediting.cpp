@@ -68,6 +68,8 @@ private slots:
     void anItemThatIsDoneIsFollowedByOneThatIsNot();
     void aTextThatCannotBeEditedKeepsItsLists();
     void marksOfOurOwnAreDrawn();
+    void bulletsStandBesideTheMiddleOfSmallLetters();
+    void backspaceTakesTheMarkAndLeavesTheTextInPlace();
 };
 
 void TestListEditing::keysMakeLists_data()
@@ -284,6 +286,42 @@ void TestListEditing::marksOfOurOwnAreDrawn()
     page.run(TextCommand::Checklist);
     page.editor.clearFocus();
     QVERIFY(page.editor.viewport()->grab(place).toImage() != open);
+}
+
+void TestListEditing::backspaceTakesTheMarkAndLeavesTheTextInPlace()
+{
+    Page page;
+    typeKeys(page.editor, u"- a\n\tb<"_s);
+    const int left = page.editor.cursorRect().left();
+    typeKeys(page.editor, u"\b"_s);
+    QVERIFY(!page.editor.textCursor().currentList());
+    QCOMPARE(page.editor.cursorRect().left(), left);
+}
+
+void TestListEditing::bulletsStandBesideTheMiddleOfSmallLetters()
+{
+    Page page;
+    QFont font = page.editor.document()->defaultFont();
+    font.setPointSize(24);
+    page.editor.document()->setDefaultFont(font);
+    typeKeys(page.editor, u"- x   "_s);
+    const QImage shown = page.editor.viewport()->grab().toImage();
+    const QRect letter = page.editor.cursorRect(QTextCursor(page.editor.document()));
+    const auto inkIn = [&shown](const QRect &place) {
+        QRegion ink;
+        for (int x = place.left(); x <= place.right(); ++x) {
+            for (int y = place.top(); y <= place.bottom(); ++y) {
+                ink += qGray(shown.pixel(x, y)) < 128 ? QRect(x, y, 1, 1) : QRect();
+            }
+        }
+        return ink.boundingRect();
+    };
+    const QRect bullet = inkIn({0, letter.top(), letter.left(), letter.height()});
+    const QRect x = inkIn({letter.left(), letter.top(), 24, letter.height()});
+    QVERIFY(std::abs(bullet.center().y() - x.center().y()) <= 1);
+    const int gap = x.left() - bullet.right();
+    QVERIFY2(gap > x.height() * 3 / 4 && gap < x.height() * 3 / 2,
+             qPrintable(QString::number(gap)));
 }
 
 QTEST_MAIN(TestListEditing)

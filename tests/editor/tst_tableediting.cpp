@@ -1,7 +1,12 @@
+#include "editor/statusbar.h"
 #include "editor/tablesheet.h"
 #include "editor/tabletest.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
+#include <QMimeData>
 #include <QSpinBox>
 #include <QTextLayout>
 #include <QTextTable>
@@ -264,6 +269,82 @@ private slots:
         QVERIFY(!typed.hasProperty(QTextFormat::BackgroundBrush));
         QVERIFY(!typed.hasProperty(QTextFormat::TableCellLeftPadding));
         QVERIFY(table().cellAt(1, 0).format().hasProperty(QTextFormat::BackgroundBrush));
+    }
+
+    void returnBeforeATableMakesAParagraphToWriteIn()
+    {
+        show(u""_s);
+        insertTable(1, 1);
+        key(Qt::Key_Home, Qt::ControlModifier);
+        const QTextBlock cell = table().cellAt(0, 0).firstCursorPosition().block();
+        const auto top = [&] {
+            return content().documentLayout()->blockBoundingRect(cell).top();
+        };
+        const double former = top();
+        key(Qt::Key_Return);
+        QVERIFY(top() > former + 5);
+        QTest::keyClicks(&editor(), u"up"_s);
+        QVERIFY(savedAndReadAgain().startsWith(u"up\ntable 1x1"_s));
+        editor().undo();
+        editor().undo();
+        QCOMPARE(top(), former);
+        QCOMPARE(content().blockCount(), 3);
+    }
+
+    void whatIsSelectedInATableIsCounted()
+    {
+        show(u""_s);
+        insertTable(2, 2);
+        for (const auto &words : {u"apples"_s, u"so many"_s, u"pears"_s, u"x"_s}) {
+            QTest::keyClicks(&editor(), words);
+            key(Qt::Key_Tab);
+        }
+        StatusBar bar(editor(), m_window->commands());
+        bar.resize(900, bar.sizeHint().height());
+        bar.show();
+        QTextCursor cursor = table().cellAt(0, 0).firstCursorPosition();
+        cursor.setPosition(table().cellAt(1, 0).firstPosition(), QTextCursor::KeepAnchor);
+        editor().setTextCursor(cursor);
+        const auto *label = bar.findChild<QLabel *>();
+        QTRY_COMPARE(label->text().remove(u' '), u"Selected:2words·11characters·2paragraphs"_s);
+    }
+
+    void pastedTablesHaveBordersAndRoom_data()
+    {
+        QTest::addColumn<QString>("html");
+        QTest::addColumn<double>("border");
+        QTest::addColumn<QColor>("colour");
+        QTest::addColumn<double>("padding");
+        QTest::newRow("as new tables have, where nothing is told")
+            << u"<table><tr><td>A</td></tr></table>"_s << 1.0 << QColor(0x96, 0x96, 0x96) << 6.0;
+        QTest::newRow("those of the table")
+            << u"<table border=3 cellpadding=7 style='border-color:#008000'><tr><td>A</td></tr>"
+               "</table>"_s
+            << 3.0 << QColor(0, 0x80, 0) << 7.0;
+        QTest::newRow("those of the cell")
+            << u"<table border=1><tr><td style='border:2px solid #ff0000;padding:5px'>A</td></tr>"
+               "</table>"_s
+            << 2.0 << QColor(0xff, 0, 0) << 5.0;
+        QTest::newRow("no border, as is told")
+            << u"<table><tr><td style='border:none'>A</td></tr></table>"_s << 0.0 << QColor()
+            << 6.0;
+    }
+
+    void pastedTablesHaveBordersAndRoom()
+    {
+        QFETCH(QString, html);
+        show(u"one"_s);
+        auto data = std::make_unique<QMimeData>();
+        data->setHtml(html);
+        QGuiApplication::clipboard()->setMimeData(data.release());
+        editor().paste();
+        const auto format = table().cellAt(0, 0).format().toTableCellFormat();
+        QTEST(format.leftBorder(), "border");
+        QTEST(format.leftPadding(), "padding");
+        if (format.leftBorder() > 0) {
+            QTEST(format.leftBorderBrush().color(), "colour");
+        }
+        QCOMPARE(savedAndReadAgain(), DescribedText::of(content()));
     }
 
     void aTextThatMayNotBeChangedHasNoCommandsOnTables()

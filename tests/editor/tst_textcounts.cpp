@@ -22,7 +22,9 @@ void TestTextCounts::wordsAreCountedAsReadersDo_data()
     QTest::newRow("blanks are no paragraph") << u" \t "_s << TextCounts {0, 3, 0};
     QTest::newRow("punctuation makes no word") << u"one, two – three!"_s << TextCounts {3, 17, 1};
     QTest::newRow("hyphens and apostrophes join") << u"don’t re-do it's"_s << TextCounts {3, 16, 1};
-    QTest::newRow("only between letters") << u"'quoted' - dash-"_s << TextCounts {2, 16, 1};
+    QTest::newRow("signs alone are no word") << u"'quoted' - dash-"_s << TextCounts {2, 16, 1};
+    QTest::newRow("dashes part") << u"one—two–three"_s << TextCounts {3, 13, 1};
+    QTest::newRow("an address is one word") << u"see https://a.b/c?d=e"_s << TextCounts {2, 21, 1};
     QTest::newRow("numbers are words") << u"12 a4"_s << TextCounts {2, 5, 1};
     QTest::newRow("each ideograph is a word") << u"漢字 kana かな"_s << TextCounts {5, 10, 1};
     QTest::newRow("a surrogate pair is one character") << u"\U0001F600 x"_s << TextCounts {1, 3, 1};

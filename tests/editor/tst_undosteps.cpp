@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void namesFollowUndoAndRedo();
     void longTypingGoesInParts();
     void anInputMethodTypesLikeKeys();
+    void theViewStaysWhereTheChangeIsSeen();
 
 private:
     /// Takes everything back; the names of the steps, and the text after each.
@@ -137,6 +139,30 @@ void TestUndoSteps::anInputMethodTypesLikeKeys()
     for (const QString &step : steps) { // never in the middle of a word
         QCOMPARE((step.size() - "Typing: "_L1.size()) % word.size(), 0);
     }
+}
+
+void TestUndoSteps::theViewStaysWhereTheChangeIsSeen()
+{
+    TextEditor &editor = *m_editor;
+    auto text = std::make_unique<QTextDocument>(u"words\n"_s.repeated(300));
+    QCOMPARE(editor.showDocument(std::move(text)), TextEditor::ShowResult::Shown);
+    QScrollBar &bar = *editor.verticalScrollBar();
+    editor.moveCursor(QTextCursor::End);
+    QTest::keyClicks(&editor, u"x"_s);
+    const int end = bar.value();
+    bar.setValue(end / 2);
+    editor.selectAll();
+    QVERIFY(
+        editor.changeLooks(u"Bold"_s, [](QTextCharFormat &look) { look.setFontUnderline(true); }));
+    QCOMPARE(bar.value(), end / 2);
+    QTest::keyClick(&editor, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(editor.undoNames().redoName(), u"Bold"_s);
+    QCOMPARE(bar.value(), end / 2);
+    editor.redo();
+    editor.undo();
+    QCOMPARE(bar.value(), end / 2);
+    editor.undo();
+    QCOMPARE(bar.value(), end);
 }
 
 QTEST_MAIN(TestUndoSteps)

@@ -5,6 +5,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QAction>
+#include <QApplication>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -49,9 +50,10 @@ private Q_SLOTS:
     void caretAndTopLineStay();
     void commandsAndWheelGoThroughTheSteps();
     void aTallTextIsShownNoLargerThanItCanBe();
+    void theWheelGlidesAsFarAsItWouldJump();
 
 private:
-    void wheel(int delta);
+    void wheel(int delta, Qt::KeyboardModifiers modifiers = Qt::ControlModifier);
 
     std::unique_ptr<TextEditor> m_editor;
     std::unique_ptr<TextCommands> m_commands;
@@ -71,11 +73,10 @@ void TestViewZoom::init()
     m_commands->validate();
 }
 
-void TestViewZoom::wheel(int delta)
+void TestViewZoom::wheel(int delta, Qt::KeyboardModifiers modifiers)
 {
     QWheelEvent event(QPointF(10, 10), m_editor->mapToGlobal(QPointF(10, 10)), QPoint(),
-                      QPoint(0, delta), Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
-                      false);
+                      QPoint(0, delta), Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(m_editor->viewport(), &event);
 }
 
@@ -168,6 +169,22 @@ void TestViewZoom::aTallTextIsShownNoLargerThanItCanBe()
     QTest::keyClicks(m_editor.get(), u"end"_s);
     QVERIFY(m_editor->content()->lastBlock().layout()->lineCount() > 0);
     QVERIFY(m_editor->setZoom(1));
+}
+
+void TestViewZoom::theWheelGlidesAsFarAsItWouldJump()
+{
+    QScrollBar &bar = *m_editor->verticalScrollBar();
+    const int jump = QApplication::wheelScrollLines() * bar.singleStep();
+    wheel(-120, Qt::NoModifier);
+    QCOMPARE(bar.value(), 0);
+    wheel(-240, Qt::NoModifier);
+    QTRY_COMPARE(bar.value(), 3 * jump);
+    wheel(-120, Qt::NoModifier);
+    bar.setValue(200); // wins over a glide, and the next one begins there
+    wheel(120, Qt::NoModifier);
+    QTRY_COMPARE(bar.value(), 200 - jump);
+    wheel(1200, Qt::NoModifier);
+    QTRY_COMPARE(bar.value(), 0);
 }
 
 QTEST_MAIN(TestViewZoom)

@@ -153,8 +153,8 @@ void TestRtfDocument::listRows()
         "\\pard\\tx220\\tx720\\tx1120\\tx1680\\tx2240\\tx2800\\tx3360\\tx3920\\tx4480\\tx5040"
         "\\tx5600\\tx6160\\tx6720\\li720\\fi-720\\ls1\\ilvl0 {\\listtext\t\\uc0\\u8226 \t}a\\\n"
         "{\\listtext\t\\uc0\\u8226 \t}b\\\n\\pard\\li1440\\fi-1440\\ls1\\ilvl1 c\\\n\\pard d",
-        u"item 1{style=-1 indent=1}a\nitem 2{style=-1 indent=1}b\n"
-        "item 1{style=-3 indent=2}c\nd"_s);
+        u"item 1{style=0 indent=1 kind=-1}a\nitem 2{style=0 indent=1 kind=-1}b\n"
+        "item 1{style=0 indent=2 kind=-3}c\nd"_s);
     row("the label before the paragraph's properties",
         "{\\listtext\\pard\\plain 1.\\tab}\\pard\\plain\\ls2\\ilvl0\\fi-360\\li720 a\\par"
         "\\pard between\\par{\\listtext 2.\\tab}\\pard\\ls2 b",
@@ -171,21 +171,22 @@ void TestRtfDocument::listRows()
     row("a list goes on behind deeper items of another one",
         "\\pard\\ls2 a\\par\\ls1\\ilvl1 b\\par\\ls2\\ilvl0 c\\par\\ls3\\ilvl1 d\\par"
         "\\pard\\ls1 e\\par\\ls2\\ilvl1 f\\par\\ls1\\ilvl0 g",
-        u"item 1{style=0 indent=1 start=3 kind=-4}a\nitem 1{style=-3 indent=2}b\n"
+        u"item 1{style=0 indent=1 start=3 kind=-4}a\nitem 1{style=0 indent=2 kind=-3}b\n"
         "item 2{style=0 indent=1 start=3 kind=-4}c\nitem 1{style=0 indent=2 marker=\u2043 "
         "kind=-1}d\n"
-        "item 1{style=-1 indent=1}e\nitem 1{style=-5 indent=2 prefix=( suffix=)}f\n"
-        "item 2{style=-1 indent=1}g"_s);
+        "item 1{style=0 indent=1 kind=-1}e\nitem 1{style=-5 indent=2 prefix=( suffix=)}f\n"
+        "item 2{style=0 indent=1 kind=-1}g"_s);
     row("a bullet of its own", "\\pard\\ls3 a",
         u"item 1{style=0 indent=1 marker=\u2043 kind=-1}a"_s);
     row("an indent beyond the level's", "\\pard\\ls1\\li1080\\fi-1080 a",
-        u"{left=24}item 1{style=-1 indent=1}a"_s);
+        u"{left=24}item 1{style=0 indent=1 kind=-1}a"_s);
     row("a list that is not there keeps its label", "\\pard\\ls9{\\listtext 9.\\tab}a", u"9.\ta"_s);
     row("a list without labels is none", "\\pard\\ls4 a", u"a"_s);
     row("an old list",
         "\\pard{\\pntext\\'b7\\tab}{\\*\\pn\\pnlvlblt\\pnindent360{\\pntxtb\\'b7}}\\fi-360\\li720 a"
         "\\par{\\pntext\\'b7\\tab}b\\par\\pard{\\*\\pn\\pnlvlbody\\pndec\\pnstart2{\\pntxta )}}c",
-        u"{listfirst=-360}item 1{style=-1 indent=1}a\n{listfirst=-360}item 2{style=-1 indent=1}b\n"
+        u"{listfirst=-360}item 1{style=0 indent=1 kind=-1}a\n{listfirst=-360}item 2{style=0 "
+        u"indent=1 kind=-1}b\n"
         "item 1{style=0 indent=1 suffix=) start=2 kind=-4}c"_s);
 }
 
@@ -254,8 +255,8 @@ void TestRtfDocument::tableRows()
         "\\trowd\\clftsWidth1\\cellx1500\\cellx3000 b\\cell c\\cell\\row",
         u"{beforetable=true}\ntable 2x2{columns=0v,100x}\n({columns=2}a)\n(b)(c)\n"_s);
     row("a list in a cell", lists + "\\trowd\\cellx1500\\intbl\\ls1 a\\par\\ls1 b\\cell\\row",
-        u"{beforetable=true}\ntable 1x1{columns=100x}\n(item 1{style=-1 indent=1}a / "
-        "item 2{style=-1 indent=1}b)\n"_s);
+        u"{beforetable=true}\ntable 1x1{columns=100x}\n(item 1{style=0 indent=1 kind=-1}a / "
+        "item 2{style=0 indent=1 kind=-1}b)\n"_s);
     row("a table beside the text becomes text",
         "a{\\footnote\\trowd\\cellx9\\intbl b\\cell c\\cell\\row d}", u"a\nb\tc\nd"_s);
 }

@@ -1,7 +1,9 @@
+#include "editor/formattoolbar.h"
 #include "shell/aboutwindow.h"
 #include "workflow/realprogram.h"
 
 #include <QClipboard>
+#include <QComboBox>
 #include <QMenu>
 
 using namespace quorvane;
@@ -61,10 +63,12 @@ class TestMenus : public QObject
 private Q_SLOTS:
     void everyWindowHasTheSameBar();
     void whatIsSaidOfAnItemLongAgoDoesNotCount();
+    void whatASheetForbidsComesBackBehindIt();
     void theEditMenuActsWhereTheKeyboardIs();
     void aLockedWindowKeepsItsToolbarAndSize();
     void theWindowMenuListsAllDocuments();
     void recentDocumentsAreOfferedAndForgotten();
+    void noTwoItemsOfAMenuHaveOneKey();
     void theVendorIsInTheHelpMenu_data();
     void theVendorIsInTheHelpMenu();
     void theApplicationMenuLeadsToTheProgramsWindows();
@@ -121,6 +125,26 @@ void TestMenus::whatIsSaidOfAnItemLongAgoDoesNotCount()
     QVERIFY(!program.window().modernToolbar().isVisible() && !program.window().isFullScreen());
 }
 
+void TestMenus::whatASheetForbidsComesBackBehindIt()
+{
+    Opened program;
+    QVERIFY(program.unlocks);
+    const auto *size = program.window().formatToolbar().findChild<QComboBox *>(u"fontSize"_s);
+    const auto isOffered = [&](bool offered) {
+        return QTest::qWaitFor([&] {
+            return program.menuItem(u"Bold"_s)->isEnabled() == offered
+                && program.menuItem(u"Lock Document…"_s)->isEnabled() == offered
+                && size->isEnabled() == offered;
+        });
+    };
+    QVERIFY(isOffered(true));
+    QTest::keyClick(program.window().windowHandle(), Qt::Key_K, Qt::ControlModifier);
+    QVERIFY(QTest::qWaitFor([] { return RealProgram::dialog() != nullptr; }));
+    QVERIFY(isOffered(false));
+    QTest::keyClick(RealProgram::dialog(), Qt::Key_Escape);
+    QVERIFY(isOffered(true));
+}
+
 void TestMenus::theEditMenuActsWhereTheKeyboardIs()
 {
     Opened program;
@@ -129,9 +153,16 @@ void TestMenus::theEditMenuActsWhereTheKeyboardIs()
         Q_EMIT RealProgram::menuItem(program.window(), menu)->menu()->aboutToShow();
         program.menuItem(item)->trigger();
     };
+    const auto isOffered = [&program](const QString &item) {
+        Q_EMIT RealProgram::menuItem(program.window(), u"Edit"_s)->menu()->aboutToShow();
+        return program.menuItem(item)->isEnabled();
+    };
     program.editor().setFocus();
+    QGuiApplication::clipboard()->clear();
+    QVERIFY(!isOffered(u"Paste"_s) && !isOffered(u"Paste and Match Style"_s));
     choose(u"Edit"_s, u"Select All"_s);
     choose(u"Edit"_s, u"Copy"_s);
+    QVERIFY(isOffered(u"Paste"_s) && isOffered(u"Paste and Match Style"_s));
     choose(u"Edit"_s, u"Delete"_s);
     QCOMPARE(program.editor().toPlainText(), u""_s);
     choose(u"Edit"_s, u"Undo"_s);
@@ -212,6 +243,31 @@ void TestMenus::recentDocumentsAreOfferedAndForgotten()
     QVERIFY(program.recents.listed.isEmpty());
     QCOMPARE(entry(0)->text(), u"No Recent Documents"_s);
     QVERIFY(!entry(0)->isEnabled() && !entry(2)->isEnabled());
+}
+
+void TestMenus::noTwoItemsOfAMenuHaveOneKey()
+{
+    Opened program;
+    QVERIFY(program.unlocks);
+    QWidgetList menus {program.window().menuBar()};
+    for (auto *menu : program.window().menuBar()->findChildren<QMenu *>()) {
+        Q_EMIT menu->aboutToShow();
+        menus << menu;
+    }
+    QStringList doubles;
+    for (const QWidget *menu : std::as_const(menus)) {
+        QMap<QKeySequence, QString> keys;
+        const auto actions = menu->actions();
+        for (const QAction *action : actions) {
+            const QKeySequence key = QKeySequence::mnemonic(action->text());
+            if (!key.isEmpty() && keys.contains(key)) {
+                doubles << keys.value(key) << action->text();
+            }
+            keys.insert(key, action->text());
+        }
+    }
+    QCOMPARE(doubles, QStringList());
+    QVERIFY(menus.size() > 15);
 }
 
 void TestMenus::theVendorIsInTheHelpMenu_data()

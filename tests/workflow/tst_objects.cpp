@@ -282,19 +282,19 @@ void TestObjects::theSizeIsSetByKeysAlone()
 
 void TestObjects::aDragMakesItsFileOnlyWhenAsked()
 {
-    int made = 0;
+    int asked = 0;
     auto text = std::make_unique<QMimeData>();
     text->setData(u"text/rtf"_s, "{\\rtf1}");
-    const DraggedAttachment dragged(std::move(text), [&made] {
-        ++made;
+    const DraggedAttachment dragged(std::move(text), [&asked] {
+        ++asked;
         return std::optional(u"/run/user/1/quorvane-a/1/a b.pdf"_s);
     });
     QVERIFY(dragged.hasUrls());
     QCOMPARE(dragged.data(u"text/rtf"_s), "{\\rtf1}");
-    QCOMPARE(made, 0);
+    QCOMPARE(asked, 0);
     QCOMPARE(dragged.data(u"text/uri-list"_s), "file:///run/user/1/quorvane-a/1/a%20b.pdf\r\n");
     QCOMPARE(dragged.urls().value(0).toLocalFile(), u"/run/user/1/quorvane-a/1/a b.pdf"_s);
-    QCOMPARE(made, 1);
+    QCOMPARE(asked, 2);
 }
 
 void TestObjects::aPictureIsNeverWiderThanItsColumn()
