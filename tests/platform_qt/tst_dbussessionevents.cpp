@@ -205,7 +205,8 @@ bool TestDBusSessionEvents::isListening()
     });
     probe.unregisterService(name);
     QDBusConnection::disconnectFromBus(u"probe"_s);
-    settle(m_sessionBus->bus());
+    settle(m_sessionBus->bus()); // the other signals have come, too
+    settle(m_sessionBus->bus()); // and the answers to what was asked about them
     return isHeard;
 }
 
