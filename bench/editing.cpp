@@ -178,10 +178,21 @@ void Keystroke(benchmark::State &state)
     state.counters["p95_ms"] = times.at(times.size() * 95 / 100);
 }
 
-/// Words are typed in two windows of ours: with spelling checked, and (bare) without.
+/// A text of 1 MB as people write it, with a wrong word in each paragraph.
+QByteArray carefulText()
+{
+    const QByteArray words =
+        "the secret of a good garden is water early in the morning and a letter "
+        "for which an account was never kept between friends ";
+    const QByteArray paragraph = words.repeated(2) + "wrlld " + words + "\\par\n";
+    return "{\\rtf1\\ansi " + paragraph.repeated(megabyte / paragraph.size()) + '}';
+}
+
+/// Words are typed in two windows of ours: with spelling checked, and (bare) without. The argument
+/// is 1 for a text in which one word in six is of no dictionary.
 void SpellingKeystroke(benchmark::State &state)
 {
-    const QByteArray rtf = StyledText().rtf(state.range(0) * megabyte);
+    const QByteArray rtf = state.range(0) == 1 ? StyledText().rtf(megabyte) : carefulText();
     Ours with;
     Ours without;
     without.program.window().commands().action(TextCommand::CheckSpelling).trigger();
@@ -229,6 +240,7 @@ BENCHMARK(Keystroke)
     ->UseManualTime()
     ->Iterations(101);
 BENCHMARK(SpellingKeystroke)
+    ->Arg(0)
     ->Arg(1)
     ->Unit(benchmark::kMillisecond)
     ->UseManualTime()

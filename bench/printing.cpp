@@ -17,7 +17,7 @@ using namespace quorvane;
 
 namespace {
 
-constexpr qsizetype size = 1'100'000; // of the RTF
+constexpr qsizetype size = 1'450'000; // of the RTF
 
 std::unique_ptr<QPdfWriter> newWriter(QBuffer &buffer, int resolution)
 {

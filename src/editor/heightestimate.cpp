@@ -16,6 +16,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -422,15 +423,19 @@ void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look
     Measure &measure = *look.measure;
     const QTextCharFormat &format = look.format;
     double height = measure.height;
-    double run = lines.run; // kept at hand: nearly all of a text are letters seen before
+    // Kept at hand: nearly all of a text are letters seen before.
+    double run = lines.run;
+    double room = lines.room;
+    std::span<const float> widths = measure.widths;
     for (const QChar character : text) {
         const char16_t unit = character.unicode();
-        const float known = unit < measure.widths.size() ? measure.widths[unit] : 0;
+        const float known = unit < widths.size() ? widths[unit] : 0;
         if (known > 0 && unit != u' ') {
             run += static_cast<double>(known);
-            if (run > lines.room) {
+            if (run > room) {
                 lines.run = std::exchange(run, 0);
                 lines.addRun(static_cast<double>(known));
+                room = lines.room;
             }
             continue;
         }
@@ -451,6 +456,8 @@ void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look
             lines.addRun(size.width());
             height = std::max(height, size.height());
         }
+        room = lines.room;
+        widths = measure.widths;
     }
     lines.run = run;
     height *= standingOf(format.verticalAlignment());
