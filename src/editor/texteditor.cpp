@@ -266,8 +266,12 @@ bool TextEditor::edit(const QString &name, const std::function<void(QTextCursor 
         change(cursor);
         cursor.endEditBlock();
         const QTextCursor caret = textCursor();
-        if (cursor.position() != caret.position() || cursor.anchor() != caret.anchor()) {
-            setTextCursor(cursor); // scrolls to it
+        const bool isMoved =
+            cursor.position() != caret.position() || cursor.anchor() != caret.anchor();
+        const int top = verticalScrollBar()->value();
+        setTextCursor(cursor); // which knows the look of what is typed next, and scrolls to it
+        if (!isMoved) {
+            verticalScrollBar()->setValue(top);
         }
     });
     return true;
