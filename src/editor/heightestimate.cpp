@@ -31,6 +31,15 @@ constexpr size_t mostMeasuredFonts = 256;
 constexpr double widestOfUnmeasuredFonts = 1.2; // ems
 constexpr double unknownObjectHeight = 128; // an icon with its name
 
+// Widths of letters are added up in whole parts of a pixel, which is several times as fast.
+constexpr int partsOfPixel = 64;
+constexpr double widestLine = 1 << 20; // pixels
+
+int partsOf(double width)
+{
+    return int(std::ceil(std::clamp(width, 0.0, widestLine) * partsOfPixel));
+}
+
 /// Extents of the scripts that are drawn with fonts other than the one asked for, in ems.
 struct ScriptExtent
 {
@@ -125,17 +134,18 @@ double spacedLine(const QTextBlockFormat &format, double height)
     }
 }
 
-/// What a line becomes taller by where letters or objects stand at another height in it.
-double standingOf(QTextCharFormat::VerticalAlignment alignment)
+/// How many times as tall a line becomes where letters or objects stand at another height in it.
+double standingOf(const QTextCharFormat &format)
 {
-    switch (alignment) {
+    const double offset = 1 + std::abs(format.baselineOffset()) / 100;
+    switch (format.verticalAlignment()) {
     case QTextCharFormat::AlignNormal:
-        return 1;
+        return offset;
     case QTextCharFormat::AlignSuperScript: // smaller, and moved by half a line or less
     case QTextCharFormat::AlignSubScript:
-        return 1.5;
+        return 1.5 * offset;
     default:
-        return 2;
+        return 2 * offset;
     }
 }
 
@@ -148,7 +158,7 @@ struct HeightEstimate::Measure
     double extra = 0; // letter spacing
     QRawFont glyphs;
     std::optional<QFontMetricsF> metrics;
-    std::vector<float> widths; // with the letter spacing; 0 while not measured
+    std::vector<int> widths; // in parts of a pixel, with the letter spacing; 0 while not measured
 
     bool isMeasurable(char16_t unit) const
     {
@@ -158,35 +168,47 @@ struct HeightEstimate::Measure
                     && glyphs.supportsCharacter(QChar(unit))));
     }
 
+    struct Extent
+    {
+        int width; // in parts of a pixel
+        double height;
+    };
+
     /// Of a letter that was not met before.
-    QSizeF measure(char16_t unit)
+    Extent measure(char16_t unit)
     {
         if (!isMeasurable(unit)) {
             const bool isOfAnotherFont = unit >= firstUnmeasured;
             const ScriptExtent extent =
                 isOfAnotherFont ? extentOf(unit) : ScriptExtent {0, widestOfUnmeasuredFonts, 0};
-            return {extent.width * em + extra, std::max(height, extent.height * em)};
+            return {partsOf(extent.width * em + extra), std::max(height, extent.height * em)};
         }
         if (unit >= widths.size()) {
             widths.resize(unit < firstUnmeasured ? firstUnmeasured : endOfPunctuation);
         }
         const double advance = metrics->horizontalAdvance(QString(QChar(unit))) + extra;
-        widths[unit] = std::max(0.01F, static_cast<float>(advance));
-        return {advance, height};
+        widths[unit] = std::max(1, partsOf(advance));
+        return {widths[unit], height};
     }
 };
 
-/// Fills lines greedily, as the layout does.
+/// Fills lines greedily, as the layout does. All widths are in parts of a pixel.
 struct HeightEstimate::Lines
 {
     struct Fill
     {
-        double width;
-        double count = 1;
-        double used = 0;
-        double word = 0;
+        explicit Fill(double pixels)
+            : width(int(std::clamp(pixels, 1.0, widestLine) * partsOfPixel))
+        { }
 
-        void add(double advance)
+        int width;
+        int count = 1;
+        int used = 0;
+        int word = 0;
+
+        int left() const { return width - used - word; }
+
+        void add(int advance)
         {
             word += advance;
             if (word > width) { // A word longer than a line is broken anywhere.
@@ -214,16 +236,19 @@ struct HeightEstimate::Lines
 
     Fill wide;
     Fill narrow;
-    double tab;
-    double height; // of the tallest line: each counts as much
-    double run = 0; // letters that neither has been told of
-    double room = 0; // for such letters, until one of the two breaks the word
+    int tab;
+    double height; // of the tallest line, in pixels: each counts as much
+    int run = 0; // letters that neither has been told of
+    int room = 0; // for such letters, until one of the two breaks the word
 
-    /// Adds the run to both, the last of whose letters is \a advance wide.
-    void addRun(double advance)
+    void addLetter(int advance)
     {
+        if (run + advance <= room) {
+            run += advance;
+            return;
+        }
         for (Fill *fill : {&wide, &narrow}) {
-            fill->word += run - advance;
+            fill->word += run;
             fill->add(advance);
         }
         run = 0;
@@ -240,18 +265,53 @@ struct HeightEstimate::Lines
         room = std::min(wide.width, narrow.width);
     }
 
-    void addSpace(double width)
+    void addSpace(int width)
     {
         endWord();
-        wide.used += width;
-        narrow.used += width;
+        for (Fill *fill : {&wide, &narrow}) {
+            fill->used += width;
+        }
+    }
+
+    /// Adds letters and blanks that end on the line they begin on, as most do, whatever words they
+    /// are of. \return false, with nothing added, where they do not, or one was not met before.
+    bool addOnLine(QStringView letters, std::span<const int> widths)
+    {
+        int sum = 0;
+        bool areKnown = true;
+        for (const QChar letter : letters) {
+            const char16_t unit = letter.unicode();
+            const int width = unit < widths.size() ? widths[unit] : 0;
+            areKnown = areKnown && width > 0;
+            sum += width;
+        }
+        if (!areKnown || wide.left() < run + sum || narrow.left() < run + sum) {
+            return false;
+        }
+        int begun = 0; // of the word that goes on behind them
+        qsizetype at = letters.size();
+        for (; at > 0 && letters[at - 1] != u' '; --at) {
+            begun += widths[letters[at - 1].unicode()];
+        }
+        if (at == 0) {
+            run += sum;
+            return true;
+        }
+        for (Fill *fill : {&wide, &narrow}) {
+            fill->used += fill->word + run + sum - begun;
+            fill->word = 0;
+        }
+        run = begun;
+        room = std::min(wide.width, narrow.width);
+        return true;
     }
 
     void addObject(double width)
     {
         endWord();
-        wide.add(std::min(width, wide.width));
-        narrow.add(std::min(width, narrow.width));
+        for (Fill *fill : {&wide, &narrow}) {
+            fill->add(std::min(partsOf(width), fill->width));
+        }
         endWord();
     }
 
@@ -354,11 +414,13 @@ HeightEstimate::Heights HeightEstimate::ofTable(const QTextTable &table, Widths 
         height += {around, around};
         for (int column = 0; column < table.columns() && height.wide < hopeless; ++column) {
             const QTextTableCell cell = table.cellAt(row, column);
-            if (cell.row() != row || cell.column() != column) {
-                continue;
+            if ((column > 0 && table.cellAt(row, column - 1) == cell)
+                || (row > 0 && table.cellAt(row - 1, column) == cell)) {
+                continue; // it spans this place, too
             }
-            const QMarginsF own = aroundCell(cell.format().toTableCellFormat());
-            const int span = cell.columnSpan();
+            const QTextTableCellFormat cellFormat = cell.format().toTableCellFormat();
+            const QMarginsF own = aroundCell(cellFormat);
+            const int span = cellFormat.tableCellColumnSpan();
             const Widths inner = Widths {columnsWidth(columns, column, span, share.wide),
                                          columnsWidth(columns, column, span, share.narrow)}
                                      .less(around + own.left() + own.right());
@@ -378,9 +440,9 @@ HeightEstimate::Heights HeightEstimate::ofBlock(const QTextBlock &block, Widths 
 {
     const Paragraph &paragraph = paragraphOf(block);
     const Widths inner = widths.less(paragraph.aside);
-    Lines lines {.wide = {std::max(1.0, inner.wide)},
-                 .narrow = {std::max(1.0, inner.narrow)},
-                 .tab = paragraph.tab,
+    Lines lines {.wide = Lines::Fill(inner.wide),
+                 .narrow = Lines::Fill(inner.narrow),
+                 .tab = partsOf(paragraph.tab),
                  .height = block.length() > 1 ? 0 : lookOf(block).measure->height};
     for (auto part = block.begin(); !part.atEnd(); ++part) {
         const QTextFragment fragment = part.fragment();
@@ -420,49 +482,45 @@ const HeightEstimate::Paragraph &HeightEstimate::paragraphOf(const QTextBlock &b
 
 void HeightEstimate::addText(Lines &lines, const QString &text, const Look &look)
 {
-    Measure &measure = *look.measure;
-    const QTextCharFormat &format = look.format;
-    double height = measure.height;
-    // Kept at hand: nearly all of a text are letters seen before.
-    double run = lines.run;
-    double room = lines.room;
-    std::span<const float> widths = measure.widths;
-    for (const QChar character : text) {
-        const char16_t unit = character.unicode();
-        const float known = unit < widths.size() ? widths[unit] : 0;
-        if (known > 0 && unit != u' ') {
-            run += static_cast<double>(known);
-            if (run > room) {
-                lines.run = std::exchange(run, 0);
-                lines.addRun(static_cast<double>(known));
-                room = lines.room;
-            }
-            continue;
+    constexpr qsizetype stretch = 32; // a line has a few of them
+    double height = look.measure->height;
+    const QStringView all(text);
+    for (qsizetype at = 0; at < all.size(); at += stretch) {
+        const QStringView letters = all.mid(at, stretch);
+        if (!lines.addOnLine(letters, look.measure->widths)) {
+            height = std::max(height, addLetters(lines, letters, look));
         }
-        lines.run = std::exchange(run, 0);
-        if (unit == QChar::ObjectReplacementCharacter) {
-            const QSizeF size = objectSize(format, measure);
+    }
+    lines.height = std::max(lines.height, height * look.standing);
+}
+
+/// One by one. \return the height of the tallest.
+double HeightEstimate::addLetters(Lines &lines, QStringView letters, const Look &look)
+{
+    Measure &measure = *look.measure;
+    double height = 0;
+    for (const QChar letter : letters) {
+        const char16_t unit = letter.unicode();
+        const int known = unit < measure.widths.size() ? measure.widths[unit] : 0;
+        if (unit == u' ') {
+            lines.addSpace(known > 0 ? known : measure.measure(unit).width);
+        } else if (known > 0) {
+            lines.addLetter(known);
+        } else if (unit == QChar::ObjectReplacementCharacter) {
+            const QSizeF size = objectSize(look.format, measure);
             lines.addObject(size.width());
             height = std::max(height, size.height());
         } else if (unit == QChar::LineSeparator) {
             lines.breakLine();
         } else if (unit == u'\t') {
             lines.addSpace(lines.tab);
-        } else if (unit == u' ') {
-            lines.addSpace(known > 0 ? static_cast<double>(known) : measure.measure(unit).width());
         } else {
-            const QSizeF size = measure.measure(unit);
-            lines.run += size.width();
-            lines.addRun(size.width());
-            height = std::max(height, size.height());
+            const Measure::Extent extent = measure.measure(unit);
+            lines.addLetter(extent.width);
+            height = std::max(height, extent.height);
         }
-        room = lines.room;
-        widths = measure.widths;
     }
-    lines.run = run;
-    height *= standingOf(format.verticalAlignment());
-    height *= 1 + std::abs(format.baselineOffset()) / 100;
-    lines.height = std::max(lines.height, height);
+    return height;
 }
 
 QSizeF HeightEstimate::objectSize(const QTextCharFormat &format, const Measure &measure) const
@@ -493,6 +551,7 @@ template <typename Part> const HeightEstimate::Look &HeightEstimate::lookOf(cons
             look.format.merge(m_restyling);
         }
         look.measure = &measureOf(look.format);
+        look.standing = standingOf(look.format);
     }
     return look;
 }

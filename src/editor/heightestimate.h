@@ -81,6 +81,7 @@ private:
     {
         QTextCharFormat format;
         Measure *measure = nullptr;
+        double standing = 1; // how many times as tall it makes a line
     };
 
     /// What a paragraph has around its text, by its format alone.
@@ -98,6 +99,7 @@ private:
     Heights ofTable(const QTextTable &table, Widths widths, int depth);
     Heights ofBlock(const QTextBlock &block, Widths widths);
     void addText(Lines &lines, const QString &text, const Look &look);
+    double addLetters(Lines &lines, QStringView letters, const Look &look);
     QSizeF objectSize(const QTextCharFormat &format, const Measure &measure) const;
     template <typename Part> const Look &lookOf(const Part &part);
     Measure &measureOf(const QTextCharFormat &format);
