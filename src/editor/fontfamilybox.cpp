@@ -29,8 +29,9 @@ public:
     {
         QStyledItemDelegate::paint(painter, option, index);
         const QString family = index.data().toString();
-        const bool isSymbols = !QFontDatabase::writingSystems(family).contains(QFontDatabase::Latin)
-            || QFontDatabase::writingSystems(family).contains(QFontDatabase::Symbol);
+        const QList<QFontDatabase::WritingSystem> systems = QFontDatabase::writingSystems(family);
+        const bool isSymbols =
+            !systems.contains(QFontDatabase::Latin) || systems.contains(QFontDatabase::Symbol);
         QFont font(family);
         font.setPointSizeF(option.font.pointSizeF());
         painter->save();
