@@ -114,7 +114,7 @@ bool ColumnResizing::press(const QMouseEvent &event)
         event.modifiers() == Qt::NoModifier ? edgeAt(event.position().toPoint()) : std::nullopt;
     if (m_dragged) {
         m_edge = m_dragged->edges[std::size_t(m_dragged->column) + 1];
-        m_grip = event.position().x() - originIn(m_editor).x() - m_edge;
+        m_grip = event.position().x() - m_editor.origin().x() - m_edge;
         showCursor(true);
     }
     return m_dragged.has_value();
@@ -139,7 +139,7 @@ void ColumnResizing::drag(const QPoint &place)
     const bool isFull = edges.back() > end - reach; // the layout rounds
     const bool isLast = before + 2 == edges.size();
     const double right = !isLast ? edges[before + 2] - narrowest : isFull ? edges.back() : end;
-    m_edge = std::clamp(place.x() - originIn(m_editor).x() - m_grip, left, std::max(left, right));
+    m_edge = std::clamp(place.x() - m_editor.origin().x() - m_grip, left, std::max(left, right));
     m_editor.viewport()->update();
 }
 
@@ -188,7 +188,7 @@ std::optional<ColumnResizing::Edge> ColumnResizing::edgeAt(const QPoint &place) 
         const QTextTableCell cell = table->cellAt(cursor);
         const std::vector<double> rows =
             rowEdges(*table, cell.row(), cell.row() + cell.rowSpan() - 1);
-        const QPointF at = QPointF(place) - originIn(m_editor);
+        const QPointF at = QPointF(place) - m_editor.origin();
         const std::vector<double> edges = columnEdges(*table);
         const auto column = borderOf(cell, edges, at.x());
         if (column && at.y() >= rows.front() && at.y() <= rows.back()) {
@@ -204,7 +204,7 @@ void ColumnResizing::draw(QPainter &painter) const
         return;
     }
     const std::vector<double> rows = rowEdges(*m_dragged->table, 0, m_dragged->table->rows() - 1);
-    const QPointF origin = originIn(m_editor);
+    const QPointF origin = m_editor.origin();
     painter.setPen(QPen(m_editor.palette().color(QPalette::Highlight), 2));
     painter.drawLine(QPointF(m_edge, rows.front()) + origin, QPointF(m_edge, rows.back()) + origin);
 }

@@ -14,7 +14,6 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextList>
@@ -375,9 +374,8 @@ bool ListEditing::pressSpace()
 QTextBlock ListEditing::boxAt(const QPoint &place) const
 {
     const QTextBlock block = m_editor.cursorForPosition(place).block();
-    const QPointF inDocument = place
-        + QPointF(m_editor.horizontalScrollBar()->value(), m_editor.verticalScrollBar()->value());
-    const bool isBox = isChecklistItem(block) && listMarkPlace(block).contains(inDocument);
+    const bool isBox =
+        isChecklistItem(block) && listMarkPlace(block).contains(place - m_editor.origin());
     return isBox ? block : QTextBlock();
 }
 
@@ -406,13 +404,12 @@ bool ListEditing::mouse(const QMouseEvent &event)
 
 void ListEditing::paint(QPainter &painter) const
 {
-    const QPoint scrolled(m_editor.horizontalScrollBar()->value(),
-                          m_editor.verticalScrollBar()->value());
+    const QPoint origin = m_editor.origin();
     const QRect exposed = painter.clipBoundingRect().toAlignedRect();
     const QTextBlock first = m_editor.document()->findBlock(m_editor.spanIn(exposed).from);
     painter.save();
-    painter.translate(-scrolled);
-    drawListMarks(painter, first, exposed.translated(scrolled), m_editor.palette());
+    painter.translate(origin);
+    drawListMarks(painter, first, exposed.translated(-origin), m_editor.palette());
     painter.restore();
 }
 

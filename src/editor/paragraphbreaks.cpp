@@ -8,7 +8,6 @@
 #include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextTable>
@@ -174,7 +173,7 @@ void ParagraphBreaks::paint(QPainter &painter) const
     QTextBlock block = m_editor.document()->findBlock(m_editor.spanIn(exposed).from);
     paintLeaders(painter, block, exposed);
     const int margin = int(m_editor.document()->documentMargin());
-    const int left = margin - m_editor.horizontalScrollBar()->value();
+    const int left = margin + m_editor.origin().x();
     const int right = m_editor.viewport()->width() - margin;
     for (; block.isValid(); block = block.next()) {
         QTextCursor cursor(block);
@@ -204,7 +203,7 @@ void ParagraphBreaks::paint(QPainter &painter) const
 void ParagraphBreaks::drawRule(QPainter &painter, const QTextBlock &block) const
 {
     const QRectF rect = m_editor.document()->documentLayout()->blockBoundingRect(block).translated(
-        -m_editor.horizontalScrollBar()->value(), -m_editor.verticalScrollBar()->value());
+        m_editor.origin());
     const double width = block.blockFormat()
                              .lengthProperty(QTextFormat::BlockTrailingHorizontalRulerWidth)
                              .value(rect.width());
@@ -217,11 +216,10 @@ void ParagraphBreaks::drawRule(QPainter &painter, const QTextBlock &block) const
 void ParagraphBreaks::paintLeaders(QPainter &painter, const QTextBlock &first,
                                    const QRect &exposed) const
 {
-    const QPoint scrolled(m_editor.horizontalScrollBar()->value(),
-                          m_editor.verticalScrollBar()->value());
+    const QPoint origin = m_editor.origin();
     painter.save();
-    painter.translate(-scrolled);
-    drawTabLeaders(painter, first, exposed.translated(scrolled), m_editor.palette());
+    painter.translate(origin);
+    drawTabLeaders(painter, first, exposed.translated(-origin), m_editor.palette());
     painter.restore();
 }
 

@@ -7,7 +7,6 @@
 #include "richtext/textproperties.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
@@ -90,9 +89,7 @@ QRectF placeOf(const TextEditor &editor, const PlacedAttachment &attachment)
     // It stands on the line that the text stands on.
     const QPointF inBlock(std::min(from, to), line.y() + line.ascent() - size.height());
     const QPointF origin = document.documentLayout()->blockBoundingRect(block).topLeft();
-    const QPointF scrolled(editor.horizontalScrollBar()->value(),
-                           editor.verticalScrollBar()->value());
-    return {origin + inBlock - scrolled, QSizeF(std::abs(to - from), size.height())};
+    return {editor.origin() + origin + inBlock, QSizeF(std::abs(to - from), size.height())};
 }
 
 void select(TextEditor &editor, const PlacedAttachment &attachment)

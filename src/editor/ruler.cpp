@@ -177,7 +177,7 @@ Ruler::Scale Ruler::scaleAt(const QTextBlock &block) const
     const int viewport =
         m_editor.viewport()->mapTo(m_editor.window(), QPoint()).x() - mapTo(window(), QPoint()).x();
     Scale scale;
-    scale.margin = viewport + rect.left() - m_editor.horizontalScrollBar()->value();
+    scale.margin = viewport + m_editor.origin().x() + rect.left();
     scale.isRightToLeft = block.textDirection() == Qt::RightToLeft;
     if (const QPaintDevice *device = layout.paintDevice()) {
         scale.pixels = device->logicalDpiY() / defaultDotsPerInch();

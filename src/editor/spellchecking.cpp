@@ -57,6 +57,7 @@ SpellChecking::SpellChecking(const Surroundings &with)
     : m_editor(with.editor)
     , m_marks(with.marks)
     , m_sheets(with.sheets)
+    , m_waves(with.editor)
     , m_judge(with.spelling)
 {
     m_slices.setSingleShot(true);
@@ -65,10 +66,9 @@ SpellChecking::SpellChecking(const Surroundings &with)
     with.view.switches.spelling = [this](bool on) {
         setOn(on);
     };
-    m_marks.setSource(VisibleMarks::Layer::Spelling,
-                      [this](const QTextBlock &, const QTextBlock &, VisibleMarks::Marks &marks) {
-                          mark(marks);
-                      });
+    m_marks.setSource(
+        VisibleMarks::Layer::Spelling,
+        [this](const QTextBlock &, const QTextBlock &, VisibleMarks::Marks &) { underline(); });
     with.contextMenu.addSection(
         [this](QMenu &menu, const QTextCursor &place) { offerCorrections(menu, place); });
     connect(&m_judge, &WordJudge::changed, &m_marks, &VisibleMarks::refresh);
@@ -81,6 +81,7 @@ SpellChecking::SpellChecking(const Surroundings &with)
     const auto startAnew = [this] {
         m_hunt.reset();
         m_isTyping = false;
+        m_waves.clear();
         m_judge.forget();
     };
     connect(&m_editor, &TextEditor::contentReplaced, this, startAnew);
@@ -127,18 +128,22 @@ void SpellChecking::setOn(bool on)
 
 // --- Marks ----------------------------------------------------------------------------------
 
-void SpellChecking::mark(VisibleMarks::Marks &marks)
+void SpellChecking::underline()
 {
-    if (!m_isOn || m_editor.isReadOnly()) {
-        return;
+    if (m_isOn && !m_editor.isReadOnly()) {
+        const bool isDark = m_editor.palette().color(QPalette::Base).lightness() < 128;
+        m_waves.set(wrongWordsInView(), isDark ? waveOnDark : waveOnLight);
+    } else {
+        m_waves.clear();
     }
+}
+
+QList<QTextCursor> SpellChecking::wrongWordsInView()
+{
+    QList<QTextCursor> wrong;
     QElapsedTimer time;
     time.start();
     bool isUnfinished = false;
-    QTextCharFormat wave;
-    const bool isDark = m_editor.palette().color(QPalette::Base).lightness() < 128;
-    wave.setUnderlineStyle(QTextCharFormat::SpellCheckUnderline);
-    wave.setUnderlineColor(isDark ? waveOnDark : waveOnLight);
     const TextSpan inView = m_marks.inView();
     QTextBlock block = m_editor.document()->findBlock(inView.from);
     for (; block.isValid() && block.position() <= inView.end(); block = block.next()) {
@@ -146,7 +151,7 @@ void SpellChecking::mark(VisibleMarks::Marks &marks)
         const TextSpan within {inView.from - block.position(), inView.length};
         for (const TextSpan &word : wordsToCheck(text, within)) {
             if (!m_judge.isReady()) {
-                return; // it will say so when it is
+                return wrong; // it will say so when it is
             }
             const TextSpan place {block.position() + word.from, word.length};
             if (isBeingTyped(place)) {
@@ -159,13 +164,14 @@ void SpellChecking::mark(VisibleMarks::Marks &marks)
                 QTextCursor cursor(block);
                 cursor.setPosition(place.from);
                 cursor.setPosition(place.end(), QTextCursor::KeepAnchor);
-                marks.append({cursor, wave});
+                wrong << cursor;
             }
         }
     }
     if (isUnfinished) {
         m_marks.refresh();
     }
+    return wrong;
 }
 
 bool SpellChecking::isBeingTyped(const TextSpan &word) const

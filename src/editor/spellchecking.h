@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/visiblemarks.h"
+#include "editor/wavyunderlines.h"
 #include "editor/wordjudge.h"
 #include "platform/nswindow.h"
 
@@ -37,6 +38,9 @@ public:
 
     explicit SpellChecking(const Surroundings &with);
 
+    /// The words that are underlined as wrong.
+    const QList<QTextCursor> &underlined() const { return m_waves.places(); }
+
 private:
     /// On the way to the next misspelled word.
     struct Hunt
@@ -48,7 +52,8 @@ private:
 
     void defineCommands(const Surroundings &with);
     void setOn(bool on);
-    void mark(VisibleMarks::Marks &marks);
+    void underline();
+    QList<QTextCursor> wrongWordsInView();
     bool isBeingTyped(const TextSpan &word) const;
     void noteCaret();
     std::optional<QTextCursor> wrongWordAt(const QTextCursor &place, bool mayLook);
@@ -63,6 +68,7 @@ private:
     TextEditor &m_editor;
     VisibleMarks &m_marks;
     NSWindow &m_sheets;
+    WavyUnderlines m_waves;
     WordJudge m_judge;
     QTimer m_slices;
     std::optional<Hunt> m_hunt;

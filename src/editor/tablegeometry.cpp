@@ -4,10 +4,8 @@
 #include <QGuiApplication>
 #include <QPaintDevice>
 #include <QScreen>
-#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
-#include <QTextEdit>
 #include <QTextLayout>
 #include <QTextTable>
 
@@ -102,13 +100,6 @@ std::vector<double> rowEdges(const QTextTable &table, int first, int last)
         edges.push_back(isKnown || edges.empty() ? top : edges.back());
     }
     return edges;
-}
-
-QPointF originIn(const QTextEdit &editor)
-{
-    const QScrollBar &bar = *editor.horizontalScrollBar();
-    const int x = editor.isRightToLeft() ? bar.maximum() - bar.value() : bar.value();
-    return {-double(x), -double(editor.verticalScrollBar()->value())};
 }
 
 double roomOf(const QTextTable &table)

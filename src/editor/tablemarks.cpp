@@ -92,7 +92,7 @@ void TableMarks::drawRow(QPainter &painter, const QTextTable &table, int row, bo
         const bool isHere = cell.column() == column && (isFirst || cell.row() == row);
         if (isHere && hasNoBorder(cell)) {
             columns = columns.empty() ? columnEdges(table) : columns;
-            painter.drawRect(rectOf(table, cell, columns).translated(originIn(m_editor)));
+            painter.drawRect(rectOf(table, cell, columns).translated(m_editor.origin()));
         }
     }
 }
@@ -121,8 +121,7 @@ void TableMarks::drawSelection(QPainter &painter, const QTextBlock &first,
         for (int c = column; c < column + columns; ++c) {
             const QTextTableCell cell = table->cellAt(r, c);
             if ((cell.row() == r || r == from) && cell.column() == c) {
-                painter.fillRect(rectOf(*table, cell, edges).translated(originIn(m_editor)),
-                                 colour);
+                painter.fillRect(rectOf(*table, cell, edges).translated(m_editor.origin()), colour);
             }
         }
     }

@@ -112,6 +112,9 @@ public:
     /// as the text is laid out: asking never lays out more.
     TextSpan spanIn(const QRect &view) const;
 
+    /// Of the document, in the viewport: it moves as the text is scrolled.
+    QPoint origin() const;
+
     /// Draws over the text, in the viewport's coordinates, whenever it is painted.
     void addOverlay(std::function<void(QPainter &painter)> draw);
 

@@ -65,6 +65,13 @@ std::optional<TextSpan> rowAround(const QTextBlock &block)
 
 } // namespace
 
+QPoint TextEditor::origin() const
+{
+    const QScrollBar &bar = *horizontalScrollBar();
+    const int x = isRightToLeft() ? bar.maximum() - bar.value() : bar.value();
+    return {-x, -verticalScrollBar()->value()};
+}
+
 // A hit test is no way to find out: between two paragraphs, and above the first one, it goes
 // through all that follow, and ends behind what is laid out.
 TextSpan TextEditor::spanIn(const QRect &view) const

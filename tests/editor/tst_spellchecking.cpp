@@ -71,8 +71,8 @@ struct Window
     {
         return QTest::qWaitFor([&] {
             QStringList marked;
-            for (const QTextEdit::ExtraSelection &mark : editor().extraSelections()) {
-                marked << mark.cursor.selectedText();
+            for (const QTextCursor &word : checking.underlined()) {
+                marked << word.selectedText();
             }
             return marked == words;
         });
@@ -252,6 +252,66 @@ private slots:
         window.marks.refresh();
         QVERIFY(window.shows({}));
         QVERIFY(!window.command(TextCommand::NextMisspelling).isEnabled());
+    }
+
+    void aWaveIsDrawnUnderTheWrongWordAlone_data()
+    {
+        QTest::addColumn<QString>("html");
+        QTest::addColumn<double>("zoom");
+        QTest::addColumn<int>("lines");
+        const auto row = [](const char *name, const QString &html, double zoom, int lines) {
+            QTest::newRow(name) << html << zoom << lines;
+        };
+        const auto word = u"quisquam"_s;
+        row("in a paragraph", u"<p>amo amas %1 amo</p>"_s.arg(word), 1, 1);
+        row("larger", u"<p>amo amas %1 amo</p>"_s.arg(word), 2, 1);
+        row("in a paragraph to the left", u"<p dir=rtl>amo amas %1 amo</p>"_s.arg(word), 1, 1);
+        row("in an item", u"<ol><li>amo</li><li>amas %1 amo</li></ol>"_s.arg(word), 1, 1);
+        row("in a cell", u"<table><tr><td>amo</td><td>%1 amo</td></tr></table>"_s.arg(word), 1, 1);
+        row("broken into lines",
+            u"<table width=100><tr><td width=50>%1</td><td>amo</td></tr></table>"_s.arg(
+                word.repeated(3)),
+            1, 4);
+    }
+
+    void aWaveIsDrawnUnderTheWrongWordAlone()
+    {
+        QFETCH(QString, html);
+        QFETCH(double, zoom);
+        QFETCH(int, lines);
+        Window window(*m_spelling);
+        auto document = std::make_unique<QTextDocument>();
+        document->setHtml(html);
+        showText(window.editor(), std::move(document));
+        QVERIFY(window.editor().setZoom(zoom));
+        QTRY_COMPARE(window.checking.underlined().size(), 1);
+        const QTextCursor word = window.checking.underlined().first();
+        QMap<int, QRect> places; // of the lines, by their baselines
+        for (int at = word.selectionStart(); at < word.selectionEnd(); ++at) {
+            QTextCursor letter(word);
+            letter.setPosition(at);
+            const QRect left = window.editor().cursorRect(letter);
+            letter.setPosition(at + 1);
+            const QRect right = window.editor().cursorRect(letter);
+            QRect &place = places[left.bottom()];
+            place = place.united(left);
+            place = left.bottom() == right.bottom() ? place.united(right) : place;
+        }
+        const QImage shown = window.editor().viewport()->grab().toImage();
+        QSet<int> waves;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                const QColor colour = shown.pixelColor(x, y);
+                if (colour.red() - colour.green() > 100) {
+                    const auto line = places.lowerBound(y);
+                    QVERIFY(line != places.end() && y > line->center().y());
+                    QVERIFY(line->adjusted(-2, 0, 12, 0).contains(x, y));
+                    waves << line.key();
+                }
+            }
+        }
+        QVERIFY(places.size() >= lines);
+        QCOMPARE(waves.size(), places.size());
     }
 
     void marksEndWithTheTextTheyStandIn()

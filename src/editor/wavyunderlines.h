@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QPixmap>
+#include <QRectF>
+#include <QTextCursor>
+
+class QPainter;
+
+namespace quorvane {
+
+class TextEditor;
+
+/// Waves under places of a text, drawn over it. The toolkit would draw them too, but paints the
+/// whole paragraph three times for it, at each key.
+class WavyUnderlines final
+{
+public:
+    explicit WavyUnderlines(TextEditor &editor);
+
+    /// Where they are from now on. The places move with the text.
+    void set(const QList<QTextCursor> &places, const QColor &colour);
+
+    void clear() { set({}, m_colour); }
+
+    const QList<QTextCursor> &places() const { return m_places; }
+
+private:
+    QList<QRectF> wavesOf(const QTextCursor &place) const;
+    const QPixmap &tile();
+    void draw(QPainter &painter);
+
+    TextEditor &m_editor;
+    QList<QTextCursor> m_places;
+    QColor m_colour;
+    QPixmap m_tile; // of one wave
+};
+
+} // namespace quorvane
