@@ -430,6 +430,22 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
     });
 }
 
+bool TextEditor::viewportEvent(QEvent *event)
+{
+    const bool isMouse = event->type() == QEvent::MouseButtonPress
+        || event->type() == QEvent::MouseButtonDblClick || event->type() == QEvent::MouseMove;
+    const auto *mouse = isMouse ? static_cast<QMouseEvent *>(event) : nullptr;
+    const QPointF place = mouse ? onLine(mouse->position()) : QPointF();
+    if (!mouse || place == mouse->position()) {
+        return QTextEdit::viewportEvent(event);
+    }
+    QMouseEvent moved(mouse->type(), place, mouse->globalPosition(), mouse->button(),
+                      mouse->buttons(), mouse->modifiers(), mouse->pointingDevice());
+    const bool isTaken = QTextEdit::viewportEvent(&moved);
+    event->setAccepted(moved.isAccepted());
+    return isTaken;
+}
+
 void TextEditor::mousePressEvent(QMouseEvent *event)
 {
     m_unsettled.reset();

@@ -112,6 +112,9 @@ public:
     /// as the text is laid out: asking never lays out more.
     TextSpan spanIn(const QRect &view) const;
 
+    /// In the place of the toolkit's: right in a text, too, that is still being laid out.
+    QTextCursor cursorForPosition(const QPoint &place) const;
+
     /// Of the document, in the viewport: it moves as the text is scrolled.
     QPoint origin() const;
 
@@ -142,6 +145,7 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -209,6 +213,7 @@ private:
     void paginate();
 
     void keepInView(const std::function<void()> &change);
+    QPointF onLine(const QPointF &point) const;
     Place place() const;
     void restore(const Place &place);
     void restoreScroll(const Place &place);

@@ -8,6 +8,7 @@
 #include <QTextTable>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <optional>
 #include <ranges>
@@ -29,12 +30,18 @@ int firstAfter(int count, const std::function<bool(int number)> &isReached)
     return *std::ranges::partition_point(std::views::iota(0, count), isReached);
 }
 
+/// What the lines of a block are placed from.
+double topOf(const QTextBlock &block)
+{
+    return block.document()->documentLayout()->blockBoundingRect(block).top()
+        - block.layout()->boundingRect().top();
+}
+
 /// The line of a block that reaches below \a y, or its last one.
 QTextLine lineAt(const QTextBlock &block, double y)
 {
     const QTextLayout &lines = *block.layout();
-    const double top = block.document()->documentLayout()->blockBoundingRect(block).top()
-        - lines.boundingRect().top();
+    const double top = topOf(block);
     return lines.lineAt(firstAfter(lines.lineCount() - 1, [&](int number) {
         const QTextLine line = lines.lineAt(number);
         return top + line.y() + line.height() <= y;
@@ -101,6 +108,30 @@ TextSpan TextEditor::spanIn(const QRect &view) const
     const int end =
         lastRow ? lastRow->end() : last.position() + lastLine.textStart() + lastLine.textLength();
     return {from, end - from};
+}
+
+/// The point, or in a text that is still being laid out the nearest one on a line: a hit test
+/// beside the lines would be answered with the end of the text.
+QPointF TextEditor::onLine(const QPointF &point) const
+{
+    if (isLaidOut(document()->lastBlock())) {
+        return point;
+    }
+    const QTextBlock block =
+        document()->findBlock(spanIn(QRect(point.toPoint(), QSize(1, 1))).from);
+    if (!isLaidOut(block) || QTextCursor(block).currentTable()) {
+        return point;
+    }
+    const double y = point.y() - origin().y();
+    const QTextLine line = lineAt(block, y);
+    const double top = std::ceil(topOf(block) + line.y());
+    const double bottom = std::max(top, std::floor(topOf(block) + line.y() + line.height()) - 1);
+    return {point.x(), std::clamp(y, top, bottom) + origin().y()};
+}
+
+QTextCursor TextEditor::cursorForPosition(const QPoint &place) const
+{
+    return QTextEdit::cursorForPosition(onLine(place).toPoint());
 }
 
 void TextEditor::undo()

@@ -326,6 +326,28 @@ private slots:
         QCOMPARE(blocksWithoutLines(*m_editor->content()), unknown);
     }
 
+    void placesAreKnownBeforeTheLayoutIsDone()
+    {
+        auto text = std::make_unique<QTextDocument>();
+        text->setHtml(u"<p>Hello there</p><ul><li>one</li><li>two</li></ul>"
+                      "<p style='margin-top:12px'>some more</p>"_s.repeated(6000));
+        m_editor->resize(600, 400);
+        m_editor->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_editor.get()));
+        QCOMPARE(m_editor->showDocument(std::move(text)), TextEditor::ShowResult::Shown);
+        m_editor->repaint();
+        const TextSpan inView = m_editor->spanIn(m_editor->viewport()->rect());
+        constexpr int nextLine = 12; // characters, at most
+        for (int y = 0; y < m_editor->viewport()->height(); ++y) {
+            const int unknown = blocksWithoutLines(*m_editor->content());
+            QVERIFY2(unknown > 0, "the layout was finished too early to test anything");
+            QVERIFY(m_editor->cursorForPosition({20, y}).position() <= inView.end() + nextLine);
+            QCOMPARE(blocksWithoutLines(*m_editor->content()), unknown);
+        }
+        QTest::mouseClick(m_editor->viewport(), Qt::LeftButton, {}, {20, 1});
+        QCOMPARE(m_editor->textCursor().position(), 1);
+    }
+
     void rowsOfATableAreInViewAsAWhole()
     {
         auto text = std::make_unique<QTextDocument>();
