@@ -48,8 +48,8 @@ QTextLine lineAt(const QTextBlock &block, double y)
     }));
 }
 
-/// What stands beside a block in the row of its outermost table.
-std::optional<TextSpan> rowAround(const QTextBlock &block)
+/// Of the row of the outermost table around a block; none where it stands in no table.
+QList<QTextTableCell> cellsBeside(const QTextBlock &block)
 {
     const QTextTable *table = nullptr;
     for (QTextFrame *frame = QTextCursor(block).currentFrame(); frame;
@@ -57,17 +57,52 @@ std::optional<TextSpan> rowAround(const QTextBlock &block)
         const auto *around = qobject_cast<const QTextTable *>(frame);
         table = around ? around : table;
     }
-    if (!table) {
+    QList<QTextTableCell> cells;
+    for (int column = 0; table && column < table->columns(); ++column) {
+        cells << table->cellAt(table->cellAt(block.position()).row(), column);
+    }
+    return cells;
+}
+
+std::optional<TextSpan> rowAround(const QTextBlock &block)
+{
+    const QList<QTextTableCell> cells = cellsBeside(block);
+    if (cells.isEmpty()) {
         return std::nullopt;
     }
     int from = block.position();
     int end = from;
-    for (int column = 0; column < table->columns(); ++column) {
-        const QTextTableCell cell = table->cellAt(table->cellAt(block.position()).row(), column);
+    for (const QTextTableCell &cell : cells) {
         from = std::min(from, cell.firstPosition());
         end = std::max(end, cell.lastPosition());
     }
     return TextSpan {from, end - from};
+}
+
+double bottomOf(const QTextBlock &block)
+{
+    return block.document()->documentLayout()->blockBoundingRect(block).bottom();
+}
+
+/// In the order of the text this only grows; where blocks stand side by side their bottoms do not.
+double bottomOfRow(const QTextBlock &block)
+{
+    double bottom = bottomOf(block);
+    const QList<QTextTableCell> cells = cellsBeside(block);
+    for (const QTextTableCell &cell : cells) {
+        bottom = std::max(bottom, bottomOf(cell.lastCursorPosition().block()));
+    }
+    return bottom;
+}
+
+/// The first block that reaches below \a y, or that stands beside one that does, or that is not
+/// laid out yet; the last one where there is none.
+QTextBlock firstBelow(const QTextDocument &text, double y)
+{
+    return text.findBlockByNumber(firstAfter(text.blockCount() - 1, [&](int number) {
+        const QTextBlock block = text.findBlockByNumber(number);
+        return isLaidOut(block) && bottomOfRow(block) <= y;
+    }));
 }
 
 } // namespace
@@ -87,11 +122,7 @@ TextSpan TextEditor::spanIn(const QRect &view) const
     const QAbstractTextDocumentLayout &layout = *text.documentLayout();
     const double top = view.top() + verticalScrollBar()->value();
     const double bottom = view.bottom() + verticalScrollBar()->value();
-    const int number = firstAfter(text.blockCount() - 1, [&](int candidate) {
-        const QTextBlock block = text.findBlockByNumber(candidate);
-        return isLaidOut(block) && layout.blockBoundingRect(block).bottom() <= top;
-    });
-    const QTextBlock first = text.findBlockByNumber(number);
+    const QTextBlock first = firstBelow(text, top);
     if (!isLaidOut(first)) {
         return {first.position(), 0};
     }
@@ -167,9 +198,14 @@ void TextEditor::keepInView(const std::function<void()> &change)
 TextEditor::Place TextEditor::place() const
 {
     const QTextCursor cursor = textCursor();
-    const QPoint top(0, qRound(halfLine * zoom())); // a line that is mostly out of view is not it
-    return {cursor.anchor(), cursor.position(), spanIn({top, QSize(1, 1)}).from,
-            verticalScrollBar()->value(), viewport()->width()};
+    const int scroll = verticalScrollBar()->value();
+    const double y = scroll + halfLine * zoom(); // a line that is mostly out of view is not it
+    QTextBlock block = firstBelow(*document(), y);
+    while (isLaidOut(block) && bottomOf(block) <= y && block.next().isValid()) {
+        block = block.next(); // the one before ends above, beside a taller one
+    }
+    const int top = block.position() + (isLaidOut(block) ? lineAt(block, y).textStart() : 0);
+    return {cursor.anchor(), cursor.position(), top, scroll, viewport()->width()};
 }
 
 void TextEditor::restore(const Place &place)

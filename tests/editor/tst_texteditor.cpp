@@ -348,20 +348,53 @@ private slots:
         QCOMPARE(m_editor->textCursor().position(), 1);
     }
 
+    void rowsOfATableAreInViewAsAWhole_data()
+    {
+        QTest::addColumn<QStringList>("cells");
+        const QString lines = u"\n"_s.repeated(40);
+        QTest::newRow("of which only the middle one reaches into it")
+            << QStringList {u""_s, lines, u""_s};
+        QTest::newRow("of which only the first one does, behind which others have ended")
+            << QStringList {u"tall "_s.repeated(800), lines.first(9), lines.first(9)};
+    }
+
     void rowsOfATableAreInViewAsAWhole()
     {
+        QFETCH(QStringList, cells);
         auto text = std::make_unique<QTextDocument>();
         QTextCursor cursor(text.get());
         QTextTable *table = cursor.insertTable(1, 3);
-        table->cellAt(0, 1).firstCursorPosition().insertText(u"\n"_s.repeated(40));
+        cursor.movePosition(QTextCursor::End);
+        cursor.insertText(u"\n"_s.repeated(20));
+        for (int column = 0; column < 3; ++column) {
+            table->cellAt(0, column).firstCursorPosition().insertText(cells.at(column));
+        }
         QCOMPARE(m_editor->showDocument(std::move(text)), TextEditor::ShowResult::Shown);
         m_editor->show();
         m_editor->resize(600, 200);
         table = qobject_cast<QTextTable *>(m_editor->content()->rootFrame()->childFrames().first());
-        m_editor->verticalScrollBar()->setValue(200); // only the middle cell's text is in view
+        m_editor->verticalScrollBar()->setValue(250); // only the tallest cell's text is in view
         const TextSpan span = m_editor->spanIn(m_editor->viewport()->rect());
         QCOMPARE(span.from, table->cellAt(0, 0).firstPosition());
         QCOMPARE(span.end(), table->cellAt(0, 2).lastPosition());
+    }
+
+    void zoomKeepsThePlaceInATallRow()
+    {
+        auto text = std::make_unique<QTextDocument>();
+        QTextTable *table = QTextCursor(text.get()).insertTable(1, 1);
+        QTextCursor cursor = table->cellAt(0, 0).firstCursorPosition();
+        for (int number = 0; number < 200; ++number) {
+            cursor.insertText(u"paragraph %1\n"_s.arg(number));
+        }
+        QCOMPARE(m_editor->showDocument(std::move(text)), TextEditor::ShowResult::Shown);
+        m_editor->show();
+        m_editor->resize(600, 200);
+        m_editor->verticalScrollBar()->setValue(1500);
+        const int top = m_editor->cursorForPosition(QPoint(40, 10)).blockNumber();
+        QVERIFY(m_editor->setZoom(1.5));
+        const int now = m_editor->cursorForPosition(QPoint(40, 10)).blockNumber();
+        QVERIFY2(qAbs(now - top) <= 1, qPrintable(u"%1 instead of %2"_s.arg(now).arg(top)));
     }
 
     void aWindowTooNarrowForTheTextScrollsSideways()
