@@ -433,7 +433,8 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
 bool TextEditor::viewportEvent(QEvent *event)
 {
     const bool isMouse = event->type() == QEvent::MouseButtonPress
-        || event->type() == QEvent::MouseButtonDblClick || event->type() == QEvent::MouseMove;
+        || event->type() == QEvent::MouseButtonDblClick || event->type() == QEvent::MouseMove
+        || event->type() == QEvent::MouseButtonRelease;
     const auto *mouse = isMouse ? static_cast<QMouseEvent *>(event) : nullptr;
     const QPointF place = mouse ? onLine(mouse->position()) : QPointF();
     if (!mouse || place == mouse->position()) {
@@ -513,7 +514,12 @@ void TextEditor::dropEvent(QDropEvent *event)
         event->setDropAction(Qt::CopyAction);
     }
     const UndoNames::Scope scope(m_undoNames, u"Drag and Drop"_s);
-    QTextEdit::dropEvent(event);
+    QDropEvent placed(onLine(event->position()), event->possibleActions(), event->mimeData(),
+                      event->buttons(), event->modifiers());
+    placed.setDropAction(event->dropAction());
+    QTextEdit::dropEvent(&placed);
+    event->setDropAction(placed.dropAction());
+    event->setAccepted(placed.isAccepted());
 }
 
 QMimeData *TextEditor::createMimeDataFromSelection() const

@@ -60,13 +60,17 @@ void paste(TextEditor &editor, std::unique_ptr<QMimeData> data)
     editor.paste();
 }
 
-void drop(TextEditor &editor, std::unique_ptr<QMimeData> data)
+void drop(TextEditor &editor, std::unique_ptr<QMimeData> data, const QPoint &place)
 {
-    const QPoint place = editor.viewport()->rect().center();
     QDragEnterEvent enter(place, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(editor.viewport(), &enter);
     QDropEvent event(place, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(editor.viewport(), &event);
+}
+
+void drop(TextEditor &editor, std::unique_ptr<QMimeData> data)
+{
+    drop(editor, std::move(data), editor.viewport()->rect().center());
 }
 
 const QString longParagraph = QString(u"lorem ipsum dolor "_s).repeated(17);
@@ -346,6 +350,14 @@ private slots:
         }
         QTest::mouseClick(m_editor->viewport(), Qt::LeftButton, {}, {20, 1});
         QCOMPARE(m_editor->textCursor().position(), 1);
+        QTextCursor cursor = m_editor->textCursor();
+        cursor.setPosition(0);
+        cursor.setPosition(5, QTextCursor::KeepAnchor);
+        m_editor->setTextCursor(cursor);
+        QTest::mouseClick(m_editor->viewport(), Qt::LeftButton, {}, {20, 1}); // on the selection
+        QCOMPARE(m_editor->textCursor().position(), 1);
+        drop(*m_editor, ::text(u"dropped"_s), {20, 1});
+        QCOMPARE(m_editor->content()->firstBlock().text(), u"Hdroppedello there"_s);
     }
 
     void rowsOfATableAreInViewAsAWhole_data()
