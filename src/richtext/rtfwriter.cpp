@@ -107,6 +107,7 @@ QByteArray RtfWriter::documentWords()
 void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &end,
                            const char *lastEnding)
 {
+    bool isBehindTable = false; // which would go on with the rows of the next one
     while (at != end) {
         QTextFrame *child = at.currentFrame();
         const QTextBlock block = at.currentBlock();
@@ -115,9 +116,10 @@ void RtfWriter::writeFrame(QTextFrame::iterator at, const QTextFrame::iterator &
             writeChild(*child);
         } else if (at == end) {
             writeBlock(block, lastEnding);
-        } else if (!standsBeforeTable(block, at)) {
+        } else if (isBehindTable || !standsBeforeTable(block, at)) {
             writeBlock(block, paragraphEnding);
         }
+        isBehindTable = qobject_cast<const QTextTable *>(child);
     }
 }
 

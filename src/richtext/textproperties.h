@@ -96,6 +96,7 @@ enum TextProperty {
                      ///< -\li.
     BeforeTable, ///< true on an empty paragraph that is only there because Qt wants one before a
     ///< table. Not written while it is empty, and a table follows at once: it cannot be seen.
+    ///< Between two tables it is: they would be one.
     // On a QTextListFormat.
     ListStart, ///< int, \levelstartat where it is not 1.
     ListMarker, ///< QString, a bullet that is none of Qt's ("\u2043", "-"); the kind is ListDisc.

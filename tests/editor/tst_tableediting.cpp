@@ -291,6 +291,20 @@ private slots:
         QCOMPARE(content().blockCount(), 3);
     }
 
+    void tablesStayApartWithoutTextBetweenThem()
+    {
+        show(u""_s);
+        insertTable(1, 1);
+        key(Qt::Key_Home, Qt::ControlModifier);
+        key(Qt::Key_Return);
+        insertTable(1, 1);
+        QTextCursor behind(&content());
+        behind.setPosition(table().lastPosition() + 1);
+        editor().setTextCursor(behind);
+        key(Qt::Key_Delete);
+        QCOMPARE(savedAndReadAgain().count(u"table 1x1"_s), 2);
+    }
+
     void whatIsSelectedInATableIsCounted()
     {
         show(u""_s);
