@@ -3,6 +3,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <QWheelEvent>
 
@@ -46,9 +47,12 @@ bool SmoothScrolling::take(const QWheelEvent &event)
     const double way = notches * QApplication::wheelScrollLines() * bar.singleStep();
     m_last = bar.value();
     m_target = std::clamp<double>((goesOn ? m_target : m_last) + way, bar.minimum(), bar.maximum());
-    m_glide.setStartValue(m_last);
-    m_glide.setEndValue(int(std::lround(m_target)));
-    m_glide.setDuration(std::min(duration, longest));
+    {
+        const QSignalBlocker quiet(m_glide); // each tells a place as far on as the former glide was
+        m_glide.setStartValue(m_last);
+        m_glide.setEndValue(int(std::lround(m_target)));
+        m_glide.setDuration(std::min(duration, longest));
+    }
     m_glide.start();
     return true;
 }
