@@ -1,6 +1,7 @@
 #include "editor/printpreview.h"
 
 #include "editor/printjob.h"
+#include "editor/scrolleddialog.h"
 
 #include <QAction>
 #include <QGuiApplication>
@@ -19,7 +20,6 @@ namespace quorvane {
 namespace {
 
 constexpr QSize usualSize(820, 760);
-constexpr int titleBar = 40; // or less
 
 QWidget *spacer(QWidget *parent)
 {
@@ -53,8 +53,7 @@ PrintPreview::PrintPreview(const QTextDocument &content, QPrinter &printer, QWid
     connect(m_pages, &QPrintPreviewWidget::paintRequested, this,
             [this](QPrinter *paper) { paint(*paper); });
     connect(m_pages, &QPrintPreviewWidget::previewChanged, this, &PrintPreview::showPage);
-    const QSize room = screen()->availableSize() - QSize(0, titleBar);
-    resize(usualSize.boundedTo(room));
+    resize(usualSize.boundedTo({screen()->availableSize().width(), tallestOnScreen(*this)}));
     m_pages->fitInView();
 }
 

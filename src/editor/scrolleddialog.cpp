@@ -9,10 +9,15 @@
 
 namespace quorvane {
 
-void scrollWhereTooTall(QDialog &dialog)
+int tallestOnScreen(const QWidget &window)
 {
     constexpr int titleBar = 40; // or less
-    const int room = dialog.screen()->availableGeometry().height() - titleBar;
+    return window.screen()->availableGeometry().height() - titleBar;
+}
+
+void scrollWhereTooTall(QDialog &dialog)
+{
+    const int room = tallestOnScreen(dialog);
     const QSize wanted = dialog.sizeHint();
     auto *column = qobject_cast<QVBoxLayout *>(dialog.layout());
     if (!column || wanted.height() <= room) {

@@ -1,12 +1,13 @@
 #include "editor/sheetdialog.h"
 
+#include "editor/scrolleddialog.h"
+
 #include <QApplication>
 #include <QBoxLayout>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollArea>
 
 #include <algorithm>
@@ -20,7 +21,6 @@ constexpr int side = 24;
 constexpr int end = 20;
 constexpr int distance = 14;
 constexpr int buttonHeight = 28;
-constexpr int titleBar = 40; // or less
 
 /// Wants to be as wide as what it shows.
 class ContentArea final : public QScrollArea
@@ -153,7 +153,7 @@ int SheetDialog::neededHeight() const
 // sheet that went up and down with each key would be worse.
 void SheetDialog::makeRoom()
 {
-    const int most = screen()->availableGeometry().height() - titleBar;
+    const int most = tallestOnScreen(*this);
     const int needed = std::min(neededHeight(), most);
     if (needed > minimumHeight()) {
         setMinimumHeight(needed);
