@@ -28,11 +28,6 @@ constexpr double narrowestColumn = 16;
 constexpr int preparedPictures = 6; // on each side of what is seen
 constexpr int lookedThrough = 300; // paragraphs, for these
 
-bool hasPictureSize(const QTextFormat &format)
-{
-    return format.intProperty(AttachmentWidth) > 0 && format.intProperty(AttachmentHeight) > 0;
-}
-
 double screenResolution()
 {
     return QFontMetricsF(QGuiApplication::font()).fontDpi();
@@ -91,6 +86,11 @@ PictureCache::Request requestFor(const QTextFormat &format, const QByteArray &by
 }
 
 } // namespace
+
+bool hasPictureSize(const QTextFormat &format)
+{
+    return format.intProperty(AttachmentWidth) > 0 && format.intProperty(AttachmentHeight) > 0;
+}
 
 double resolutionOf(const QTextDocument &document)
 {

@@ -16,6 +16,9 @@ class QTextFormat;
 
 namespace quorvane {
 
+/// Whether the text tells how large the picture is to be shown; else the file is an icon.
+bool hasPictureSize(const QTextFormat &format);
+
 /// What an attachment takes up at most, in pixels, by its format alone.
 QSizeF largestAttachmentSize(const QTextFormat &format, double dotsPerInch);
 

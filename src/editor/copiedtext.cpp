@@ -1,5 +1,6 @@
 #include "editor/copiedtext.h"
 
+#include "editor/attachmentobject.h"
 #include "editor/picturefile.h"
 #include "editor/placedattachment.h"
 #include "editor/texteditor.h"
@@ -150,9 +151,7 @@ std::optional<CopiedText::Picture> CopiedText::pictureIn(const QTextCursor &sele
     const auto attachment = m_length == 1
         ? attachmentAt(*selection.document(), selection.selectionStart())
         : std::nullopt;
-    const bool isShown = attachment && attachment->format.intProperty(AttachmentWidth) > 0
-        && attachment->format.intProperty(AttachmentHeight) > 0;
-    if (!isShown || m_entries.empty()) {
+    if (!attachment || !hasPictureSize(attachment->format) || m_entries.empty()) {
         return std::nullopt;
     }
     const QByteArray &bytes = m_entries.front().entry.bytes;
