@@ -417,7 +417,8 @@ void TextEditor::inputMethodEvent(QInputMethodEvent *event)
         return;
     }
     handleTyped([this, event, &text] {
-        if (event->replacementLength() > 0 || !isTyping(text)) {
+        const bool isElsewhere = event->replacementStart() != 0 || event->replacementLength() > 0;
+        if (isElsewhere || !isTyping(text)) {
             QTextEdit::inputMethodEvent(event);
             return;
         }

@@ -128,6 +128,12 @@ void TestUndoSteps::anInputMethodTypesLikeKeys()
     compose(u"´"_s, u"é"_s);
     QTest::keyClicks(&editor, u"s"_s);
     QCOMPARE(taken(), QStringList(u"Typing: "_s));
+    QTest::keyClicks(&editor, u"ab"_s);
+    QInputMethodEvent before;
+    before.setCommitString(u"x"_s, -1);
+    QCoreApplication::sendEvent(&editor, &before);
+    QCOMPARE(editor.toPlainText(), u"axb"_s);
+    taken();
     const QString word = u"日本語"_s;
     for (int i = 0; i < 60; ++i) {
         compose(u"にほんご"_s, word);
