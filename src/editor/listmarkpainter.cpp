@@ -1,6 +1,7 @@
 #include "editor/listmarkpainter.h"
 
 #include "editor/listlevels.h"
+#include "editor/tablegeometry.h"
 #include "richtext/listmarks.h"
 #include "richtext/textproperties.h"
 
@@ -137,14 +138,14 @@ QRectF listMarkPlace(const QTextBlock &item)
 void drawListMarks(QPainter &painter, const QTextBlock &first, const QRectF &view,
                    const QPalette &palette)
 {
-    for (QTextBlock block = first; block.isValid(); block = block.next()) {
+    QTextBlock next;
+    for (QTextBlock block = first; block.isValid(); block = next) {
         const QTextList *list = block.textList();
         const bool isOurs = list && list->format().hasProperty(ListKind);
         const QAbstractTextDocumentLayout &layout = *block.document()->documentLayout();
-        if (layout.blockBoundingRect(block).top() > view.bottom()) {
-            return;
-        }
-        if (!isOurs || block.layout()->lineCount() == 0) {
+        const bool isBelow = layout.blockBoundingRect(block).top() > view.bottom();
+        next = isBelow ? blockBeside(block) : block.next();
+        if (isBelow || !isOurs || block.layout()->lineCount() == 0) {
             continue;
         }
         const Mark mark = markOf(block);

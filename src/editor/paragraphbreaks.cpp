@@ -1,6 +1,7 @@
 #include "editor/paragraphbreaks.h"
 
 #include "editor/paragraphformats.h"
+#include "editor/tablegeometry.h"
 #include "editor/tabstops.h"
 #include "editor/textcommands.h"
 #include "editor/texteditor.h"
@@ -175,13 +176,16 @@ void ParagraphBreaks::paint(QPainter &painter) const
     const int margin = int(m_editor.document()->documentMargin());
     const int left = margin + m_editor.origin().x();
     const int right = m_editor.viewport()->width() - margin;
-    for (; block.isValid(); block = block.next()) {
+    QTextBlock next;
+    for (; block.isValid(); block = next) {
         QTextCursor cursor(block);
         const QRect rect = m_editor.cursorRect(cursor);
         const int above = int(block.blockFormat().topMargin() / 2);
         if (rect.top() - above > exposed.bottom()) {
-            return;
+            next = blockBeside(block);
+            continue;
         }
+        next = block.next();
         if (hasPageBreakBefore(block.blockFormat())) {
             drawBreak(painter, left, right, rect.top() - above, m_editor.palette());
         }

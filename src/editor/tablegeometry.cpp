@@ -5,6 +5,7 @@
 #include <QPaintDevice>
 #include <QScreen>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextLayout>
 #include <QTextTable>
@@ -100,6 +101,23 @@ std::vector<double> rowEdges(const QTextTable &table, int first, int last)
         edges.push_back(isKnown || edges.empty() ? top : edges.back());
     }
     return edges;
+}
+
+QTextBlock blockBeside(const QTextBlock &block)
+{
+    for (QTextFrame *frame = QTextCursor(block).currentFrame(); frame;
+         frame = frame->parentFrame()) {
+        const auto *table = qobject_cast<const QTextTable *>(frame);
+        const QTextTableCell cell = table ? table->cellAt(block.position()) : QTextTableCell();
+        const QTextBlock behind =
+            cell.isValid() ? cell.lastCursorPosition().block().next() : QTextBlock();
+        const QTextTableCell next =
+            behind.isValid() ? table->cellAt(behind.position()) : QTextTableCell();
+        if (next.isValid() && next.row() < cell.row() + cell.rowSpan()) {
+            return behind;
+        }
+    }
+    return {};
 }
 
 double roomOf(const QTextTable &table)

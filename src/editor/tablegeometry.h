@@ -2,6 +2,7 @@
 
 #include <vector>
 
+class QTextBlock;
 class QTextTable;
 
 namespace quorvane {
@@ -12,6 +13,10 @@ std::vector<double> columnEdges(const QTextTable &table);
 
 /// Where the rows from \a first to \a last, both included, begin, and where the last one ends.
 std::vector<double> rowEdges(const QTextTable &table, int first, int last);
+
+/// Where to go on from a block that stands below what is seen: with the next one beside it in the
+/// row of a table. An invalid one where all that follows stands lower.
+QTextBlock blockBeside(const QTextBlock &block);
 
 /// How wide a table could be where it stands.
 double roomOf(const QTextTable &table);

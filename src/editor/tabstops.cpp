@@ -1,5 +1,6 @@
 #include "editor/tabstops.h"
 
+#include "editor/tablegeometry.h"
 #include "richtext/textproperties.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -120,12 +121,13 @@ void setTabStops(QTextBlockFormat &format, QList<TabStop> stops, double textStar
 void drawTabLeaders(QPainter &painter, const QTextBlock &first, const QRectF &view,
                     const QPalette &palette)
 {
-    for (QTextBlock block = first; block.isValid(); block = block.next()) {
+    QTextBlock next;
+    for (QTextBlock block = first; block.isValid(); block = next) {
         const QRectF place = block.document()->documentLayout()->blockBoundingRect(block);
-        if (place.top() > view.bottom()) {
-            return;
-        }
-        if (block.blockFormat().hasProperty(TabLeaders) && block.layout()->lineCount() > 0) {
+        const bool isBelow = place.top() > view.bottom();
+        next = isBelow ? blockBeside(block) : block.next();
+        if (!isBelow && block.blockFormat().hasProperty(TabLeaders)
+            && block.layout()->lineCount() > 0) {
             drawLeadersOf(painter, block, palette.color(QPalette::Text));
         }
     }

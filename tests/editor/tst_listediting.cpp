@@ -7,6 +7,7 @@
 
 #include <QMenu>
 #include <QScrollBar>
+#include <QTextTable>
 
 using namespace Qt::StringLiterals;
 using namespace quorvane;
@@ -50,6 +51,17 @@ QPoint middleOfBox(const TextEditor &editor, const QTextBlock &item)
         .toPoint();
 }
 
+QRect inkIn(const QImage &shown, const QRect &place)
+{
+    QRegion ink;
+    for (int x = place.left(); x <= place.right(); ++x) {
+        for (int y = place.top(); y <= place.bottom(); ++y) {
+            ink += qGray(shown.pixel(x, y)) < 128 ? QRect(x, y, 1, 1) : QRect();
+        }
+    }
+    return ink.boundingRect();
+}
+
 } // namespace
 
 class TestListEditing : public QObject
@@ -68,6 +80,7 @@ private slots:
     void anItemThatIsDoneIsFollowedByOneThatIsNot();
     void aTextThatCannotBeEditedKeepsItsLists();
     void marksOfOurOwnAreDrawn();
+    void marksAreDrawnBesideACellThatReachesOutOfView();
     void bulletsStandBesideTheMiddleOfSmallLetters();
     void backspaceTakesTheMarkAndLeavesTheTextInPlace();
 };
@@ -288,6 +301,20 @@ void TestListEditing::marksOfOurOwnAreDrawn()
     QVERIFY(page.editor.viewport()->grab(place).toImage() != open);
 }
 
+void TestListEditing::marksAreDrawnBesideACellThatReachesOutOfView()
+{
+    Page page;
+    QTextTable *table = QTextCursor(page.editor.document()).insertTable(2, 2);
+    table->cellAt(0, 0).firstCursorPosition().insertText(u"\n"_s.repeated(60));
+    page.editor.setTextCursor(table->cellAt(0, 1).firstCursorPosition());
+    typeKeys(page.editor, u"- b"_s);
+    page.editor.verticalScrollBar()->setValue(0);
+    const QTextBlock item = page.editor.textCursor().block();
+    QRect place = listMarkPlace(item).toAlignedRect();
+    place.setRight(page.editor.cursorRect(QTextCursor(item)).left() - 2);
+    QVERIFY(!inkIn(page.editor.viewport()->grab().toImage(), place).isEmpty());
+}
+
 void TestListEditing::backspaceTakesTheMarkAndLeavesTheTextInPlace()
 {
     Page page;
@@ -307,17 +334,8 @@ void TestListEditing::bulletsStandBesideTheMiddleOfSmallLetters()
     typeKeys(page.editor, u"- x   "_s);
     const QImage shown = page.editor.viewport()->grab().toImage();
     const QRect letter = page.editor.cursorRect(QTextCursor(page.editor.document()));
-    const auto inkIn = [&shown](const QRect &place) {
-        QRegion ink;
-        for (int x = place.left(); x <= place.right(); ++x) {
-            for (int y = place.top(); y <= place.bottom(); ++y) {
-                ink += qGray(shown.pixel(x, y)) < 128 ? QRect(x, y, 1, 1) : QRect();
-            }
-        }
-        return ink.boundingRect();
-    };
-    const QRect bullet = inkIn({0, letter.top(), letter.left(), letter.height()});
-    const QRect x = inkIn({letter.left(), letter.top(), 24, letter.height()});
+    const QRect bullet = inkIn(shown, {0, letter.top(), letter.left(), letter.height()});
+    const QRect x = inkIn(shown, {letter.left(), letter.top(), 24, letter.height()});
     QVERIFY(std::abs(bullet.center().y() - x.center().y()) <= 1);
     const int gap = x.left() - bullet.right();
     QVERIFY2(gap > x.height() * 3 / 4 && gap < x.height() * 3 / 2,
