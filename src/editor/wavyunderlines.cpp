@@ -48,8 +48,12 @@ QList<QRectF> WavyUnderlines::wavesOf(const QTextCursor &place) const
     const QTextDocument &document = *m_editor.document();
     const QTextBlock block = document.findBlock(place.selectionStart());
     const QTextLayout &layout = *block.layout();
-    const int from = place.selectionStart() - block.position();
-    const int end = std::min(place.selectionEnd() - block.position(), block.length() - 1);
+    const auto inLayout = [&](int at) { // where what is being composed stands, too
+        const bool isBehind = at > layout.preeditAreaPosition();
+        return isBehind ? at + int(layout.preeditAreaText().size()) : at;
+    };
+    const int from = inLayout(place.selectionStart() - block.position());
+    const int end = inLayout(std::min(place.selectionEnd() - block.position(), block.length() - 1));
     const QPointF origin =
         m_editor.origin() + document.documentLayout()->blockBoundingRect(block).topLeft();
     QList<QRectF> waves;
