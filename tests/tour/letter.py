@@ -1,6 +1,7 @@
 """Stations of a letter: two pages with everything that a letter may have, printed to a PDF, and seen
 on light and dark screens at one and at two dots a pixel."""
 
+import math
 import os
 import subprocess
 from contextlib import contextmanager
@@ -13,6 +14,7 @@ TITLE = "A week at the lake"
 ADDRESS = "https://ferry.example/timetable"
 NOTE = "timetable.txt", b"first ferry 7:40\nlast ferry 19:10\n"
 MISSPELLED = "wonderfull"
+LAKE = 400, 120  # pixels
 # What a dark desktop tells its programs.
 DARK = """[Colors:View]
 BackgroundNormal=27,30,32
@@ -113,11 +115,31 @@ def a_table_is_filled(tour):
     screen.keys("ctrl+End")
 
 
+def lake(x, y):
+    """Hills and the evening sun above the water that mirrors them."""
+    width, height = LAKE
+    shore = height * 3 // 5
+    above = y if y < shore else 2 * shore - y
+    hills = 20 + 10 * math.sin(x / 47) + 6 * math.sin(x / 19 + 1)
+    sun = math.hypot(x - width * 0.7, above - height * 0.24)
+    if above > shore - hills:
+        colour = (70, 96, 112)
+    elif sun < 11:
+        colour = (255, 236, 196)
+    else:
+        glow = max(0, 1 - sun / 200)
+        colour = (int(96 + 150 * glow), int(142 + 72 * glow), int(190 - 20 * glow))
+    if y < shore:
+        return colour
+    ripple = 0.72 + 0.08 * math.sin(y * 1.9 + math.sin(x / 23))
+    return tuple(int(part * ripple) for part in colour)
+
+
 @station("letter-picture-link-and-file")
 def things_are_inserted(tour):
     screen = tour.screen
     picture, note = tour.output / "tour-lake.png", tour.output / ("tour-" + NOTE[0])
-    picture.write_bytes(png(240, 120))
+    picture.write_bytes(png(*LAKE, lake))
     note.write_bytes(NOTE[1])
     screen.choose(Names.insert_menu, Names.picture_item)
     tour.choose_file(picture)

@@ -30,15 +30,17 @@ RTF = r"""{\rtf1\ansi\ansicpg1252\cocoartf2822
 WORDS = ("Headland", "bolder", "struck", "nested", "west", "beacon")
 
 
-def png(width, height):
-    """A picture of two colours."""
+def png(width, height, pixel=None):
+    """A picture of the colour that pixel(x, y) gives, or of two colours."""
+    pixel = pixel or (lambda x, y: (0x20, 0x60, 0xa0) if x < width // 2 else (0xf0, 0xc0, 0x40))
+
     def chunk(kind, data):
         return (len(data).to_bytes(4, "big") + kind + data
                 + zlib.crc32(kind + data).to_bytes(4, "big"))
     header = width.to_bytes(4, "big") + height.to_bytes(4, "big") + bytes([8, 2, 0, 0, 0])
-    row = b"\0" + b"\x20\x60\xa0" * (width // 2) + b"\xf0\xc0\x40" * (width - width // 2)
+    rows = b"".join(b"\0" + b"".join(bytes(pixel(x, y)) for x in range(width)) for y in range(height))
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header)
-            + chunk(b"IDAT", zlib.compress(row * height)) + chunk(b"IEND", b""))
+            + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
 def protected(tour):
