@@ -63,23 +63,33 @@ QList<QRectF> WavyUnderlines::wavesOf(const QTextCursor &place) const
             break; // it is not laid out yet
         }
         const int lineEnd = std::min(end, line.textStart() + line.textLength());
+        // Of the word's own letters: where directions meet, a place between two has two edges.
+        const int last = std::max(at, layout.previousCursorPosition(lineEnd));
         const double left = line.cursorToX(at);
-        const double right = line.cursorToX(lineEnd);
+        const double right = line.cursorToX(last, QTextLine::Trailing);
         const double room = line.height() - line.ascent(); // what lies outside is not painted anew
-        const double gap = std::min({room / 2, largestGap, std::floor(room) - waveSize.height()});
+        const double height = waveSize.height() * scale();
+        const double gap = std::min({room / 2, largestGap * scale(), std::floor(room) - height});
         waves.emplaceBack(origin.x() + std::min(left, right),
                           std::floor(origin.y() + line.y() + line.ascent() + std::max(0.0, gap)),
-                          std::abs(right - left), waveSize.height());
+                          std::abs(right - left), height);
         at = lineEnd;
     }
     return waves;
 }
 
+/// Of the waves: they do not become finer than they are without zoom.
+double WavyUnderlines::scale() const
+{
+    return std::max(1.0, m_editor.zoom());
+}
+
 const QPixmap &WavyUnderlines::tile()
 {
     const double ratio = m_editor.devicePixelRatioF();
-    if (m_tile.isNull() || m_tile.devicePixelRatio() != ratio) {
-        m_tile = QPixmap((QSizeF(waveSize) * ratio).toSize());
+    const QSize size = (QSizeF(waveSize) * scale() * ratio).toSize();
+    if (m_tile.size() != size || m_tile.devicePixelRatio() != ratio) {
+        m_tile = QPixmap(size);
         m_tile.setDevicePixelRatio(ratio);
         m_tile.fill(Qt::transparent);
         const double middle = waveSize.height() / 2.0;
@@ -93,6 +103,7 @@ const QPixmap &WavyUnderlines::tile()
         }
         QPainter painter(&m_tile);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(scale(), scale());
         painter.strokePath(wave, QPen(m_colour, lineWidth));
     }
     return m_tile;

@@ -28,6 +28,7 @@ public:
 
 private:
     QList<QRectF> wavesOf(const QTextCursor &place) const;
+    double scale() const;
     const QPixmap &tile();
     void draw(QPainter &painter);
 

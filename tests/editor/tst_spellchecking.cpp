@@ -267,6 +267,9 @@ private slots:
         row("larger", u"<p>amo amas %1 amo</p>"_s.arg(word), 2, 1);
         row("behind what is being composed", u"<p>amo amas %1 amo</p>"_s.arg(word), 1, 1);
         row("in a paragraph to the left", u"<p dir=rtl>amo amas %1 amo</p>"_s.arg(word), 1, 1);
+        row("at its end", u"<p dir=rtl>\u05d0\u05d1\u05d2 amo %1</p>"_s.arg(word), 1, 1);
+        row("before words to the left", u"<p dir=rtl>amo %1 \u05d0\u05d1\u05d2</p>"_s.arg(word), 1,
+            1);
         row("in an item", u"<ol><li>amo</li><li>amas %1 amo</li></ol>"_s.arg(word), 1, 1);
         row("in a cell", u"<table><tr><td>amo</td><td>%1 amo</td></tr></table>"_s.arg(word), 1, 1);
         row("broken into lines",
@@ -291,32 +294,34 @@ private slots:
             QInputMethodEvent composing(u"composed"_s, {});
             QCoreApplication::sendEvent(&window.editor(), &composing);
         }
-        QMap<int, QRect> places; // of the lines, by their baselines
-        for (int at = word.selectionStart(); at < word.selectionEnd(); ++at) {
+        QMap<int, QRect> inner; // of the lines, by their bottoms: from letter to letter
+        for (int at = word.selectionStart() + 1; at < word.selectionEnd(); ++at) {
             QTextCursor letter(word);
             letter.setPosition(at);
-            const QRect left = window.editor().cursorRect(letter);
-            letter.setPosition(at + 1);
-            const QRect right = window.editor().cursorRect(letter);
-            QRect &place = places[left.bottom()];
-            place = place.united(left);
-            place = left.bottom() == right.bottom() ? place.united(right) : place;
+            const QRect place = window.editor().cursorRect(letter);
+            inner[place.bottom()] = inner[place.bottom()].united(place);
         }
+        QVERIFY(inner.size() >= lines);
+        QMap<int, QRect> waves;
         const QImage shown = window.editor().viewport()->grab().toImage();
-        QSet<int> waves;
         for (int y = 0; y < shown.height(); ++y) {
             for (int x = 0; x < shown.width(); ++x) {
                 const QColor colour = shown.pixelColor(x, y);
                 if (colour.red() - colour.green() > 100) {
-                    const auto line = places.lowerBound(y);
-                    QVERIFY(line != places.end() && y > line->center().y());
-                    QVERIFY(line->adjusted(-2, 0, 12, 0).contains(x, y));
-                    waves << line.key();
+                    const auto line = inner.lowerBound(y);
+                    QVERIFY(line != inner.end() && y > line->center().y());
+                    waves[line.key()] = waves[line.key()].united({x, y, 1, 1});
                 }
             }
         }
-        QVERIFY(places.size() >= lines);
-        QCOMPARE(waves.size(), places.size());
+        QCOMPARE(waves.keys(), inner.keys());
+        const int letter = qRound(14 * zoom);
+        for (const int line : inner.keys()) {
+            QVERIFY(waves[line].left() <= inner[line].left() + 2);
+            QVERIFY(waves[line].right() >= inner[line].right() - 2);
+            QVERIFY(waves[line].left() >= inner[line].left() - letter);
+            QVERIFY(waves[line].right() <= inner[line].right() + letter);
+        }
     }
 
     void marksEndWithTheTextTheyStandIn()
