@@ -126,7 +126,7 @@ StyleTransfer::StyleTransfer(TextEditor &editor, TextCommands &commands, StyleMe
     commands.define(
         TextCommand::PasteAndMatchStyle, [this] { m_editor.pasteAndMatchStyle(); },
         [this] {
-            return MenuItemState {m_offer.isFor(m_editor), {}, {}};
+            return MenuItemState {m_editor.isPasteOffered(), {}, {}};
         });
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "editor/pasteoffer.h"
-
 #include <QObject>
 
 namespace quorvane {
@@ -24,7 +22,6 @@ private:
 
     TextEditor &m_editor;
     StyleMemory &m_memory;
-    PasteOffer m_offer;
 };
 
 } // namespace quorvane

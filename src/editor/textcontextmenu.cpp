@@ -58,7 +58,7 @@ void TextContextMenu::addUsual(QMenu &menu)
     };
     add(u"Cu&t"_s, QKeySequence::Cut, writes && selected, &QTextEdit::cut);
     add(u"&Copy"_s, QKeySequence::Copy, selected, &QTextEdit::copy);
-    add(u"&Paste"_s, QKeySequence::Paste, writes && m_editor.canPaste(), &QTextEdit::paste);
+    add(u"&Paste"_s, QKeySequence::Paste, m_editor.isPasteOffered(), &QTextEdit::paste);
     menu.addAction(&m_commands.action(TextCommand::PasteAndMatchStyle));
     menu.addSeparator();
     add(u"Select &All"_s, QKeySequence::SelectAll, true, &QTextEdit::selectAll);

@@ -2,6 +2,7 @@
 
 #include "editor/firstlook.h"
 #include "editor/layoutguard.h"
+#include "editor/pasteoffer.h"
 #include "editor/smoothscrolling.h"
 #include "editor/textspan.h"
 #include "editor/undonames.h"
@@ -94,6 +95,10 @@ public:
     bool insertText(const QString &text, const QString &name = QStringLiteral("Paste"));
     /// Inserts the characters that the clipboard holds, without a look of their own.
     void pasteAndMatchStyle();
+
+    /// Whether the clipboard holds what can be pasted here. Cheaper to ask than the toolkit.
+    bool isPasteOffered() { return m_pasteOffer.isFor(*this); }
+
     /// Whether so many more pixels of text can be shown. Ask before bulk edits by cursor.
     bool hasRoomFor(double height);
 
@@ -227,6 +232,7 @@ private:
     int m_wheelTurn = 0; // eighths of a degree that are no step yet
     std::vector<std::function<void(QPainter &)>> m_overlays;
     ForeignObjects m_foreignObjects;
+    PasteOffer m_pasteOffer;
 
     UndoNames m_undoNames;
     QElapsedTimer m_sinceTyping;

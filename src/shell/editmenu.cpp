@@ -105,9 +105,9 @@ QWidget *EditMenu::text() const
     return text && text->isVisibleTo(&m_window) ? text : nullptr;
 }
 
-EditMenu::Abilities EditMenu::abilities()
+EditMenu::Abilities EditMenu::abilities() const
 {
-    const QWidget *edited = text();
+    QWidget *edited = text();
     if (const auto *field = qobject_cast<const QLineEdit *>(edited)) {
         return abilitiesOf(*field);
     }
@@ -116,8 +116,8 @@ EditMenu::Abilities EditMenu::abilities()
     }
     const auto *rich = qobject_cast<const QTextEdit *>(edited);
     Abilities abilities = rich ? abilitiesOf(*rich) : Abilities();
-    if (const auto *editor = qobject_cast<const TextEditor *>(edited)) {
-        abilities.paste = m_offer.isFor(*editor);
+    if (auto *editor = qobject_cast<TextEditor *>(edited)) {
+        abilities.paste = editor->isPasteOffered();
     }
     return abilities;
 }

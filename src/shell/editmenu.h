@@ -1,7 +1,5 @@
 #pragma once
 
-#include "editor/pasteoffer.h"
-
 #include <QObject>
 #include <QPointer>
 
@@ -36,12 +34,11 @@ public:
 
 private:
     QWidget *text() const; // null where there is none to act on
-    Abilities abilities();
+    Abilities abilities() const;
     void deleteSelection();
 
     QMainWindow &m_window;
     QPointer<QWidget> m_last;
-    PasteOffer m_offer;
 };
 
 } // namespace quorvane
