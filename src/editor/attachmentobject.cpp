@@ -221,10 +221,9 @@ void AttachmentObject::prepareFrom(const QTextBlock &block, bool isForward)
     int left = preparedPictures;
     int looks = lookedThrough;
     for (QTextBlock at = block; at.isValid() && left > 0 && looks > 0; --looks) {
-        for (auto part = at.begin(); !part.atEnd(); ++part) {
+        for (auto part = at.begin(); !part.atEnd() && left > 0; ++part) {
             const QTextCharFormat format = part.fragment().charFormat();
-            const bool isShown = format.objectType() == attachmentObjectType && isPicture(format);
-            if (isShown && left > 0) {
+            if (format.objectType() == attachmentObjectType && isPicture(format)) {
                 const QSizeF size = intrinsicSize(&m_document, part.fragment().position(), format);
                 m_pictures.prepare(requestFor(format, fileOf(m_document, format)->bytes,
                                               size * m_preparedAround.scale));
