@@ -511,15 +511,13 @@ void TextEditor::changeEvent(QEvent *event)
 // Another program deletes what it has moved here, even if it was refused: it may only copy.
 void TextEditor::dropEvent(QDropEvent *event)
 {
-    if (event->source() != viewport() && event->source() != this) {
-        event->setDropAction(Qt::CopyAction);
-    }
+    const bool isForeign = event->source() != viewport() && event->source() != this;
     const UndoNames::Scope scope(m_undoNames, u"Drag and Drop"_s);
     QDropEvent placed(onLine(event->position()), event->possibleActions(), event->mimeData(),
                       event->buttons(), event->modifiers());
-    placed.setDropAction(event->dropAction());
-    QTextEdit::dropEvent(&placed);
-    event->setDropAction(placed.dropAction());
+    placed.setDropAction(isForeign ? Qt::CopyAction : event->dropAction());
+    QTextEdit::dropEvent(&placed); // which proposes its own again
+    event->setDropAction(isForeign ? Qt::CopyAction : placed.dropAction());
     event->setAccepted(placed.isAccepted());
 }
 
