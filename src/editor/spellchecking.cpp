@@ -62,6 +62,8 @@ SpellChecking::SpellChecking(const Surroundings &with)
 {
     m_slices.setSingleShot(true);
     connect(&m_slices, &QTimer::timeout, this, &SpellChecking::hunt);
+    m_rest.setSingleShot(true);
+    connect(&m_rest, &QTimer::timeout, this, &SpellChecking::underline);
     defineCommands(with);
     with.view.switches.spelling = [this](bool on) {
         setOn(on);
@@ -169,7 +171,7 @@ QList<QTextCursor> SpellChecking::wrongWordsInView()
         }
     }
     if (isUnfinished) {
-        m_marks.refresh();
+        m_rest.start(0);
     }
     return wrong;
 }
@@ -268,6 +270,7 @@ void SpellChecking::offerLanguages(QMenu &menu)
         menu.addAction(u"No dictionary for %1 is installed"_s.arg(system))->setEnabled(false);
         menu.addSeparator();
     }
+    delete menu.findChild<QActionGroup *>(); // of its former items
     auto *group = new QActionGroup(&menu);
     for (const auto &[name, tag] : byName) {
         QAction *action = menu.addAction(plainTitle(name));

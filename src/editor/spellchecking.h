@@ -70,7 +70,8 @@ private:
     NSWindow &m_sheets;
     WavyUnderlines m_waves;
     WordJudge m_judge;
-    QTimer m_slices;
+    QTimer m_slices; // of the hunt
+    QTimer m_rest; // of what is in view, whose words are looked up in slices, too
     std::optional<Hunt> m_hunt;
     bool m_isOn = false;
     bool m_isTyping = false; // the caret stands where the text has changed
