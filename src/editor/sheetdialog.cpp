@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QStyle>
 
 #include <algorithm>
 #include <utility>
@@ -144,7 +145,9 @@ bool SheetDialog::eventFilter(QObject *watched, QEvent *event)
 
 int SheetDialog::neededHeight() const
 {
-    const int content = m_column->hasHeightForWidth() ? m_column->totalHeightForWidth(width())
+    // A scroll bar that came up on the way goes only where all has room beside it.
+    const int narrow = width() - style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const int content = m_column->hasHeightForWidth() ? m_column->totalHeightForWidth(narrow)
                                                       : m_column->totalSizeHint().height();
     return content + m_foot->sizeHint().height();
 }

@@ -11,6 +11,8 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -104,6 +106,7 @@ private slots:
         for (const auto *button : sheet->findChildren<QPushButton *>()) {
             QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
         }
+        QVERIFY(!sheet->findChild<QScrollArea *>()->verticalScrollBar()->isVisible());
         sheet->resize(sheet->width(), 5000);
         QVERIFY(sheet->height() <= sheet->screen()->availableGeometry().height());
         sheet->endSheet(QDialog::Rejected);
