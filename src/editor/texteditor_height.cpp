@@ -40,6 +40,8 @@ bool TextEditor::setZoom(double zoom)
         detach();
         attach(m_content.get());
         m_content->setPageSize(m_content->pageSize()); // begins the layout anew
+        QResizeEvent unchanged(viewport()->size(), viewport()->size());
+        QTextEdit::resizeEvent(&unchanged); // or the scroll bars may stay as they were
         restore({kept.anchor, kept.caret, kept.top, 0, 0});
         m_unsettled.reset();
     }

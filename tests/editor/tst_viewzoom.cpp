@@ -47,6 +47,7 @@ class TestViewZoom : public QObject
 private Q_SLOTS:
     void init();
     void everythingScalesAndTheDocumentKnowsNothing();
+    void actualSizeIsAsItWas();
     void caretAndTopLineStay();
     void commandsAndWheelGoThroughTheSteps();
     void aTallTextIsShownNoLargerThanItCanBe();
@@ -78,6 +79,24 @@ void TestViewZoom::wheel(int delta, Qt::KeyboardModifiers modifiers)
     QWheelEvent event(QPointF(10, 10), m_editor->mapToGlobal(QPointF(10, 10)), QPoint(),
                       QPoint(0, delta), Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(m_editor->viewport(), &event);
+}
+
+void TestViewZoom::actualSizeIsAsItWas()
+{
+    auto text = std::make_unique<QTextDocument>();
+    text->setHtml(u"<p>a</p><table width=400><tr><td>b</td><td>c</td></tr></table><p>d</p>"_s);
+    QCOMPARE(m_editor->showDocument(std::move(text)), TextEditor::ShowResult::Shown);
+    const auto ranges = [this] {
+        return QSize(m_editor->horizontalScrollBar()->maximum(),
+                     m_editor->verticalScrollBar()->maximum());
+    };
+    QTRY_COMPARE(ranges(), QSize(0, 0));
+    for (const double zoom : {2.5, 5.0}) {
+        QVERIFY(m_editor->setZoom(zoom));
+        QTRY_VERIFY(ranges() != QSize(0, 0));
+        QVERIFY(m_editor->setZoom(1));
+        QTRY_COMPARE(ranges(), QSize(0, 0));
+    }
 }
 
 void TestViewZoom::everythingScalesAndTheDocumentKnowsNothing()
