@@ -110,6 +110,7 @@ TextEditor::TextEditor(QWidget *parent)
     setAcceptRichText(true);
     setTabChangesFocus(false);
     setFrameShape(QFrame::NoFrame);
+    connect(this, &QTextEdit::cursorPositionChanged, this, &TextEditor::showMarginWithFirstLine);
     m_settling.setSingleShot(true);
     m_settling.setInterval(settlingMilliseconds);
     connect(&m_settling, &QTimer::timeout, this, [this] {

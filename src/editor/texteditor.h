@@ -222,6 +222,7 @@ private:
     Place place() const;
     void restore(const Place &place);
     void restoreScroll(const Place &place);
+    void showMarginWithFirstLine();
 
     std::unique_ptr<QTextDocument> m_content;
     std::unique_ptr<QTextDocument> m_standIn;

@@ -219,8 +219,23 @@ void TextEditor::restore(const Place &place)
     m_unsettled = place;
 }
 
+// The toolkit shows the line of the caret, and no more.
+void TextEditor::showMarginWithFirstLine()
+{
+    const QTextCursor caret = textCursor();
+    const QTextLine line = caret.block().layout()->lineForTextPosition(caret.positionInBlock());
+    const bool isInFirst = caret.blockNumber() == 0 && line.isValid() && line.lineNumber() == 0;
+    if (isInFirst && cursorRect().top() >= 0) {
+        verticalScrollBar()->setValue(0);
+    }
+}
+
 void TextEditor::restoreScroll(const Place &place)
 {
+    if (place.top == 0) {
+        verticalScrollBar()->setValue(0);
+        return;
+    }
     if (place.width == viewport()->width()) {
         const double bottom = place.scroll + viewport()->height();
         m_content->documentLayout()->hitTest(QPointF(0, bottom),
