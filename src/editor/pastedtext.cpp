@@ -1,5 +1,6 @@
 #include "editor/pastedtext.h"
 
+#include "editor/adaptivecolours.h"
 #include "editor/heightestimate.h"
 #include "editor/picturefile.h"
 #include "editor/placedattachment.h"
@@ -29,6 +30,8 @@ namespace {
 
 constexpr int largestExtent = static_cast<int>(tallestImage);
 constexpr double widestPicture = 700;
+constexpr double widestMargin = 300;
+constexpr double invisible = 1.2; // contrast
 
 bool isData(const QUrl &url)
 {
@@ -134,9 +137,20 @@ void adoptImages(QTextCursor &cursor, const Run &run)
     }
 }
 
+/// Pages hide text by its colour; here it would be there, and nobody knew.
+bool isHidden(const QTextBlock &block, const QTextCharFormat &format)
+{
+    const bool isMarked = format.hasProperty(QTextFormat::BackgroundBrush);
+    const QColor ink = format.foreground().color();
+    const QColor paper = isMarked ? format.background().color() : paperOf(block, Qt::white);
+    return format.hasProperty(QTextFormat::ForegroundBrush)
+        && (ink.alpha() == 0 || contrastOf(ink, paper) < invisible);
+}
+
 void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
 {
-    const bool black = isPlain(format, QTextFormat::ForegroundBrush, Qt::black);
+    const bool black = isPlain(format, QTextFormat::ForegroundBrush, Qt::black)
+        || isHidden(cursor.block(), format);
     const bool white = isPlain(format, QTextFormat::BackgroundBrush, Qt::white);
     const bool isRelative = format.hasProperty(QTextFormat::FontSizeAdjustment);
     if (!black && !white && !isRelative) {
@@ -154,6 +168,53 @@ void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
         format.clearBackground();
     }
     cursor.setCharFormat(format);
+}
+
+/// ... or by a place beside the page.
+void moveIntoView(QTextCursor &cursor)
+{
+    const auto within = [](double margin) {
+        return std::clamp(margin, 0.0, widestMargin);
+    };
+    QTextBlockFormat format = cursor.blockFormat();
+    format.setLeftMargin(within(format.leftMargin()));
+    format.setRightMargin(within(format.rightMargin()));
+    format.setTextIndent(std::clamp(format.textIndent(), -format.leftMargin(), widestMargin));
+    if (format != cursor.blockFormat()) {
+        cursor.setBlockFormat(format);
+    }
+}
+
+void moveIntoView(QTextDocument &document)
+{
+    QTextCursor cursor(&document);
+    do {
+        moveIntoView(cursor);
+    } while (cursor.movePosition(QTextCursor::NextBlock));
+}
+
+/// Half of a character, or a mark of an end: no program takes it for text.
+bool isNoText(const QString &text, qsizetype at)
+{
+    const QChar character = text.at(at);
+    const bool isWhole =
+        (at + 1 < text.size() && character.isHighSurrogate() && text.at(at + 1).isLowSurrogate())
+        || (at > 0 && character.isLowSurrogate() && text.at(at - 1).isHighSurrogate());
+    return character == QChar(u'\0') || (character.isSurrogate() && !isWhole);
+}
+
+void dropWhatIsNoText(QTextDocument &document)
+{
+    const QString text = document.toRawText();
+    QTextCursor cursor(&document);
+    for (qsizetype at = text.size() - 1; at >= 0; --at) {
+        if (isNoText(text, at)) {
+            cursor.setPosition(int(at));
+            cursor.deleteChar();
+            cursor.insertText(text.at(at).isSurrogate() ? QString(QChar::ReplacementCharacter)
+                                                        : QString());
+        }
+    }
 }
 
 void dressTable(QTextTable &table)
@@ -191,9 +252,11 @@ QByteArray bodyOfHtml(const QString &html, const QFont &font)
     document->setUndoRedoEnabled(false);
     document->setDefaultFont(font);
     document->setHtml(html);
-    std::vector<Run> runs = runsOf(*document);
     QTextCursor cursor(document.get());
     cursor.beginEditBlock();
+    dropWhatIsNoText(*document);
+    moveIntoView(*document);
+    const std::vector<Run> runs = runsOf(*document);
     for (auto run = runs.rbegin(); run != runs.rend(); ++run) { // from the end: places stay true
         cursor.setPosition(run->position);
         cursor.setPosition(run->position + int(run->text.size()), QTextCursor::KeepAnchor);

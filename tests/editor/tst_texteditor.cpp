@@ -535,6 +535,50 @@ private slots:
         }
     }
 
+    void pastedTextIsSeen_data()
+    {
+        QTest::addColumn<QString>("html");
+        QTest::newRow("white on white") << u"<p style='color:#fff'>text</p>"_s;
+        QTest::newRow("no colour at all") << u"<p style='color:transparent'>text</p>"_s;
+        QTest::newRow("left of the page") << u"<p style='text-indent:-9999px'>text</p>"_s;
+        QTest::newRow("right of the page") << u"<p style='margin-left:99999px'>text</p>"_s;
+        QTest::newRow("white on a dark cell")
+            << u"<table><tr><td bgcolor=#000080><span style='color:#fff'>text</span></td></tr></table>"_s;
+        QTest::newRow("without what ends it elsewhere") << u"<p>te&#0;xt</p>"_s;
+    }
+
+    void pastedTextIsSeen()
+    {
+        QFETCH(QString, html);
+        m_editor->resize(800, 200);
+        m_editor->show();
+        auto data = std::make_unique<QMimeData>();
+        data->setHtml(html);
+        paste(*m_editor, std::move(data));
+        const QTextCursor text = m_editor->content()->find(u"text"_s);
+        QVERIFY(text.hasSelection());
+        const QTextCharFormat format = text.charFormat();
+        const bool isDark = QTextCursor(text).currentTable();
+        QCOMPARE(format.hasProperty(QTextFormat::ForegroundBrush), isDark);
+        QVERIFY(m_editor->viewport()->rect().contains(m_editor->cursorRect(text)));
+        QVERIFY(!m_editor->horizontalScrollBar()->isVisible());
+    }
+
+    void theFirstLineIsShownWithTheMarginAbove()
+    {
+        QCOMPARE(m_editor->showDocument(documentOf(u"line"_s, 300)), TextEditor::ShowResult::Shown);
+        m_editor->resize(600, 300);
+        m_editor->show();
+        QTest::keyClick(m_editor.get(), Qt::Key_End, Qt::ControlModifier);
+        QVERIFY(m_editor->verticalScrollBar()->value() > 0);
+        QTest::keyClick(m_editor.get(), Qt::Key_Home, Qt::ControlModifier);
+        QCOMPARE(m_editor->verticalScrollBar()->value(), 0);
+        m_editor->setContentHidden(true);
+        m_editor->resize(500, 200);
+        m_editor->setContentHidden(false);
+        QCOMPARE(m_editor->verticalScrollBar()->value(), 0);
+    }
+
     void pastedBlackOnWhiteFollowsThePalette()
     {
         auto data = std::make_unique<QMimeData>();
