@@ -33,7 +33,7 @@ constexpr double unknownObjectHeight = 128; // an icon with its name
 
 // Widths of letters are added up in whole parts of a pixel, which is several times as fast.
 constexpr int partsOfPixel = 64;
-constexpr double widestLine = 1 << 20; // pixels
+constexpr double widestLine = 1 << 17; // pixels: many letters as wide have a sum all the same
 
 int partsOf(double width)
 {
