@@ -23,7 +23,7 @@ public:
     enum class Layer { Colours, Spelling, Matches };
 
     using Marks = QList<QTextEdit::ExtraSelection>;
-    /// Adds the marks of the blocks from \a first to \a last, both included.
+    /// Adds the marks of the blocks from \a first to \a last, both included, or draws some itself.
     using Source =
         std::function<void(const QTextBlock &first, const QTextBlock &last, Marks &marks)>;
 

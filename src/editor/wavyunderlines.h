@@ -12,8 +12,8 @@ namespace quorvane {
 
 class TextEditor;
 
-/// Waves under places of a text, drawn over it. The toolkit would draw them too, but paints the
-/// whole paragraph three times for it, at each key.
+/// Waves under places of a text, drawn over it. The toolkit would draw them too, but one of its own
+/// in a paragraph makes each key there cost a fifth more.
 class WavyUnderlines final
 {
 public:
