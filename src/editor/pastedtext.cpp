@@ -140,20 +140,34 @@ void adoptImages(QTextCursor &cursor, const Run &run)
 /// Pages hide text by its colour; here it would be there, and nobody knew.
 bool isHidden(const QTextBlock &block, const QTextCharFormat &format)
 {
-    const bool isMarked = format.hasProperty(QTextFormat::BackgroundBrush);
+    const QColor mark = format.background().color();
+    const bool isMarked = format.hasProperty(QTextFormat::BackgroundBrush) && mark.alpha() > 0;
     const QColor ink = format.foreground().color();
-    const QColor paper = isMarked ? format.background().color() : paperOf(block, Qt::white);
     return format.hasProperty(QTextFormat::ForegroundBrush)
-        && (ink.alpha() == 0 || contrastOf(ink, paper) < invisible);
+        && (ink.alpha() == 0
+            || contrastOf(ink, isMarked ? mark : paperOf(block, Qt::white)) < invisible);
+}
+
+/// In the palette's colours, or on paper of its own in some that can be read there.
+void reveal(QTextCharFormat &format, const QTextBlock &block)
+{
+    const QColor paper = paperOf(block, Qt::white);
+    const QColor ink = format.foreground().color().rgb(); // which is no glass
+    format.clearBackground();
+    if (paper == QColor(Qt::white)) {
+        format.clearForeground();
+    } else {
+        format.setForeground(readableInk(ink, paper));
+    }
 }
 
 void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
 {
-    const bool black = isPlain(format, QTextFormat::ForegroundBrush, Qt::black)
-        || isHidden(cursor.block(), format);
+    const bool hidden = isHidden(cursor.block(), format);
+    const bool black = isPlain(format, QTextFormat::ForegroundBrush, Qt::black);
     const bool white = isPlain(format, QTextFormat::BackgroundBrush, Qt::white);
     const bool isRelative = format.hasProperty(QTextFormat::FontSizeAdjustment);
-    if (!black && !white && !isRelative) {
+    if (!hidden && !black && !white && !isRelative) {
         return;
     }
     if (isRelative) {
@@ -161,7 +175,9 @@ void adapt(QTextCursor &cursor, QTextCharFormat format, const QFont &font)
         format.clearProperty(QTextFormat::FontSizeAdjustment);
         format.setFontPointSize(font.pointSizeF() * scaleOf(adjustment));
     }
-    if (black) {
+    if (hidden) {
+        reveal(format, cursor.block());
+    } else if (black) {
         format.clearForeground();
     }
     if (white) {

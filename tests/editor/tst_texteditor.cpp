@@ -542,6 +542,10 @@ private slots:
         QTest::newRow("no colour at all") << u"<p style='color:transparent'>text</p>"_s;
         QTest::newRow("left of the page") << u"<p style='text-indent:-9999px'>text</p>"_s;
         QTest::newRow("right of the page") << u"<p style='margin-left:99999px'>text</p>"_s;
+        QTest::newRow("under a black bar")
+            << u"<p><span style='color:#111;background-color:#000'>text</span></p>"_s;
+        QTest::newRow("dark on a dark cell")
+            << u"<table><tr><td bgcolor=#000080><span style='color:#000070'>text</span></td></tr></table>"_s;
         QTest::newRow("white on a dark cell")
             << u"<table><tr><td bgcolor=#000080><span style='color:#fff'>text</span></td></tr></table>"_s;
         QTest::newRow("without what ends it elsewhere") << u"<p>te&#0;xt</p>"_s;
@@ -558,8 +562,10 @@ private slots:
         const QTextCursor text = m_editor->content()->find(u"text"_s);
         QVERIFY(text.hasSelection());
         const QTextCharFormat format = text.charFormat();
-        const bool isDark = QTextCursor(text).currentTable();
-        QCOMPARE(format.hasProperty(QTextFormat::ForegroundBrush), isDark);
+        const bool isInCell = QTextCursor(text).currentTable();
+        QCOMPARE(format.hasProperty(QTextFormat::ForegroundBrush), isInCell);
+        QVERIFY(!isInCell || format.foreground().color().lightness() > 120);
+        QVERIFY(!format.hasProperty(QTextFormat::BackgroundBrush));
         QVERIFY(m_editor->viewport()->rect().contains(m_editor->cursorRect(text)));
         QVERIFY(!m_editor->horizontalScrollBar()->isVisible());
     }
